@@ -1,0 +1,102 @@
+// PictureLut3DZVR: a three-dimensional colour table.
+
+#include "classes/classes.h"
+#include "classes/instances.h"
+#include "frame/members.h"
+#include "kernels/convert.h"
+
+namespace {
+
+PictureLut3DData* lutOf(REALobjectStruct* object) { return dataOf<PictureLut3DData>(object, gLut3DClass); }
+
+// An element of an instance's table; null outside it.
+double* element(REALobjectStruct* object, uint32_t r, uint32_t g, uint32_t b, uint32_t x) {
+  PictureLut3DData* lut = lutOf(object);
+  return lut && r < kLutSide && g < kLutSide && b < kLutSide && x < kLutChannels ? &lut->table[r][g][b][x]
+                                                                                 : nullptr;
+}
+
+// The used part of a table, when it holds whole numbers from 0 to 255 alone. Pictures of many pixels are
+// mapped faster by it, with the same results.
+class WholeTable {
+ public:
+  // False when an entry does not fit.
+  bool fill(const PictureLut3DData& lut) {
+    kernels::Pixel* node = nodes_;
+    for (uint32_t r = 0; r < kSide; ++r) {
+      for (uint32_t g = 0; g < kSide; ++g) {
+        for (uint32_t b = 0; b < kSide; ++b) {
+          if (!pack(lut.table[r][g][b], *node++)) return false;
+        }
+      }
+    }
+    return true;
+  }
+  const kernels::Pixel* nodes() const { return nodes_; }
+
+ private:
+  static constexpr uint32_t kSide = kernels::kWholeCubeSide;
+
+  static bool pack(const double (&entry)[kLutChannels], kernels::Pixel& node) {
+    uint32_t word = 0;
+    for (double value : entry) {
+      const int32_t whole = toInt32(value);
+      if (whole < 0 || whole > 255 || whole != value) return false;
+      word = word << 8 | static_cast<uint32_t>(whole);
+    }
+    node = word;
+    return true;
+  }
+
+  kernels::Pixel nodes_[kSide * kSide * kSide];
+};
+
+void mapThroughTable(const PictureLut3DData& lut, PictureReader& source, PictureWriter& result) {
+  const Region area = areaOf(lut, source);
+  constexpr int64_t kManyPixels = 20000;  // from here on filling a WholeTable pays
+  WholeTable whole;
+  if (int64_t{area.right} * area.bottom >= kManyPixels && whole.fill(lut)) {
+    const auto kernel = [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+      kernels::best().mapThroughWholeCube(out, in, count, top, whole.nodes());
+    };
+    mapRegion(result, area, kernel, source);
+    return;
+  }
+  const auto kernel = [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+    kernels::best().mapThroughCube(out, in, count, top, &lut.table[0][0][0][0]);
+  };
+  mapRegion(result, area, kernel, source);
+}
+
+}  // namespace
+
+void Lut3DConstructor(REALobjectStruct*) {}
+
+void Lut3DClose(REALobjectStruct* object) {
+  if (PictureLut3DData* lut = lutOf(object)) {
+    releasePicture(lut->source);
+    releasePicture(lut->destination);
+  }
+}
+
+RBBoolean Lut3DRun(REALobjectStruct* object) {
+  PictureLut3DData* lut = lutOf(object);
+  if (!lut) return false;
+  releasePicture(lut->destination);
+  PictureReader source;
+  if (!source.GetPictureReader(lut->source)) return false;
+  PictureWriter result;
+  if (!result.NewPictureWriter(source)) return false;
+  mapThroughTable(*lut, source, result);
+  lut->destination = result.RenderPictureWriter();
+  return true;
+}
+
+double Lut3DGetTable(REALobjectStruct* object, uint32_t r, uint32_t g, uint32_t b, uint32_t x) {
+  const double* value = element(object, r, g, b, x);
+  return value ? *value : 0.0;
+}
+
+void Lut3DSetTable(REALobjectStruct* object, uint32_t r, uint32_t g, uint32_t b, uint32_t x, double value) {
+  if (double* target = element(object, r, g, b, x)) *target = value;
+}

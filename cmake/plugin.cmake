@@ -1,0 +1,21 @@
+# The plug-in. Its objects are also linked straight into the tests of its inner layers.
+file(GLOB ZVR_PLUGIN_SOURCES CONFIGURE_DEPENDS
+  "${CMAKE_SOURCE_DIR}/frame/*.cpp" "${CMAKE_SOURCE_DIR}/picture/*.cpp"
+  "${CMAKE_SOURCE_DIR}/operations/*.cpp" "${CMAKE_SOURCE_DIR}/classes/*.cpp")
+add_library(picturezvr_objects OBJECT ${ZVR_PLUGIN_SOURCES})
+target_link_libraries(picturezvr_objects PUBLIC zvr_options zvr_kernels)
+
+add_library(picturezvr SHARED "${CMAKE_SOURCE_DIR}/cmake/exports.map")
+set_target_properties(picturezvr PROPERTIES LINKER_LANGUAGE CXX
+  LINK_DEPENDS "${CMAKE_SOURCE_DIR}/cmake/exports.map")
+target_link_libraries(picturezvr PRIVATE picturezvr_objects ${CMAKE_DL_LIBS})
+target_link_options(picturezvr PRIVATE
+  -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map
+  -Wl,--no-undefined -Wl,-z,relro -Wl,-z,now -Wl,-z,text -Wl,--gc-sections)
+if(NOT ZVR_SANITIZE)
+  # Needs the C runtime alone.
+  target_link_options(picturezvr PRIVATE -static-libgcc -static-libstdc++)
+else()
+  # Sanitizer run times are found in the program that loads the library.
+  target_link_options(picturezvr PRIVATE -Wl,-z,undefs)
+endif()

@@ -1,0 +1,29 @@
+# Libraries that our host and the tests stand on. The plug-in itself uses none of them.
+find_package(PkgConfig REQUIRED)
+find_package(CLI11 REQUIRED)
+pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(JPEG REQUIRED IMPORTED_TARGET libjpeg)
+pkg_check_modules(FFI REQUIRED IMPORTED_TARGET libffi)
+pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
+# GTK 2 and cairo give declarations only: our host opens both at run time, as the plug-in does.
+pkg_check_modules(GTK2 REQUIRED gtk+-2.0)
+pkg_check_modules(CAIRO REQUIRED cairo)
+find_package(GTest REQUIRED)
+
+if(ZVR_I386_TREE)
+  # libjpeg's package file does not name the folder of its own configuration header.
+  include_directories(SYSTEM "${ZVR_I386_TREE}/usr/include/i386-linux-gnu")
+  set(ZVR_I386_LIBRARY_DIRS "${ZVR_I386_TREE}/usr/lib/i386-linux-gnu;${ZVR_I386_TREE}/lib/i386-linux-gnu")
+  foreach(directory IN LISTS ZVR_I386_LIBRARY_DIRS)
+    add_link_options("-L${directory}" "-Wl,-rpath-link,${directory}")
+  endforeach()
+endif()
+# An old-style run path also serves what the plug-in opens while it runs, and what those libraries need.
+# function(zvr_run_path target) puts it on a program; further folders named after the target come first.
+function(zvr_run_path target)
+  set(directories ${ARGN} ${ZVR_I386_LIBRARY_DIRS})
+  target_link_options(${target} PRIVATE -Wl,--disable-new-dtags)
+  foreach(directory IN LISTS directories)
+    target_link_options(${target} PRIVATE "-Wl,-rpath,${directory}")
+  endforeach()
+endfunction()

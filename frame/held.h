@@ -1,0 +1,60 @@
+// References on host objects and strings, released at the end of a scope.
+#pragma once
+
+#include "frame/entry_points.h"
+
+// One host reference. On a host that can't count references up (it lacks the service) a shared one is not
+// released either, so what the plug-in merely borrows is never destroyed under its owner.
+template <typename T>
+class Held {
+ public:
+  // Takes over a reference that the caller owns; null for none.
+  explicit Held(T* object = nullptr) : object_(object), isCounted_(object != nullptr) {}
+  Held(Held&& other) noexcept : object_(other.object_), isCounted_(other.isCounted_) { other.forget(); }
+  Held& operator=(Held&& other) noexcept {
+    if (this == &other) return *this;
+    T* const old = isCounted_ ? object_ : nullptr;
+    object_ = other.object_;
+    isCounted_ = other.isCounted_;
+    other.forget();
+    if (old) unlock(old);
+    return *this;
+  }
+  ~Held() {
+    if (isCounted_) unlock(object_);
+  }
+
+  // Holds one more reference on an object that somebody else holds, too.
+  static Held share(T* object) {
+    Held shared;
+    shared.object_ = object;
+    shared.isCounted_ = object && lock(object);
+    return shared;
+  }
+
+  T* get() const { return object_; }
+  explicit operator bool() const { return object_ != nullptr; }
+  // Whether there is a reference to release; false for a borrowed object of a host that can't count.
+  bool isCounted() const { return isCounted_; }
+
+  // Hands the reference to the caller.
+  T* release() {
+    T* object = object_;
+    forget();
+    return object;
+  }
+  // Forgets the object without releasing it.
+  void forget() {
+    object_ = nullptr;
+    isCounted_ = false;
+  }
+
+ private:
+  static bool lock(REALobjectStruct* object) { return REALLockObject(object); }
+  static bool lock(REALstringStruct* string) { return REALLockString(string); }
+  static void unlock(REALobjectStruct* object) { REALUnlockObject(object); }
+  static void unlock(REALstringStruct* string) { REALUnlockString(string); }
+
+  T* object_;
+  bool isCounted_;
+};

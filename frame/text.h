@@ -1,0 +1,141 @@
+// Host strings and memory blocks as plain bytes, and strings built from bytes.
+#pragma once
+
+#include "frame/entry_points.h"
+#include "frame/held.h"
+#include "frame/memory.h"
+
+// One host string in any of six encodings. Each is converted on first use and kept; every getter's text is
+// terminated and good as long as the object lives. A null string, or a conversion that fails, is an empty
+// text. A string without an encoding is read as Windows Latin-1.
+class rbText {
+ public:
+  explicit rbText(REALstringStruct* string);
+  rbText(const rbText& other);  // wraps the same string; conversions are not shared
+  rbText& operator=(const rbText& other);
+  ~rbText();
+
+  // Never null.
+  const char* GetUTF8() { return bytes(kUTF8); }
+  const char* GetASCII() { return bytes(kASCII); }
+  const char* GetWindows() { return bytes(kWindows); }
+  const char* GetMacRoman() { return bytes(kMacRoman); }
+  const uint16_t* GetUTF16() { return static_cast<const uint16_t*>(converted(kUTF16).data); }
+  // Surrogate pairs are not combined: each half is a unit of its own, on purpose.
+  const uint32_t* GetUTF32() { return static_cast<const uint32_t*>(converted(kUTF32).data); }
+  const char* GetNative() { return GetUTF8(); }
+  const char* GetPassword() { return GetWindows(); }
+  const wchar_t* GetWChar() { return static_cast<const wchar_t*>(converted(kUTF32).data); }
+
+  // Null for an empty text.
+  const char* GetUTF8Nil() { return LengthUTF8() < 1 ? nullptr : GetUTF8(); }
+  const char* GetASCIINil() { return LengthASCII() < 1 ? nullptr : GetASCII(); }
+  const char* GetWindowsNil() { return LengthWindows() < 1 ? nullptr : GetWindows(); }
+  const char* GetMacRomanNil() { return LengthMacRoman() < 1 ? nullptr : GetMacRoman(); }
+  const uint16_t* GetUTF16Nil() { return LengthUTF16() < 1 ? nullptr : GetUTF16(); }
+  const uint32_t* GetUTF32Nil() { return LengthUTF32() < 1 ? nullptr : GetUTF32(); }
+  const wchar_t* GetWCharNil() { return LengthWChar() < 1 ? nullptr : GetWChar(); }
+
+  // Bytes for the 8-bit encodings, 16-bit units for UTF-16, 32-bit units for UTF-32; without the terminator.
+  int32_t LengthUTF8() { return converted(kUTF8).length; }
+  int32_t LengthASCII() { return converted(kASCII).length; }
+  int32_t LengthWindows() { return converted(kWindows).length; }
+  int32_t LengthMacRoman() { return converted(kMacRoman).length; }
+  int32_t LengthUTF16() { return converted(kUTF16).length; }
+  int32_t LengthUTF32() { return converted(kUTF32).length; }
+  int32_t LengthWChar() { return LengthUTF32(); }
+
+  // Null when memory is lacking.
+  static void* operator new(size_t size) noexcept { return AllocateClearMemory(static_cast<int64_t>(size)); }
+  static void operator delete(void* pointer) { FreeMemoryNow(pointer); }
+
+ private:
+  friend void AddTextChain(rbText*& head, rbText* item);
+  friend void FreeTextChain(rbText*& head);
+
+  enum Encoding { kUTF8, kASCII, kWindows, kMacRoman, kUTF16, kUTF32, kEncodings };
+
+  // One encoding's text and what keeps it alive.
+  struct Conversion {
+    int32_t length = -1;  // -1: not yet converted
+    const void* data = nullptr;
+    Held<REALstringStruct> converted;  // hosts before 2012: the converted string
+    REALstringData record = {};        // later hosts: the string's data ...
+    bool disposeRecord = false;        // ... which goes back
+    void* buffer = nullptr;            // a terminated copy of our own
+  };
+
+  void wrap(REALstringStruct* string);
+  void reset();
+  const char* bytes(Encoding encoding) { return static_cast<const char*>(converted(encoding).data); }
+  const Conversion& converted(Encoding encoding);
+  void convert(Encoding encoding, Conversion& to);
+  void widen(Conversion& to);
+
+  Held<REALstringStruct> string_;
+  Conversion conversions_[kEncodings];
+  rbText* next_ = nullptr;
+};
+
+inline const char* GetUTF8(rbText& text) { return text.GetUTF8(); }
+inline const char* GetASCII(rbText& text) { return text.GetASCII(); }
+inline const char* GetWindows(rbText& text) { return text.GetWindows(); }
+inline const char* GetMacRoman(rbText& text) { return text.GetMacRoman(); }
+inline const uint16_t* GetUTF16(rbText& text) { return text.GetUTF16(); }
+inline const uint32_t* GetUTF32(rbText& text) { return text.GetUTF32(); }
+
+// Chains, so that a function can free several texts at once. Items are made with `new`.
+void AddTextChain(rbText*& head, rbText* item);  // at the front
+void FreeTextChain(rbText*& head);               // deletes every element; head is null afterwards
+
+// The raw bytes of a host string or memory block, held as long as the object lives.
+class rbData {
+ public:
+  // The block's bytes from an offset on (not checked against its size). A length of 0 means its whole size.
+  explicit rbData(REALmemoryBlockStruct* block, int32_t offset = 0, int32_t length = 0);
+  // The string's own bytes; empty for a null string and on failure.
+  explicit rbData(REALstringStruct* string);
+  ~rbData();
+  rbData(const rbData&) = delete;
+  rbData& operator=(const rbData&) = delete;
+
+  uint8_t* data() const { return data_; }  // null when there is none
+  int32_t length() const { return length_; }
+  // Forgets what is held: the destructor then releases nothing.
+  void leak();
+
+  static void* operator new(size_t size) noexcept { return AllocateClearMemory(static_cast<int64_t>(size)); }
+  static void operator delete(void* pointer) { FreeMemoryNow(pointer); }
+
+ private:
+  friend void AddDataChain(rbData*& head, rbData* item);
+  friend rbData* RecylceData(rbData* head, REALstringStruct* string);
+  friend rbData* RecylceData(rbData* head, REALmemoryBlockStruct* block);
+  friend void FreeDataChain(rbData*& head);
+
+  Held<REALstringStruct> string_;
+  Held<REALmemoryBlockStruct> block_;
+  REALstringData record_ = {};
+  bool disposeRecord_ = false;
+  uint8_t* data_ = nullptr;
+  int32_t length_ = 0;
+  rbData* next_ = nullptr;
+};
+
+void AddDataChain(rbData*& head, rbData* item);  // at the front
+// The first element of a chain that wraps exactly this string or block, or null.
+rbData* RecylceData(rbData* head, REALstringStruct* string);
+rbData* RecylceData(rbData* head, REALmemoryBlockStruct* block);
+void FreeDataChain(rbData*& head);
+
+// A new host string from bytes in an encoding. Null for null bytes and for a length of 0, below 0 or above
+// 0x7FFFFFFE. UTF-32 goes to the host as UTF-16, each unit cut to its low 16 bits on purpose.
+REALstringStruct* REALBuildUnicodeString(const void* bytes, int64_t length, uint32_t encoding);
+// From terminated text: at most `maximum` bytes of it, or all of it; null for null or empty text.
+REALstringStruct* CString2RBmax(const char* text, int32_t maximum, uint32_t encoding);
+REALstringStruct* UnicodeCString2RB(const uint16_t* text);
+REALstringStruct* UnicodeCString2RB(const wchar_t* text);
+
+// Four-character codes: the first character in the highest byte. Shorter texts are filled with spaces.
+uint32_t REALstringToOSType(REALstringStruct* string);
+REALstringStruct* REALBuildOSTypeString(uint32_t code);

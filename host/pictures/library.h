@@ -1,0 +1,27 @@
+// A library that the host opens while it runs, so that no host needs the toolkits of another.
+#pragma once
+
+#include <dlfcn.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace host {
+
+class Library {
+ public:
+  // Throws std::runtime_error with the loader's words. The library stays open for good.
+  explicit Library(const char* name) : handle_(dlopen(name, RTLD_NOW | RTLD_LOCAL)) {
+    if (!handle_) throw std::runtime_error(std::string("this host needs a library: ") + dlerror());
+  }
+  template <typename Function>
+  void find(const char* name, Function& function) const {
+    function = reinterpret_cast<Function>(dlsym(handle_, name));
+    if (!function) throw std::runtime_error(std::string("this host needs a function: ") + dlerror());
+  }
+
+ private:
+  void* handle_;
+};
+
+}  // namespace host

@@ -1,0 +1,227 @@
+#include "host/zvr/cube.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <new>
+#include <optional>
+
+#include "host/zvr/files.h"
+#include "host/zvr/program.h"
+
+namespace zvr {
+namespace {
+
+constexpr float kLargestValue = 65536;  // of entries and inputs, beyond what any look needs
+
+// A word of the file as it may stand in a message.
+std::string quoted(std::string_view word) {
+  constexpr size_t kLongest = 24;
+  std::string text(word.substr(0, kLongest));
+  for (char& c : text) {
+    if (c < ' ' || c > '~') c = '?';
+  }
+  return "'" + text + (word.size() > kLongest ? "...'" : "'");
+}
+
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+std::string_view nextWord(std::string_view& line) {
+  while (!line.empty() && isBlank(line.front())) line.remove_prefix(1);
+  const auto end = std::find_if(line.begin(), line.end(), isBlank);
+  const std::string_view word = line.substr(0, static_cast<size_t>(end - line.begin()));
+  line.remove_prefix(word.size());
+  return word;
+}
+
+bool looksLikeNumber(std::string_view word) {
+  constexpr std::string_view kStarts = "+-.0123456789";
+  return kStarts.find(word.front()) != std::string_view::npos;
+}
+
+// The lines of one file, read one after another.
+class Reader {
+ public:
+  explicit Reader(std::string_view text) : text_(text) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (text_.substr(0, kByteOrderMark.size()) == kByteOrderMark) text_.remove_prefix(kByteOrderMark.size());
+  }
+
+  Cube read() {
+    while (!text_.empty()) takeLine();
+    if (cube_.size == 0) fail("the file ends without LUT_3D_SIZE");
+    if (cube_.entries.size() < count()) {
+      fail("the file ends after " + std::to_string(cube_.entries.size()) + " of " + describeTable());
+    }
+    return std::move(cube_);
+  }
+
+ private:
+  [[noreturn]] void fail(const std::string& problem) const {
+    throw Failure("line " + std::to_string(number_) + ": " + problem);
+  }
+
+  size_t count() const {
+    const auto size = static_cast<size_t>(cube_.size);
+    return size * size * size;
+  }
+  std::string describeTable() const {
+    const std::string size = std::to_string(cube_.size);
+    return "the " + std::to_string(count()) + " entries of a " + size + " x " + size + " x " + size +
+           " table";
+  }
+
+  void takeLine() {
+    ++number_;
+    const size_t length = std::min(text_.find('\n'), text_.size());
+    line_ = text_.substr(0, length);
+    text_.remove_prefix(std::min(length + 1, text_.size()));
+    std::string_view rest = line_;
+    const std::string_view word = nextWord(rest);
+    if (word.empty() || word.front() == '#') return;
+    if (looksLikeNumber(word)) return takeEntry();
+    line_ = rest;
+    if (!cube_.entries.empty()) fail("expected an entry of three numbers, found " + quoted(word));
+    takeKeyword(word);
+  }
+
+  void takeKeyword(std::string_view word) {
+    if (word == "TITLE") return;
+    if (word == "LUT_3D_SIZE") return takeSize();
+    if (word == "LUT_1D_SIZE")
+      fail("LUT_1D_SIZE: a one-dimensional table; three dimensions (LUT_3D_SIZE) are needed");
+    if (word == "DOMAIN_MIN") return takeDomain(word, cube_.low);
+    if (word == "DOMAIN_MAX") return takeDomain(word, cube_.high);
+    fail("unknown keyword " + quoted(word) +
+         "; known are TITLE, LUT_3D_SIZE, DOMAIN_MIN, DOMAIN_MAX and # for comments");
+  }
+
+  void takeSize() {
+    if (cube_.size != 0) fail("LUT_3D_SIZE stands here a second time");
+    const std::string_view word = nextWord(line_);
+    int size = 0;
+    const char* end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, size);
+    if (error != std::errc{} || stop != end || size < kSmallestCube || size > kLargestCube) {
+      fail("LUT_3D_SIZE: " + quoted(word) + " is not a whole number from " + std::to_string(kSmallestCube) +
+           " to " + std::to_string(kLargestCube));
+    }
+    expectEnd();
+    cube_.size = size;
+    cube_.entries.reserve(count());
+  }
+
+  void takeDomain(std::string_view keyword, std::array<double, 3>& ends) {
+    std::copy_n(takeNumbers(std::string(keyword)).begin(), 3, ends.begin());
+    (keyword == "DOMAIN_MIN" ? lowLine_ : highLine_) = number_;
+  }
+
+  void takeEntry() {
+    if (cube_.size == 0) fail("an entry stands before LUT_3D_SIZE");
+    if (cube_.entries.empty()) checkDomain();
+    if (cube_.entries.size() == count()) fail("more than " + describeTable());
+    cube_.entries.push_back(takeNumbers("an entry"));
+  }
+
+  void checkDomain() {
+    for (size_t i = 0; i < 3; ++i) {
+      if (cube_.low[i] < cube_.high[i]) continue;
+      number_ = std::max({lowLine_, highLine_, size_t{1}});
+      fail("DOMAIN_MIN is not below DOMAIN_MAX in each of red, green and blue");
+    }
+  }
+
+  std::array<float, 3> takeNumbers(const std::string& of) {
+    std::array<float, 3> numbers{};
+    for (float& number : numbers) number = takeNumber(of);
+    expectEnd();
+    return numbers;
+  }
+
+  float takeNumber(const std::string& of) {
+    std::string_view word = nextWord(line_);
+    if (word.empty()) fail(of + " has fewer than three numbers");
+    const std::string_view given = word;
+    const bool hasPlus = word.size() > 1 && word[0] == '+' && word[1] != '-';
+    if (hasPlus) word.remove_prefix(1);
+    float number = 0;
+    const char* end = word.data() + word.size();
+    const auto [stop, error] = std::from_chars(word.data(), end, number);
+    if (error == std::errc::invalid_argument || stop != end) fail(quoted(given) + " is not a number");
+    // Too small for the type is as good as 0.
+    if (error == std::errc::result_out_of_range) number = isTiny(word) ? 0.0F : kLargestValue * 2;
+    // Written so that what is not a number fails too.
+    if (!(std::fabs(number) <= kLargestValue)) {
+      fail(quoted(given) + " is no value of a colour (at most " +
+           std::to_string(static_cast<int>(kLargestValue)) + " either way)");
+    }
+    return number;
+  }
+
+  // Whether a number that its type can't hold is too small rather than too large.
+  static bool isTiny(std::string_view word) {
+    double wide = 0;
+    const auto [stop, error] = std::from_chars(word.data(), word.data() + word.size(), wide);
+    if (error == std::errc{}) return std::fabs(wide) < 1;
+    const size_t exponent = word.find_first_of("eE");
+    return exponent != std::string_view::npos && word.substr(exponent + 1, 1) == "-";
+  }
+
+  void expectEnd() {
+    const std::string_view word = nextWord(line_);
+    if (!word.empty()) fail("more than is expected here: " + quoted(word));
+  }
+
+  std::string_view text_, line_;
+  size_t number_ = 0, lowLine_ = 0, highLine_ = 0;
+  Cube cube_;
+};
+
+}  // namespace
+
+std::array<double, 3> Cube::at(const std::array<double, 3>& input) const {
+  const auto side = static_cast<size_t>(size);
+  const std::array<size_t, 3> strides{1, side, side * side};
+  struct Axis {
+    double fraction;
+    size_t stride;
+  };
+  std::array<Axis, 3> axes{};
+  size_t place = 0;
+  for (size_t i = 0; i < 3; ++i) {
+    const double last = size - 1;
+    const double position = std::clamp((input[i] - low[i]) / (high[i] - low[i]) * last, 0.0, last);
+    const double cell = std::min(std::floor(position), last - 1);
+    axes[i] = {position - cell, strides[i]};
+    place += strides[i] * static_cast<size_t>(cell);
+  }
+  std::sort(axes.begin(), axes.end(), [](const Axis& a, const Axis& b) { return a.fraction > b.fraction; });
+
+  std::array<double, 3> color{};
+  double before = 1;
+  const auto add = [&](double weight) {
+    for (size_t x = 0; x < 3; ++x) color[x] += weight * static_cast<double>(entries[place][x]);
+  };
+  for (const Axis& axis : axes) {
+    add(before - axis.fraction);
+    before = axis.fraction;
+    place += axis.stride;
+  }
+  add(before);
+  return color;
+}
+
+Cube parseCube(std::string_view text) { return Reader(text).read(); }
+
+Cube loadCube(const std::string& path) {
+  const std::vector<uint8_t> file = readFile(path);
+  try {
+    return parseCube({reinterpret_cast<const char*>(file.data()), file.size()});
+  } catch (const Failure& failure) {
+    throw Failure(path + ": " + failure.what());
+  } catch (const std::bad_alloc&) {
+    throw Failure(path + ": not enough memory for the table");
+  }
+}
+
+}  // namespace zvr

@@ -1,0 +1,108 @@
+#include "host/zvr/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+#include "host/zvr/program.h"
+
+namespace zvr {
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void fail(const std::string& path, int error) {
+  throw Failure(path + ": " + std::strerror(error));
+}
+
+// A file descriptor that closes itself.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int number() const { return number_; }
+  bool closes() { return close(std::exchange(number_, -1)) == 0; }
+
+ private:
+  int number_;
+};
+
+// A new file beside the one that it becomes; removed unless it was kept.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(const fs::path& target)
+      : path_(target.parent_path() / (".zvr-" + std::to_string(getpid()) + "-XXXXXX")),
+        descriptor_(mkostemp(path_.data(), O_CLOEXEC)) {
+    if (descriptor_.number() < 0) fail(target, errno);
+  }
+  ~TemporaryFile() {
+    if (!path_.empty()) unlink(path_.c_str());
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  // Answers false with errno set.
+  bool write(const std::vector<uint8_t>& bytes) const {
+    for (size_t written = 0; written < bytes.size();) {
+      const ssize_t count = ::write(descriptor_.number(), bytes.data() + written, bytes.size() - written);
+      if (count < 0 && errno != EINTR) return false;
+      if (count > 0) written += static_cast<size_t>(count);
+    }
+    return true;
+  }
+  bool becomes(const fs::path& target) {
+    const mode_t mask = umask(0);
+    umask(mask);
+    if (fchmod(descriptor_.number(), 0666 & ~mask) != 0 || !descriptor_.closes()) return false;
+    if (rename(path_.c_str(), target.c_str()) != 0) return false;
+    path_.clear();
+    return true;
+  }
+
+ private:
+  std::string path_;
+  Descriptor descriptor_;
+};
+
+}  // namespace
+
+std::vector<uint8_t> readFile(const std::string& path) {
+  constexpr size_t kLargest = size_t{512} << 20, kPiece = size_t{1} << 18;
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.number() < 0) fail(path, errno);
+  std::vector<uint8_t> bytes;
+  for (;;) {
+    const size_t size = bytes.size();
+    if (size > kLargest) throw Failure(path + ": larger than 512 MB");
+    bytes.resize(size + kPiece);
+    const ssize_t count = read(file.number(), bytes.data() + size, kPiece);
+    if (count < 0 && errno != EINTR) fail(path, errno);
+    bytes.resize(size + (count > 0 ? static_cast<size_t>(count) : 0));
+    if (count == 0) return bytes;
+  }
+}
+
+void writeFile(const std::string& path, const std::vector<uint8_t>& bytes) {
+  std::error_code error;
+  // Through a link the file that it names is replaced, not the link.
+  fs::path target = fs::weakly_canonical(fs::absolute(path), error);
+  if (error) target = fs::absolute(path);
+  if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
+    throw Failure(path + ": exists and is not a regular file");
+  }
+  fs::create_directories(target.parent_path(), error);
+  if (error) fail(path, error.value());
+  TemporaryFile file(target);
+  if (!file.write(bytes) || !file.becomes(target)) fail(path, errno);
+}
+
+}  // namespace zvr

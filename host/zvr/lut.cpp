@@ -1,0 +1,139 @@
+// zvr lut: a picture through a film look.
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+
+#include "host/zvr/cube.h"
+#include "host/zvr/filters.h"
+#include "host/zvr/images.h"
+#include "host/zvr/outputs.h"
+#include "host/zvr/program.h"
+#include "host/zvr/signatures.h"
+#include "host/zvr/terminal.h"
+
+namespace zvr {
+namespace {
+
+constexpr int64_t kNodes = 16,
+                  kNodeStep = 17;  // used entries of an axis; channel values from one to the next
+constexpr double kFull = 255;
+
+struct LutOptions {
+  std::vector<std::string> files;
+  std::string output;
+  bool identity = false, dump = false;
+  int quality = 92;
+};
+
+// What the words name: either may be empty.
+struct Files {
+  std::string picture, cube;
+};
+
+Files filesOf(const LutOptions& own) {
+  std::vector<std::string> words = own.files;
+  Files files;
+  if (!own.identity && !words.empty()) {
+    files.cube = words.back();
+    words.pop_back();
+  }
+  if (!words.empty()) files.picture = words[0];
+  if (words.size() > 1) throw UsageError("'" + words[1] + "' is more than is expected");
+  if (!own.identity && files.cube.empty()) throw UsageError("expected a .cube file, or --identity");
+  if (files.picture.empty() && (!own.dump || !own.output.empty())) {
+    throw UsageError(own.identity ? "expected a picture" : "expected a picture before " + files.cube);
+  }
+  return files;
+}
+
+// Numbers in a file have few digits: 0.133333 of 255 stands for 34. The class truncates, so that a hair less
+// would be one less.
+double tableValue(double value) {
+  constexpr double kHair = 0.002;
+  const double scaled = value * kFull, whole = std::round(scaled);
+  return std::fabs(scaled - whole) < kHair ? whole : scaled;
+}
+
+template <typename Action>
+void forEachNode(Action action) {
+  for (int64_t r = 0; r < kNodes; ++r) {
+    for (int64_t g = 0; g < kNodes; ++g) {
+      for (int64_t b = 0; b < kNodes; ++b) action(r, g, b);
+    }
+  }
+}
+
+// Fills the table through its setter: without a cube so that every colour stays what it is.
+void fill(Filter& filter, const Cube* cube) {
+  const host::Method& table = filter.method("Table");
+  forEachNode([&](int64_t r, int64_t g, int64_t b) {
+    const auto value = [](int64_t node) { return static_cast<double>(node * kNodeStep); };
+    std::array<double, 3> color{value(r), value(g), value(b)};
+    if (cube) {
+      color = cube->at({value(r) / kFull, value(g) / kFull, value(b) / kFull});
+      for (double& channel : color) channel = tableValue(channel);
+    }
+    for (int64_t x = 0; x < 3; ++x) filter.assign(table, {r, g, b, x}, color[static_cast<size_t>(x)]);
+  });
+}
+
+void dump(Filter& filter) {
+  const host::Method& table = filter.method("Table");
+  terminal::print("# r g b  Table(r, g, b, 0) Table(r, g, b, 1) Table(r, g, b, 2)");
+  forEachNode([&](int64_t r, int64_t g, int64_t b) {
+    std::string line = std::to_string(r) + " " + std::to_string(g) + " " + std::to_string(b) + " ";
+    for (int64_t x = 0; x < 3; ++x) line += " " + valueText(filter.call(table, {r, g, b, x}));
+    terminal::print(line);
+  });
+}
+
+int lut(const Options& options, const LutOptions& own) {
+  const Files files = filesOf(own);
+  const Session session(options);
+  Filter filter("PictureLut3DZVR");
+  const bool writes = !own.dump || !own.output.empty();
+  const std::string output = writes ? planOutputs({files.picture}, own.output, "lut")[0] : "";
+  if (own.identity) {
+    fill(filter, nullptr);
+  } else {
+    const Cube cube = loadCube(files.cube);
+    fill(filter, &cube);
+  }
+  if (own.dump) dump(filter);
+  if (!writes) return kDone;
+  const host::PictureRef result = filter.run(toPicture(loadImage(files.picture)));
+  saveImage(fromPicture(result.get()), output, own.quality);
+  terminal::print("wrote " + output);
+  return kDone;
+}
+
+}  // namespace
+
+void addLut(CLI::App& program, const Options& options, Run& run) {
+  CLI::App* command =
+      program.add_subcommand("lut", "Apply a film look from a .cube file:\n  zvr lut INPUT CUBE [-o OUT]");
+  const auto own = std::make_shared<LutOptions>();
+  command->add_option("INPUT CUBE", own->files, "PNG or JPEG file, and the .cube file")->option_text(" ");
+  command->add_option("-o,--output", own->output,
+                      "File, folder, or pattern with {name}; without it NAME-lut.png beside the input");
+  command->add_flag("--identity", own->identity,
+                    "Instead of a .cube file, the table that leaves every colour as it is");
+  command->add_flag("--dump", own->dump,
+                    "Print the table as the class holds it; without -o no picture is needed nor written");
+  command->add_option("--quality", own->quality, "Quality of a written JPEG file")
+      ->check(CLI::Range(1, 100))
+      ->capture_default_str();
+  command->footer(
+      "The look is resampled to the 16 x 16 x 16 entries that PictureLut3DZVR uses (tetrahedral\n"
+      "interpolation), on a scale from 0 to 255; what lies within 0.002 of a whole number becomes that.\n"
+      "Tables of 2 to 256 entries a side can be read.\n"
+      "\n"
+      "Examples:\n"
+      "  zvr lut photo.png film.cube -o out.png\n"
+      "  zvr lut photo.png --identity -o same.png\n"
+      "  zvr lut film.cube --dump\n");
+  command->callback([&run, &options, own] { run = [&options, own] { return lut(options, *own); }; });
+}
+
+}  // namespace zvr

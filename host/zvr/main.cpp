@@ -1,0 +1,106 @@
+// zvr: shows what the plug-in's methods do, from the command line.
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+
+#include "host/zvr/command_line.h"
+#include "host/zvr/program.h"
+#include "host/zvr/terminal.h"
+
+namespace zvr {
+namespace {
+
+void addOptions(CLI::App& program, Options& options) {
+  program.add_option("--host", options.host, "The host that is played: cairo, gdk or console")
+      ->check(CLI::IsMember({"cairo", "gdk", "console"}))
+      ->capture_default_str();
+  program.add_option("--host-version", options.hostVersion, "Its version, or none for one that reports none")
+      ->capture_default_str();
+  program.add_option("--plugin", options.plugin,
+                     "The plug-in; without it libpicturezvr.so beside zvr, then in ../lib");
+  program.add_option("--color", options.color, "auto, always or never; auto heeds NO_COLOR")
+      ->check(CLI::IsMember({"auto", "always", "never"}))
+      ->capture_default_str();
+  program.add_flag("--ledger", options.ledger, "At the end, say on standard error what is still held");
+}
+
+// Nothing of ours lives any more: what is held now was lost.
+void reportLedger() {
+  const host::Ledger ledger = host::held();
+  std::fprintf(stderr, "held: %d objects, %d strings, %d locks, %d string data; %d errors\n", ledger.objects,
+               ledger.strings, ledger.descriptionLocks, ledger.stringData, ledger.errors);
+  if (!(ledger == host::Ledger{})) {
+    terminal::complain("warning: something is still held or was released wrongly\n" + host::describeHeld());
+  }
+}
+
+int runCommand(const Run& run, const Options& options) {
+  int status = kFailed;
+  try {
+    status = run();
+  } catch (const UsageError& error) {
+    terminal::complain(error.what());
+    return kUsage;
+  } catch (const std::bad_alloc&) {
+    terminal::complain("not enough memory");
+  } catch (const std::exception& error) {
+    terminal::complain(error.what());
+  }
+  if (options.ledger) reportLedger();
+  if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
+    terminal::complain("standard output can't be written");
+    return kFailed;
+  }
+  return status;
+}
+
+int main(const std::vector<std::string>& words) {
+  Options options;
+  Run run;
+  terminal::setColor(options.color);
+  CLI::App program("Shows what the plug-in's picture methods do: lists them, explains them, runs them.",
+                   "zvr");
+  program.set_version_flag("--version", "zvr " ZVR_VERSION);
+  program.set_help_all_flag("--help-all", "Help for every subcommand");
+  program.fallthrough();
+  addOptions(program, options);
+  addList(program, options, run);
+  addShow(program, options, run);
+  addApply(program, options, run);
+  addWave(program, options, run);
+  addRun(program, options, run);
+  addLut(program, options, run);
+  program.footer(
+      "Examples:\n"
+      "  zvr list\n"
+      "  zvr show InvertZVR\n"
+      "  zvr apply photo.png InvertZVR -o out.png\n"
+      "\n"
+      "`zvr COMMAND --help` says more. Exit status: 0 done; 1 a method failed, answered nil or raised an\n"
+      "exception, or a file can't be read or written; 2 the command line is wrong.\n");
+  try {
+    std::vector<std::string> sorted = sortWords(program, words);
+    std::reverse(sorted.begin(), sorted.end());
+    program.parse(sorted);
+  } catch (const CLI::Success& help) {
+    return program.exit(help);
+  } catch (const CLI::ParseError& error) {
+    terminal::complain(std::string(error.what()) + "; see `zvr --help`");
+    return kUsage;
+  } catch (const UsageError& error) {
+    terminal::complain(error.what());
+    return kUsage;
+  }
+  terminal::setColor(options.color);
+  if (!run) {
+    std::fputs(program.help().c_str(), stderr);
+    return kUsage;
+  }
+  return runCommand(run, options);
+}
+
+}  // namespace
+}  // namespace zvr
+
+int main(int count, char** words) { return zvr::main({words + 1, words + count}); }

@@ -1,0 +1,58 @@
+// What the subcommands of zvr share: options, the host that they play, and how they fail.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "host/host.h"
+
+namespace CLI {
+class App;
+}
+
+namespace zvr {
+
+// Exit statuses.
+constexpr int kDone = 0, kFailed = 1, kUsage = 2;
+
+// Options of every subcommand, as given.
+struct Options {
+  std::string host = "cairo";
+  std::string hostVersion = "2013.03";
+  std::string plugin;  // empty: looked for beside the program
+  std::string color = "auto";
+  bool ledger = false;
+};
+
+// The command line does not say what can be done: exit status 2.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+// What was asked for did not come about: exit status 1.
+struct Failure : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// A host of the kind that the options ask for, with the plug-in loaded into it.
+class Session {
+ public:
+  // Throws UsageError for options that make no sense and Failure when host or plug-in can't be had.
+  explicit Session(const Options& options);
+
+ private:
+  std::optional<host::Plugin> plugin_;
+};
+
+// A subcommand adds itself to the program; when it is chosen it leaves what to run, which answers the exit
+// status.
+using Run = std::function<int()>;
+void addList(CLI::App& program, const Options& options, Run& run);
+void addShow(CLI::App& program, const Options& options, Run& run);
+void addApply(CLI::App& program, const Options& options, Run& run);
+void addWave(CLI::App& program, const Options& options, Run& run);
+void addRun(CLI::App& program, const Options& options, Run& run);
+void addLut(CLI::App& program, const Options& options, Run& run);
+
+}  // namespace zvr

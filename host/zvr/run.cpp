@@ -1,0 +1,63 @@
+// zvr run: a picture through a filter class.
+
+#include <CLI/CLI.hpp>
+
+#include "host/zvr/filters.h"
+#include "host/zvr/images.h"
+#include "host/zvr/outputs.h"
+#include "host/zvr/program.h"
+#include "host/zvr/terminal.h"
+
+namespace zvr {
+namespace {
+
+struct RunOptions {
+  std::string type, input, output;
+  std::vector<std::string> settings;
+  int quality = 92;
+};
+
+void apply(Filter& filter, const std::string& setting) {
+  const size_t sign = setting.find('=');
+  if (sign == std::string::npos || sign == 0) {
+    throw UsageError("'" + setting + "' is not of the form PROPERTY=VALUE");
+  }
+  filter.set(setting.substr(0, sign), setting.substr(sign + 1));
+}
+
+int runFilter(const Options& options, const RunOptions& own) {
+  const Session session(options);
+  Filter filter(own.type);
+  const std::string output = planOutputs({own.input}, own.output, filter.name())[0];
+  for (const std::string& setting : own.settings) apply(filter, setting);
+  const host::PictureRef result = filter.run(toPicture(loadImage(own.input)));
+  saveImage(fromPicture(result.get()), output, own.quality);
+  terminal::print("wrote " + output);
+  return kDone;
+}
+
+}  // namespace
+
+void addRun(CLI::App& program, const Options& options, Run& run) {
+  CLI::App* command = program.add_subcommand("run", "Run a filter class on a picture");
+  const auto own = std::make_shared<RunOptions>();
+  command->add_option("CLASS", own->type, "Name of a class, in any case")->required();
+  command->add_option("INPUT", own->input, "PNG or JPEG file")->required();
+  command->add_option("PROPERTY=VALUE", own->settings, "Properties to set before it runs, in any case")
+      ->option_text(" ...");
+  command->add_option("-o,--output", own->output,
+                      "File, folder, or pattern with {name}; without it NAME-CLASS.png beside the input");
+  command->add_option("--quality", own->quality, "Quality of a written JPEG file")
+      ->check(CLI::Range(1, 100))
+      ->capture_default_str();
+  command->footer(
+      "The input becomes the SourcePicture of a new instance; after Run its DestinationPicture is written.\n"
+      "`zvr show CLASS` lists the properties.\n"
+      "\n"
+      "Examples:\n"
+      "  zvr run PictureSepiaZVR photo.png SepiaRed=40 SepiaGreen=20 -o out.png\n"
+      "  zvr run picturesepiazvr photo.png FactorRed=0.6 FactorBlue=0.2 MaxX=200 -o out.png\n");
+  command->callback([&run, &options, own] { run = [&options, own] { return runFilter(options, *own); }; });
+}
+
+}  // namespace zvr

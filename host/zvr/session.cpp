@@ -1,0 +1,65 @@
+// Starting the host that the options ask for.
+
+#include <unistd.h>
+
+#include <charconv>
+#include <climits>
+#include <filesystem>
+
+#include "host/zvr/program.h"
+
+namespace zvr {
+namespace {
+
+namespace fs = std::filesystem;
+constexpr const char* kPluginName = "libpicturezvr.so";
+
+host::Settings settingsOf(const Options& options) {
+  host::Settings settings;
+  if (options.host == "gdk") {
+    settings.road = host::Road::gdk;
+  } else if (options.host == "console") {
+    settings.road = host::Road::console;
+  } else if (options.host != "cairo") {
+    throw UsageError("--host: '" + options.host + "' is not a host (cairo, gdk or console)");
+  }
+  if (options.hostVersion == "none") {
+    settings.version.reset();
+    return settings;
+  }
+  double version = 0;
+  const char* end = options.hostVersion.data() + options.hostVersion.size();
+  const auto [stop, error] = std::from_chars(options.hostVersion.data(), end, version);
+  if (error != std::errc{} || stop != end) {
+    throw UsageError("--host-version: '" + options.hostVersion +
+                     "' is not a version (a number such as 2013.03, or none)");
+  }
+  settings.version = version;
+  return settings;
+}
+
+// Beside the program, as in a build folder, or in the lib folder next to its bin folder, as installed.
+std::string findPlugin() {
+  std::error_code error;
+  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
+  for (const fs::path& candidate : {folder / kPluginName, folder.parent_path() / "lib" / kPluginName}) {
+    if (fs::exists(candidate, error)) return candidate;
+  }
+  throw Failure(std::string(kPluginName) + " is neither in " + folder.string() + " nor in " +
+                (folder.parent_path() / "lib").string() + "; name it with --plugin PATH");
+}
+
+}  // namespace
+
+Session::Session(const Options& options) {
+  const host::Settings settings = settingsOf(options);
+  const std::string path = options.plugin.empty() ? findPlugin() : fs::absolute(options.plugin).string();
+  try {
+    host::start(settings);
+    plugin_.emplace(path);
+  } catch (const std::runtime_error& error) {
+    throw Failure(error.what());
+  }
+}
+
+}  // namespace zvr

@@ -1,0 +1,38 @@
+// Output to people: colour where it is wanted, progress where somebody watches.
+#pragma once
+
+#include <chrono>
+#include <string>
+
+namespace zvr::terminal {
+
+enum class Style { plain, heading, name, type, good, faint, error };
+
+// "always", "never", or "auto": colour on a terminal unless NO_COLOR is set.
+void setColor(const std::string& when);
+// The text as it should be written to standard output.
+std::string styled(Style style, const std::string& text);
+
+// One line to standard output, or to standard error with "zvr: " before it. A progress bar makes room.
+void print(const std::string& line);
+void complain(const std::string& problem);
+
+// A bar on standard error with count, rate and time left; silent when that is no terminal or when there
+// is no more than one thing to do.
+class Progress {
+ public:
+  explicit Progress(size_t total);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+  // One more thing is done.
+  void advance();
+
+ private:
+  void draw() const;
+
+  size_t total_, done_ = 0;
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace zvr::terminal

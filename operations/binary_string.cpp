@@ -1,0 +1,93 @@
+// Pictures as strings: a header of ten big-endian words, then three bytes a pixel without padding.
+
+#include <string.h>
+
+#include "frame/text.h"
+#include "operations/operations.h"
+#include "picture/rows.h"
+
+namespace {
+
+constexpr char kMagic[4] = {'P', 'P', 'I', 'C'};
+
+struct Header {
+  uint32_t magic, size, width, height, bitsPerPixel, dataOffset, reserved[4];
+};
+constexpr uint32_t kHeaderSize = 40;
+static_assert(sizeof(Header) == kHeaderSize, "the header has no padding");
+
+constexpr int64_t kPixelSize = 3;
+// What must be there before the size is looked at, and before the rest of what is read.
+constexpr int32_t kShortest = 8;
+constexpr int32_t kShortestWithSizes = 24;
+
+uint32_t bigEndian(uint32_t value) { return __builtin_bswap32(value); }
+uint32_t bigEndian(int64_t value) { return bigEndian(static_cast<uint32_t>(value)); }
+
+Header headerFor(int64_t size, const PictureReader& source) {
+  Header header = {};
+  memcpy(&header.magic, kMagic, sizeof kMagic);
+  header.size = bigEndian(size);
+  header.width = bigEndian(int64_t{source.width});
+  header.height = bigEndian(int64_t{source.height});
+  header.bitsPerPixel = bigEndian(uint32_t{32});  // always, although pixels take 24
+  header.dataOffset = bigEndian(kHeaderSize);
+  return header;
+}
+
+// What of a string stands for a picture.
+struct Contents {
+  int32_t width, height;
+  const uint8_t* pixels;
+};
+
+// False for a string that is none of ours, or whose header claims more than it holds.
+bool parse(const rbData& data, Contents* contents) {
+  const uint8_t* bytes = data.data();
+  const int32_t length = data.length();
+  if (!bytes || length < kShortest || memcmp(bytes, kMagic, sizeof kMagic) != 0) return false;
+  Header header = {};
+  memcpy(&header, bytes,
+         static_cast<size_t>(length) < kHeaderSize ? static_cast<size_t>(length) : kHeaderSize);
+  if (bigEndian(header.size) != static_cast<uint32_t>(length) || length < kShortestWithSizes) return false;
+  const uint64_t width = bigEndian(header.width), height = bigEndian(header.height);
+  // Any offset is honoured, also one inside the header.
+  const int64_t offset = bigEndian(header.dataOffset);
+  if (offset > length || width * height > static_cast<uint64_t>((length - offset) / kPixelSize)) return false;
+  *contents = {static_cast<int32_t>(width), static_cast<int32_t>(height), bytes + offset};
+  return true;
+}
+
+}  // namespace
+
+REALstringStruct* PicturetoBinaryString(REALpictureStruct* picture) {
+  PictureReader source;
+  if (!source.GetPictureReader(picture)) return nullptr;
+  const int64_t size = int64_t{source.width} * source.height * kPixelSize + kHeaderSize;
+  Scratch buffer(size);
+  if (!buffer) return nullptr;
+  const Header header = headerFor(size, source);
+  memcpy(buffer.get(), &header, sizeof header);
+  uint8_t* out = buffer.get() + kHeaderSize;
+  scanRegion(source, Region::whole(source), [&](const kernels::Pixel* in, size_t count) {
+    kernels::best().packRGB24(out, in, count);
+    out += count * kPixelSize;
+    return true;
+  });
+  return REALBuildUnicodeString(buffer.get(), size, kEncodingNone);
+}
+
+REALpictureStruct* BinaryStringtoPicture(REALstringStruct* string) {
+  rbData data(string);
+  Contents contents;
+  if (!parse(data, &contents)) return nullptr;
+  PictureWriter result;
+  if (!result.NewPictureWriter(contents.width, contents.height)) return nullptr;
+  const uint8_t* in = contents.pixels;
+  writeRegion(result, Region::whole(result),
+              [&](kernels::Pixel* out, size_t count, uint32_t top, int32_t, int32_t) {
+                kernels::best().unpackRGB24(out, in, count, top);
+                in += count * kPixelSize;
+              });
+  return result.RenderPictureWriter();
+}

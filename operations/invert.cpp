@@ -1,0 +1,39 @@
+// Inverting a picture, or its gray pixels alone.
+
+#include "operations/operations.h"
+#include "picture/rows.h"
+
+namespace {
+
+// A result like the source, with the rectangle written by the kernel. `leastSide` is the smallest width and
+// height that is taken as given; below it the whole picture's is meant.
+REALpictureStruct* invertRegion(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width,
+                                int32_t height, int32_t leastSide, kernels::SpanMap* kernel) {
+  PictureReader source;
+  if (!source.GetPictureReader(picture)) return nullptr;
+  if (width < leastSide) width = source.width;
+  if (height < leastSide) height = source.height;
+  PictureWriter result;
+  if (!result.NewPictureWriter(source)) return nullptr;
+  mapRegion(result, Region::cut(left, top, width, height, source), kernel, source);
+  return result.RenderPictureWriter();
+}
+
+}  // namespace
+
+REALpictureStruct* InvertPicture(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width,
+                                 int32_t height) {
+  return invertRegion(picture, left, top, width, height, 1, kernels::best().invert);
+}
+
+REALpictureStruct* InvertPicture2(REALpictureStruct* picture) { return InvertPicture(picture, 0, 0, -1, -1); }
+
+// A width or height of 0 is kept here, and nothing is processed: unlike InvertPicture, on purpose.
+REALpictureStruct* InvertGrayPicture(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width,
+                                     int32_t height) {
+  return invertRegion(picture, left, top, width, height, 0, kernels::best().invertGray);
+}
+
+REALpictureStruct* InvertGrayPicture2(REALpictureStruct* picture) {
+  return InvertGrayPicture(picture, 0, 0, -1, -1);
+}

@@ -1,0 +1,52 @@
+// Masks: whether a picture has one, and the one embedded in its pixels.
+
+#include "frame/held.h"
+#include "operations/operations.h"
+#include "picture/rows.h"
+
+RBBoolean PictureHasMask(REALpictureStruct* picture) {
+  if (!picture) return false;
+  Held<REALpictureStruct> mask(REALGetPictureMask(picture, false));
+  return static_cast<bool>(mask);
+}
+
+REALpictureStruct* GetEmbededMask(REALpictureStruct* picture, RBBoolean swap) {
+  PictureReader source;
+  if (!source.GetPictureReader(picture)) return nullptr;
+  PictureWriter result;
+  if (!result.NewPictureWriter(source.width, source.height)) return nullptr;
+  const kernels::Table& k = kernels::best();
+  mapRegion(
+      result, Region::whole(source),
+      [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+        switch (source.format) {
+          case kFormatHostBitmap:
+            k.grayFromTop7(out, in, count, top);
+            break;
+          case kFormatCairoAlpha:
+            k.grayFromTop8(out, in, count, top);
+            break;
+          default:
+            k.fill(out, count, 0xFFFFFF | top);
+            break;  // no alpha: opaque
+        }
+        if (swap) k.invert(out, out, count, top);
+      },
+      source);
+  return result.RenderPictureWriter();
+}
+
+void SetEmbededMask(REALpictureStruct* picture, RBBoolean swap, REALpictureStruct* mask) {
+  if (!mask) return;
+  // Opened for reading although its words are written, on purpose: the host's cached rendering stays.
+  PictureReader target, source;
+  if (!target.GetPictureReader(picture) || !source.GetPictureReader(mask)) return;
+  // Writes into a GDK copy would reach nobody.
+  if (!target.hasWords()) return;
+  const auto merge = swap ? kernels::best().invertedRedIntoBlue : kernels::best().redIntoBlue;
+  // The mask is walked at the picture's size, not its own: beyond its last byte it counts as black.
+  mapRegion(
+      target, Region::whole(target),
+      [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t) { merge(out, in, count); },
+      source);
+}

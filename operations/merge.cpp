@@ -1,0 +1,37 @@
+// Pictures from several pictures of one size.
+
+#include "operations/operations.h"
+#include "picture/rows.h"
+
+namespace {
+
+bool sameSize(const PictureEditor& one, const PictureEditor& other) {
+  return one.width == other.width && one.height == other.height;
+}
+
+}  // namespace
+
+REALpictureStruct* MergePicture(REALpictureStruct* source1, REALpictureStruct* source2) {
+  PictureReader first, second;
+  if (!first.GetPictureReader(source1) || !second.GetPictureReader(source2)) return nullptr;
+  PictureWriter result;
+  if (!sameSize(first, second) || !result.NewPictureWriter(first.width, first.height)) return nullptr;
+  mapRegion(result, Region::whole(result), kernels::best().brighter, first, second);
+  return result.RenderPictureWriter();
+}
+
+// Blue comes before green here, on purpose; the pictures are opened in the order red, green, blue.
+REALpictureStruct* CombinePicturesZVR(REALpictureStruct* red, REALpictureStruct* blue,
+                                      REALpictureStruct* green) {
+  PictureReader reds, greens, blues;
+  if (!reds.GetPictureReader(red) || !greens.GetPictureReader(green) || !blues.GetPictureReader(blue)) {
+    return nullptr;
+  }
+  PictureWriter result;
+  if (!sameSize(reds, greens) || !sameSize(reds, blues) ||
+      !result.NewPictureWriter(reds.width, reds.height)) {
+    return nullptr;
+  }
+  mapRegion(result, Region::whole(result), kernels::best().combineChannels, reds, greens, blues);
+  return result.RenderPictureWriter();
+}

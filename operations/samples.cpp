@@ -1,0 +1,253 @@
+// Sound samples drawn as a waveform. Arithmetic is in extended precision throughout; what is kept between
+// steps is kept as doubles.
+
+#include "frame/errors.h"
+#include "frame/graphics.h"
+#include "frame/held.h"
+#include "frame/text.h"
+#include "kernels/convert.h"
+#include "operations/operations.h"
+#include "operations/outline.h"
+#include "picture/rows.h"
+
+namespace {
+
+constexpr int32_t kUsualHeight = 500;
+
+// One way to keep a sample.
+struct SampleKind {
+  int32_t bits;  // as callers name it
+  int32_t size;  // bytes
+  int32_t fullScale;
+  int32_t valueOfZero;  // what a sample of zero bytes stands for
+  kernels::SampleSums* kernels::Table::*sums;
+};
+constexpr SampleKind kSampleKinds[] = {
+    {7, 1, 127, 0, &kernels::Table::sumInt8},
+    {8, 1, 127, -128, &kernels::Table::sumUInt8},
+    {15, 2, 32767, 0, &kernels::Table::sumInt16},
+    {16, 2, 32767, -32768, &kernels::Table::sumUInt16},
+};
+
+const SampleKind* sampleKindOf(int32_t bits) {
+  for (const SampleKind& kind : kSampleKinds) {
+    if (kind.bits == bits) return &kind;
+  }
+  return nullptr;
+}
+
+// The samples of a block. What lies past its end reads as zero bytes; a block whose size the host does not
+// know has no end.
+class Samples {
+ public:
+  Samples(const rbData& block, const SampleKind& kind)
+      : bytes_(block.data()),
+        kind_(kind),
+        sums_(kernels::best().*kind.sums),
+        length_(block.length() > 0 ? block.length() : INT64_MAX) {}
+
+  kernels::Excursions sum(int32_t start, int32_t end) const {
+    const int64_t whole = length_ / kind_.size;
+    const int64_t stop = end < whole ? end : whole;
+    kernels::Excursions sums = {};
+    int64_t next = start;
+    if (next < stop) {
+      sums = sums_(bytes_ + next * kind_.size, static_cast<size_t>(stop - next));
+      next = stop;
+    }
+    if (next == whole && next < end && length_ % kind_.size != 0) {
+      const uint8_t cut[2] = {bytes_[length_ - 1], 0};
+      add(sums, sums_(cut, 1));
+      ++next;
+    }
+    if (next < end) {
+      sums.negative += static_cast<uint32_t>(end - next) * static_cast<uint32_t>(kind_.valueOfZero);
+    }
+    return sums;
+  }
+
+ private:
+  static void add(kernels::Excursions& sums, const kernels::Excursions& more) {
+    sums.negative += more.negative;
+    sums.positive += more.positive;
+  }
+
+  const uint8_t* bytes_;
+  const SampleKind& kind_;
+  kernels::SampleSums* sums_;
+  int64_t length_;
+};
+
+// A value for each column, with a little room behind the last.
+class Envelope {
+ public:
+  explicit Envelope(int32_t width) : width_(width), memory_(int64_t{width} * 8 + 20) {}
+  explicit operator bool() const { return static_cast<bool>(memory_); }
+  double& operator[](int32_t x) const { return reinterpret_cast<double*>(memory_.get())[x]; }
+
+  // An exponential moving average.
+  void smooth(long double weight) {
+    long double average = (*this)[0];
+    for (int32_t x = 0; x < width_; ++x) {
+      average = average * (1 - weight) + (*this)[x] * weight;
+      (*this)[x] = static_cast<double>(average);
+    }
+  }
+  void scale(int32_t factor, long double divisor) {
+    for (int32_t x = 0; x < width_; ++x) {
+      (*this)[x] = static_cast<double>(static_cast<long double>((*this)[x]) * factor / divisor);
+    }
+  }
+
+ private:
+  int32_t width_;
+  Scratch memory_;
+};
+
+// The means of the negative and of the positive excursions in each column's share of the samples; in the end
+// their distances from the centre line in pixels.
+struct Waveform {
+  int32_t width, height, centre;
+  Envelope negative, positive;
+
+  Waveform(int32_t w, int32_t h) : width(w), height(h), centre(h >> 1), negative(w), positive(w) {}
+
+  // Answers the largest distance from 0.
+  double measure(const Samples& samples, int32_t count) {
+    double peak = 0;
+    int32_t start = 0;
+    for (int32_t x = 0; x < width; ++x) {
+      // In this order: another one ends up at other samples.
+      const int32_t end = toInt32(static_cast<long double>(x + 1) / width * count);
+      const kernels::Excursions sums = samples.sum(start, end);
+      // A column without samples is 0 / 0, on purpose.
+      const long double half = (end - start) * 0.5L;
+      negative[x] = static_cast<double>(static_cast<int32_t>(sums.negative) / half);
+      positive[x] = static_cast<double>(static_cast<int32_t>(sums.positive) / half);
+      if (positive[x] > peak) peak = positive[x];
+      if (-negative[x] > peak) peak = -negative[x];
+      start = end;
+    }
+    return peak;
+  }
+
+  // Smooths and turns values into pixels; `fullScale` is the value of the whole height.
+  void fit(int32_t smoothing, long double fullScale) {
+    const long double weight = 2.0F / (static_cast<long double>(smoothing) + 1);
+    if (weight > 0) {
+      negative.smooth(weight);
+      positive.smooth(weight);
+      // Changes nothing but roundings, and is kept for their sake.
+      fullScale = weight * fullScale + (1 - weight) * fullScale;
+    }
+    negative.scale(height, fullScale);
+    positive.scale(height, fullScale);
+  }
+
+  // Positive values lie below the centre line. Not-a-number is far above.
+  int32_t rowOf(double value) const { return toInt32(static_cast<long double>(centre) + value); }
+};
+
+// The bars of some neighbouring columns: the rows from the end of the negative one, over the centre, to the
+// end of the positive one. Either may lie on the wrong side.
+struct Bars {
+  int32_t first[RowSource::kTile], last[RowSource::kTile];
+
+  Bars(const Waveform& wave, int32_t left, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+      const int32_t x = left + static_cast<int32_t>(i);
+      first[i] = last[i] = wave.centre;
+      for (const int32_t row : {wave.rowOf(wave.negative[x]), wave.rowOf(wave.positive[x])}) {
+        if (row < first[i]) first[i] = row;
+        if (row > last[i]) last[i] = row;
+      }
+    }
+  }
+};
+
+void drawBars(PictureWriter& result, const Waveform& wave, uint32_t foreground, uint32_t background) {
+  const auto width = static_cast<size_t>(wave.width);
+  for (size_t left = 0, count; left < width; left += count) {
+    count = width - left < RowSource::kTile ? width - left : RowSource::kTile;
+    const Bars bars(wave, static_cast<int32_t>(left), count);
+    result.row = result.GetRow(0);
+    RowTarget target(result, Region::whole(result));
+    const uint32_t top = target.topByte();
+    for (int32_t y = 0; y < wave.height; ++y) {
+      // The background doesn't reach row 0 of a writer with a buffer of its own, on purpose; the bars do.
+      const uint32_t behind = y == 0 && !result.hasWords() ? 0 : background;
+      kernels::best().bars(target.span(left), bars.first, bars.last, count, y, foreground | top,
+                           behind | top);
+      target.finish(left, count);
+      target.nextRow();
+    }
+  }
+}
+
+// Two polylines along the ends of the bars, from the centre of the first column on:
+// draw(x0, y0, x1, y1) for each piece.
+template <typename Draw>
+void traceOutline(const Waveform& wave, const Draw& draw) {
+  int32_t fromX = 0, fromNegative = wave.centre, fromPositive = wave.centre;
+  for (int32_t x = 0; x < wave.width; ++x) {
+    const int32_t toNegative = wave.rowOf(wave.negative[x]), toPositive = wave.rowOf(wave.positive[x]);
+    draw(fromX, fromNegative, x, toNegative);
+    draw(fromX, fromPositive, x, toPositive);
+    fromX = x;
+    fromNegative = toNegative;
+    fromPositive = toPositive;
+  }
+}
+
+// With the host's own lines.
+void drawWideOutline(REALpictureStruct* picture, const Waveform& wave, int32_t penSize, RBColor color) {
+  Held<REALgraphicsStruct> graphics(REALGetPictureGraphics(picture));
+  if (!graphics) return;
+  SetGraphicsForeColor(graphics.get(), color);
+  SetGraphicsPenHeight(graphics.get(), penSize);
+  SetGraphicsPenWidth(graphics.get(), penSize);
+  const auto half = static_cast<uint32_t>(penSize >> 1);
+  const auto shifted = [half](int32_t at) { return static_cast<int32_t>(static_cast<uint32_t>(at) - half); };
+  traceOutline(wave, [&](int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
+    GraphicsDrawLine(graphics.get(), shifted(x0), shifted(y0), shifted(x1), shifted(y1));
+  });
+}
+
+}  // namespace
+
+REALpictureStruct* RenderSamples(REALmemoryBlockStruct* block, int32_t count, int32_t smoothing,
+                                 int32_t width, int32_t height, int32_t outlineWidth, RBColor background,
+                                 RBColor foreground, RBColor outline, int32_t bits, RBBoolean autoScale) {
+  if (!block) {
+    RaiseException(kNilObjectException, "memoryblock is nil");
+    return nullptr;
+  }
+  gOutLineColorR = outline >> 16 & 0xFF;
+  gOutLineColorG = outline >> 8 & 0xFF;
+  gOutLineColorB = outline & 0xFF;
+  const SampleKind* kind = sampleKindOf(bits);
+  const rbData data(block);
+  if (!kind || !data.data()) return nullptr;
+  if (count < 1) count = data.length() / kind->size;
+  if (height < 1) height = kUsualHeight;
+  if (width < 1) width = count;
+  // There will be no picture: nothing needs measuring.
+  if (width < 1 || width > kLargestPictureSide || height > kLargestPictureSide) return nullptr;
+
+  Waveform wave(width, height);
+  if (!wave.negative || !wave.positive) return nullptr;
+  const double peak = wave.measure(Samples(data, *kind), count);
+  wave.fit(smoothing, autoScale ? 2 * static_cast<long double>(peak) : kind->fullScale);
+
+  PictureWriter result;
+  if (!result.NewPictureWriter(width, height)) return nullptr;
+  drawBars(result, wave, foreground & 0xFFFFFF, background & 0xFFFFFF);
+  if (outlineWidth == 1) {
+    traceOutline(wave, [&](int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
+      DrawAntialiasedLine(result, x0, y0, x1, y1);
+    });
+  }
+  REALpictureStruct* picture = result.RenderPictureWriter();
+  if (picture && outlineWidth > 1) drawWideOutline(picture, wave, outlineWidth, outline);
+  return picture;
+}

@@ -1,0 +1,170 @@
+// Scrolling a picture's own pixels in place: sideways, up or down.
+
+#include "frame/held.h"
+#include "frame/memory.h"
+#include "operations/operations.h"
+#include "picture/editor.h"
+
+namespace {
+
+constexpr uint8_t kWhite = 255;
+
+// What moves a picture that is open for writing; false when memory is lacking and that matters.
+using Move = bool(PictureEditor& editor, int32_t delta, bool wrap);
+
+struct Direction {
+  Move* move;
+  // The answer for a picture that can't be scrolled: true sideways and false up and down, on purpose.
+  bool whenUnusable;
+};
+
+bool scroll(REALpictureStruct* picture, int32_t delta, bool wrap, bool withMask, const Direction& direction) {
+  if (withMask && picture) {
+    Held<REALpictureStruct> mask(REALGetPictureMask(picture, false));
+    if (mask && !scroll(mask.get(), delta, wrap, false, direction)) return false;
+  }
+  if (delta == 0) return true;
+  PictureEditor editor;
+  if (!editor.GetPictureEditor(picture) || editor.width < 1 || editor.height < 1)
+    return direction.whenUnusable;
+  return direction.move(editor, delta, wrap);
+}
+
+// The turn that rotates `extent` places by `delta`, in either direction by half of them or a little more.
+int32_t turnOf(int32_t delta, int32_t extent) {
+  const int32_t half = extent / 2;
+  int32_t turn = delta % extent;
+  if (turn >= half) turn -= extent;
+  if (-half >= turn) turn += extent;
+  return turn;
+}
+
+bool leavesNothing(int32_t delta, int32_t extent) { return delta >= extent || delta <= -extent; }
+
+int64_t pixelBytes(const PictureEditor& editor) { return int64_t{editor.width} * 4; }
+
+// The bytes that move with a row. Rows of a surface take their padding along, but what lies behind the pixels
+// of the last one, or of any row of a host bitmap, may be somebody else's.
+size_t bytesOfRow(const PictureEditor& editor, int32_t y) {
+  const bool endsWithPixels = editor.format == kFormatHostBitmap || y == editor.height - 1;
+  return static_cast<size_t>(endsWithPixels ? pixelBytes(editor) : editor.rowBytes);
+}
+
+void whitenRows(PictureEditor& editor, int32_t first, int32_t count) {
+  for (int32_t y = first; y < first + count; ++y) FillMemory(editor.GetRow(y), bytesOfRow(editor, y), kWhite);
+}
+
+// ---- Sideways ----
+
+// The first `first` bytes of a row go behind the others.
+void rotateRow(uint8_t* row, size_t first, size_t size, uint8_t* saved) {
+  MoveMemory(saved, row, first);
+  MoveMemory(row, row + first, size - first);
+  MoveMemory(row + size - first, saved, first);
+}
+
+bool moveSideways(PictureEditor& editor, int32_t delta, bool wrap) {
+  if (!wrap && leavesNothing(delta, editor.width)) {
+    whitenRows(editor, 0, editor.height);
+    return true;
+  }
+  const int32_t shift = wrap ? turnOf(delta, editor.width) : delta;
+  Scratch saved(pixelBytes(editor));
+  // Nothing changes without memory, and that counts as done, on purpose.
+  if (shift == 0 || !saved) return true;
+  const auto size = static_cast<size_t>(pixelBytes(editor));
+  const auto uncovered = static_cast<size_t>(shift < 0 ? -shift : shift) * 4;
+  for (int32_t y = 0; y < editor.height; ++y, editor.AddPixelRow()) {
+    rotateRow(editor.row, shift < 0 ? uncovered : size - uncovered, size, saved.get());
+    if (!wrap) FillMemory(shift < 0 ? editor.row + size - uncovered : editor.row, uncovered, kWhite);
+  }
+  return true;
+}
+
+// ---- Up and down ----
+
+// Row by row: those of a host bitmap need not lie next to each other.
+void moveRows(PictureEditor& editor, int32_t to, int32_t from, int32_t count) {
+  for (int32_t i = 0; i < count; ++i) {
+    const int32_t step = to < from ? i : count - 1 - i;
+    const size_t target = bytesOfRow(editor, to + step), source = bytesOfRow(editor, from + step);
+    MoveMemory(editor.GetRow(to + step), editor.GetRow(from + step), target < source ? target : source);
+  }
+}
+
+uint8_t* savedRow(const PictureEditor& editor, uint8_t* saved, int32_t i) {
+  return saved + ptrdiff_t{editor.rowBytes} * i;
+}
+
+void saveRows(PictureEditor& editor, int32_t from, int32_t count, uint8_t* saved) {
+  for (int32_t i = 0; i < count; ++i)
+    MoveMemory(savedRow(editor, saved, i), editor.GetRow(from + i), bytesOfRow(editor, from + i));
+}
+
+void restoreRows(PictureEditor& editor, int32_t to, int32_t count, uint8_t* saved) {
+  for (int32_t i = 0; i < count; ++i)
+    MoveMemory(editor.GetRow(to + i), savedRow(editor, saved, i), bytesOfRow(editor, to + i));
+}
+
+// The first `first` rows go behind the others. Only the fewer of the two are saved: most of `saved`, which
+// has room for the first, is never touched, and so never becomes memory.
+void rotateRows(PictureEditor& editor, int32_t first, uint8_t* saved) {
+  const int32_t others = editor.height - first;
+  if (first <= others) {
+    saveRows(editor, 0, first, saved);
+    moveRows(editor, 0, first, others);
+    restoreRows(editor, others, first, saved);
+  } else {
+    saveRows(editor, first, others, saved);
+    moveRows(editor, others, 0, first);
+    restoreRows(editor, 0, others, saved);
+  }
+}
+
+bool turnVertically(PictureEditor& editor, int32_t delta) {
+  const int32_t turn = turnOf(delta, editor.height);
+  if (turn == 0) return true;
+  const int32_t first = turn > 0 ? editor.height - turn : -turn;
+  // Downwards room for the rows above the turn is taken, upwards for the whole picture, on purpose: without
+  // it nothing is turned.
+  Scratch saved(int64_t{turn > 0 ? first : editor.height} * editor.rowBytes);
+  if (!saved) return false;
+  rotateRows(editor, first, saved.get());
+  return true;
+}
+
+bool moveVertically(PictureEditor& editor, int32_t delta, bool wrap) {
+  if (wrap) return turnVertically(editor, delta);
+  const int32_t height = editor.height;
+  if (leavesNothing(delta, height)) {
+    whitenRows(editor, 0, height);
+  } else if (delta < 0) {
+    moveRows(editor, 0, -delta, height + delta);
+    whitenRows(editor, height + delta, -delta);
+  } else {
+    moveRows(editor, delta, 0, height - delta);
+    whitenRows(editor, 0, delta);
+  }
+  return true;
+}
+
+constexpr Direction kSideways = {moveSideways, true};
+constexpr Direction kVertically = {moveVertically, false};
+
+}  // namespace
+
+RBBoolean ScrollHorizontalZVR(REALpictureStruct* picture, int32_t delta, RBBoolean wrap,
+                              RBBoolean scrollMask) {
+  return scroll(picture, delta, wrap, scrollMask, kSideways);
+}
+
+RBBoolean ScrollVerticalZVR(REALpictureStruct* picture, int32_t delta, RBBoolean wrap, RBBoolean scrollMask) {
+  return scroll(picture, delta, wrap, scrollMask, kVertically);
+}
+
+// With a mask, each direction moves the mask first and the picture after it.
+RBBoolean ScrollZVR(REALpictureStruct* picture, int32_t deltaX, int32_t deltaY, RBBoolean wrap,
+                    RBBoolean scrollMask) {
+  return ScrollHorizontalZVR(picture, deltaX, wrap, scrollMask) &&
+         ScrollVerticalZVR(picture, deltaY, wrap, scrollMask);
+}

@@ -1,0 +1,167 @@
+#include "tests/support.h"
+
+#include <cstring>
+#include <iostream>
+#include <stdexcept>
+
+namespace {
+
+host::Road roadOfProcess = host::Road::cairo;
+
+size_t area(int width, int height) { return static_cast<size_t>(width) * static_cast<size_t>(height); }
+
+}  // namespace
+
+host::Road road() { return roadOfProcess; }
+
+host::Settings settingsForRoad() {
+  host::Settings settings;
+  settings.road = road();
+  settings.freshPixel = kFreshPixel;
+  settings.rowPadding = 12;
+  settings.guardPages = true;
+  return settings;
+}
+
+void PrintTo(const Pixels& pixels, std::ostream* out) {
+  *out << pixels.width << " x " << pixels.height << std::hex;
+  for (size_t i = 0; i < pixels.colors.size() && i < 16; ++i) *out << ' ' << pixels.colors[i];
+  *out << std::dec;
+}
+
+host::PictureRef makePictureFromWords(int width, int height, const std::vector<uint32_t>& words, bool alpha) {
+  host::PictureRef picture = host::newPicture(width, height, alpha);
+  if (!picture) throw std::runtime_error("no picture");
+  for (int y = 0; y < height; ++y) {
+    std::memcpy(host::pictureRow(picture.get(), y), &words[area(width, y)], area(width, 1) * 4);
+  }
+  return picture;
+}
+
+host::PictureRef makePicture(const Pixels& pixels, bool alpha) {
+  std::vector<uint32_t> words(pixels.colors);
+  // Sources carry top bytes that no operation may take for a colour.
+  for (size_t i = 0; i < words.size(); ++i) words[i] |= (i * 37 + 11) << 24;
+  return makePictureFromWords(pixels.width, pixels.height, words, alpha);
+}
+
+std::vector<uint32_t> wordsOf(const host::PictureRef& picture) {
+  const int width = host::pictureWidth(picture.get()), height = host::pictureHeight(picture.get());
+  std::vector<uint32_t> words(area(width, height));
+  for (int y = 0; y < height; ++y) {
+    std::memcpy(&words[area(width, y)], host::pictureRow(picture.get(), y), area(width, 1) * 4);
+  }
+  return words;
+}
+
+Pixels colorsOf(const host::PictureRef& picture) {
+  if (!picture) return {};
+  std::vector<uint32_t> words = wordsOf(picture);
+  for (uint32_t& word : words) word &= 0xFFFFFF;
+  return {host::pictureWidth(picture.get()), host::pictureHeight(picture.get()), std::move(words)};
+}
+
+Pixels asWritten(Pixels expected) {
+  if (road() == host::Road::gdk) {
+    for (int x = 0; x < expected.width; ++x) expected.at(x, 0) = 0;
+  }
+  return expected;
+}
+
+Rgb unwrittenColor() { return road() == host::Road::gdk ? 0 : kFreshColor; }
+
+uint32_t opaqueTopByte() { return road() == host::Road::console ? 0 : 0xFF; }
+
+Rgb Random::color() {
+  switch (between(0, 5)) {
+    case 0:
+      return chance(50) ? 0 : 0xFFFFFF;
+    case 1:
+      return static_cast<Rgb>(between(0, 255)) * 0x10101;  // gray
+    case 2:
+      return static_cast<Rgb>(between(0, 255)) * 0x10101 ^ (1u << between(0, 23));  // nearly gray
+    case 3:
+      return rgb(chance(50) * 255, chance(50) * 255, chance(50) * 255);  // a corner of the cube
+    default:
+      return word() & 0xFFFFFF;
+  }
+}
+
+Pixels Random::pixels(int width, int height) {
+  Pixels result(width, height, Rgb{0});
+  const int longestRun = chance(50) ? 1 : 40;
+  Rgb current = 0;
+  int left = 0;
+  for (Rgb& pixel : result.colors) {
+    if (left-- <= 0) {
+      current = color();
+      left = between(0, longestRun - 1);
+    }
+    pixel = current;
+  }
+  return result;
+}
+
+int Random::side() {
+  switch (between(0, 3)) {
+    case 0:
+      return 1;
+    case 1:
+      return between(1, 20);
+    case 2:
+      return between(60, 70);
+    default:
+      return chance(80) ? between(1, 200) : between(500, 530);
+  }
+}
+
+void HostTest::begin(const host::Settings& settings) {
+  plugin_.reset();
+  host::start(settings);
+  plugin_ = std::make_unique<host::Plugin>(ZVR_PLUGIN);
+}
+
+void HostTest::TearDown() {
+  EXPECT_FALSE(host::takeException()) << "an exception is still pending";
+  EXPECT_EQ(host::held(), leaves) << host::describeHeld();
+  plugin_.reset();
+}
+
+host::Outcome HostTest::call(const std::string& name, REALobjectStruct* receiver,
+                             std::vector<host::Value> arguments) {
+  for (const host::Method* method : host::findMethods(name)) {
+    const host::Declaration& declaration = method->declaration;
+    if (arguments.size() >= declaration.required() && arguments.size() <= declaration.parameters.size()) {
+      return host::call(*method, receiver, std::move(arguments));
+    }
+  }
+  ADD_FAILURE() << "no method " << name << " takes " << arguments.size() << " arguments";
+  return {};
+}
+
+host::PictureRef HostTest::callPicture(const std::string& name, const host::PictureRef& receiver,
+                                       std::vector<host::Value> arguments) {
+  host::Outcome outcome = call(name, receiver.get(), std::move(arguments));
+  if (outcome.exception)
+    ADD_FAILURE() << name << " raised " << outcome.exception->className << ": " << outcome.exception->message;
+  const auto* picture = std::get_if<host::PictureRef>(&outcome.result);
+  return picture ? *picture : host::PictureRef();
+}
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    if (argument == "--road=cairo")
+      roadOfProcess = host::Road::cairo;
+    else if (argument == "--road=gdk")
+      roadOfProcess = host::Road::gdk;
+    else if (argument == "--road=console")
+      roadOfProcess = host::Road::console;
+    else {
+      std::cerr << "unknown argument " << argument << ", expected --road=cairo, gdk or console\n";
+      return 2;
+    }
+  }
+  return RUN_ALL_TESTS();
+}

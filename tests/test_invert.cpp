@@ -1,0 +1,119 @@
+// Inverting: colours, rectangles, formats.
+
+#include "tests/support.h"
+
+namespace {
+
+class Invert : public HostTest {};
+
+TEST_F(Invert, InvertsEveryColourOrTheGrayOnesAlone) {
+  const Pixels source(3, 2, {0x0A141E, 0x646464, 0x646465, 0x000000, 0xFFFFFF, 0x00FF00});
+  const auto picture = makePicture(source);
+  EXPECT_EQ(colorsOf(callPicture("InvertZVR", picture)),
+            asWritten({3, 2, {0xF5EBE1, 0x9B9B9B, 0x9B9B9A, 0xFFFFFF, 0x000000, 0xFF00FF}}));
+  EXPECT_EQ(colorsOf(callPicture("InvertGrayZVR", picture)),
+            asWritten({3, 2, {0x0A141E, 0x9B9B9B, 0x646465, 0xFFFFFF, 0x000000, 0x00FF00}}));
+  EXPECT_EQ(colorsOf(picture), source);
+}
+
+TEST_F(Invert, ResultsAreOpaqueWhateverTheSourceHolds) {
+  const bool alpha = road() != host::Road::gdk;
+  const auto picture = makePictureFromWords(2, 2, {0x12000000, 0x00FFFFFF, 0xFF808080, 0x7F0A141E}, alpha);
+  for (const char* method : {"InvertZVR", "InvertGrayZVR"}) {
+    const auto result = callPicture(method, picture);
+    EXPECT_EQ(host::pictureHasAlpha(result.get()), alpha);
+    for (uint32_t word : wordsOf(result)) {
+      if (alpha) {
+        EXPECT_EQ(word >> 24, opaqueTopByte()) << method;
+      }
+    }
+  }
+}
+
+// A rectangle of a 9 x 7 picture and what of it is worked on.
+struct RectangleCase {
+  int left, top, width, height;
+  int x0, y0, x1, y1;
+};
+
+const RectangleCase kRectangles[] = {
+    {0, 0, 9, 7, 0, 0, 9, 7},
+    {2, 1, 3, 4, 2, 1, 5, 5},
+    {-5, 0, 10, 7, 0, 0, 5, 7},
+    {0, -2, 9, 4, 0, 0, 9, 2},
+    {6, 5, 100, 100, 6, 5, 9, 7},
+    {9, 0, 1, 1, 0, 0, 0, 0},
+    {0, 7, 1, 1, 0, 0, 0, 0},
+    {-3, 0, 3, 7, 0, 0, 0, 0},
+    {INT32_MAX, INT32_MAX, INT32_MAX, INT32_MAX, 0, 0, 0, 0},
+    {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX, 0, 0, 0, 0},
+    {1, 1, INT32_MAX, INT32_MAX, 1, 1, 9, 7},
+};
+
+TEST_F(Invert, RectanglesAreCutAtThePicture) {
+  if (road() == host::Road::gdk) GTEST_SKIP() << "3-byte rows start elsewhere: see below";
+  const Pixels source = Random(1).pixels(9, 7);
+  const auto picture = makePicture(source);
+  for (const RectangleCase& c : kRectangles) {
+    Pixels expected(9, 7, unwrittenColor());
+    for (int y = c.y0; y < c.y1; ++y) {
+      for (int x = c.x0; x < c.x1; ++x) expected.at(x, y) = source.at(x, y) ^ 0xFFFFFF;
+    }
+    const auto result = callPicture("InvertZVR", picture,
+                                    {int64_t{c.left}, int64_t{c.top}, int64_t{c.width}, int64_t{c.height}});
+    EXPECT_EQ(colorsOf(result), expected) << c.left << ' ' << c.top << ' ' << c.width << ' ' << c.height;
+  }
+}
+
+// Zero or less stands for the whole picture in one method, less than zero alone in the other.
+TEST_F(Invert, WhatStandsForTheWholePicture) {
+  const Pixels gray(4, 3, Rgb{0x404040});
+  const auto picture = makePicture(gray);
+  const Pixels inverted = asWritten({4, 3, Rgb{0xBFBFBF}});
+  const Pixels untouched(4, 3, unwrittenColor());
+  const int64_t zero = 0, minus = -1;
+  EXPECT_EQ(colorsOf(callPicture("InvertZVR", picture, {zero, zero, zero, zero})), inverted);
+  EXPECT_EQ(colorsOf(callPicture("InvertZVR", picture, {zero, zero, minus, minus})), inverted);
+  EXPECT_EQ(colorsOf(callPicture("InvertGrayZVR", picture, {zero, zero, zero, zero})), untouched);
+  EXPECT_EQ(colorsOf(callPicture("InvertGrayZVR", picture, {zero, zero, minus, minus})), inverted);
+}
+
+// On 3-byte rows the left column is counted in steps of 4 bytes, so a rectangle lies further right and may
+// spill into the next row. The model works on bytes, as the rows lie in memory.
+TEST_F(Invert, ThreeByteRowsStartFourBytesAColumn) {
+  if (road() != host::Road::gdk) GTEST_SKIP() << "the GDK road alone has 3-byte rows";
+  const int width = 8, height = 4;  // rows of 24 bytes: no padding in a GDK copy
+  const Pixels source = Random(2).pixels(width, height);
+  const auto picture = makePicture(source);
+  for (int left = 0; left < width; ++left) {
+    const int columns = 3;
+    std::vector<int> from, to(static_cast<size_t>((height + 1) * width * 3), 0);
+    for (Rgb c : source.colors) from.insert(from.end(), {red(c), green(c), blue(c)});
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < std::min(columns, width - left); ++x) {
+        const size_t at = static_cast<size_t>(y * width * 3 + left * 4 + x * 3);
+        for (size_t i = at; i < at + 3; ++i) {
+          const int value = at + 3 <= from.size() ? from[i] : 0;  // past the last row: black
+          if (y > 0) to[i] = 255 - value;                         // row 0 goes nowhere
+        }
+      }
+    }
+    Pixels expected(width, height, Rgb{0});
+    for (size_t i = 0; i < expected.colors.size(); ++i)
+      expected.colors[i] = rgb(to[3 * i], to[3 * i + 1], to[3 * i + 2]);
+    const auto result =
+        callPicture("InvertZVR", picture, {int64_t{left}, int64_t{0}, int64_t{columns}, int64_t{-1}});
+    EXPECT_EQ(colorsOf(result), expected) << "left " << left;
+  }
+}
+
+TEST_F(Invert, NilAndTooLargeGiveNil) {
+  EXPECT_FALSE(callPicture("InvertZVR", {}));
+  EXPECT_FALSE(callPicture("InvertGrayZVR", {}));
+  for (auto [width, height] : {std::pair(32768, 1), std::pair(1, 32768)}) {
+    if (road() == host::Road::gdk) continue;  // no such drawable either
+    EXPECT_FALSE(callPicture("InvertZVR", host::newPicture(width, height))) << width << " x " << height;
+  }
+}
+
+}  // namespace

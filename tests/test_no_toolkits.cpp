@@ -1,0 +1,22 @@
+// Desktop hosts on machines where the drawing libraries open but lack what the plug-in needs: empty stand-ins
+// lie first on this program's run path.
+
+#include "tests/support.h"
+
+namespace {
+
+class NoToolkits : public HostTest {};
+
+TEST_F(NoToolkits, DesktopPicturesCannotBeOpened) {
+  const auto plain = makePicture({4, 4, Rgb{0x123456}});
+  EXPECT_FALSE(callPicture("InvertZVR", plain));
+  EXPECT_EQ(host::held().descriptionLocks, 0);
+  EXPECT_FALSE(callPicture("InvertZVR", plain)) << "and loading is not tried again";
+  if (road() == host::Road::gdk) return;
+  const auto alpha = makePicture({4, 4, Rgb{0x123456}}, true);
+  EXPECT_FALSE(callPicture("InvertZVR", alpha));
+  EXPECT_EQ(host::held().descriptionLocks, 1) << "the road with alpha leaves its lock, on purpose";
+  leaves.errors = 1;  // so the picture dies locked
+}
+
+}  // namespace

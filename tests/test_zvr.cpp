@@ -1,0 +1,348 @@
+// zvr as its users meet it: run as a child process on real files. ZVR_PROGRAM is the path of the built
+// program.
+
+#include <gtest/gtest.h>
+#include <jpeglib.h>
+#include <png.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <cstdio>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<uint8_t>;
+
+struct Finished {
+  int status = -1;
+  std::string output, errors;
+};
+
+Bytes readBytes(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+void writeBytes(const fs::path& path, const Bytes& bytes) {
+  std::ofstream(path, std::ios::binary)
+      .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+}
+
+// A small picture as bytes red, green, blue and opacity.
+struct Pixels {
+  unsigned width = 0, height = 0;
+  bool hasAlpha = false;
+  Bytes bytes;
+  bool operator==(const Pixels& o) const {
+    return width == o.width && height == o.height && hasAlpha == o.hasAlpha && bytes == o.bytes;
+  }
+};
+
+Pixels pattern(unsigned width, unsigned height, bool hasAlpha) {
+  Pixels pixels{width, height, hasAlpha, {}};
+  for (unsigned i = 0; i < width * height; ++i) {
+    for (const unsigned value : {i * 7, i * 13 + 5, i * 3 + 90}) pixels.bytes.push_back(value & 0xFF);
+    pixels.bytes.push_back(hasAlpha && i % 2 ? 0 : 255);
+  }
+  return pixels;
+}
+Pixels inverted(Pixels pixels) {
+  for (size_t i = 0; i < pixels.bytes.size(); ++i) {
+    if (i % 4 != 3) pixels.bytes[i] = static_cast<uint8_t>(255 - pixels.bytes[i]);
+  }
+  return pixels;
+}
+
+void writePng(const fs::path& path, const Pixels& pixels, png_uint_32 format = PNG_FORMAT_RGBA) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = pixels.width;
+  image.height = pixels.height;
+  image.format = format;
+  Bytes samples;
+  for (size_t i = 0; i < pixels.bytes.size(); ++i) {
+    const bool isKept = format == PNG_FORMAT_RGBA || (format == PNG_FORMAT_RGB ? i % 4 != 3 : i % 4 == 0);
+    if (isKept) samples.push_back(pixels.bytes[i]);
+  }
+  ASSERT_TRUE(png_image_write_to_file(&image, path.c_str(), 0, samples.data(), 0, nullptr)) << image.message;
+}
+
+Pixels readPng(const fs::path& path) {
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  if (!png_image_begin_read_from_file(&image, path.c_str())) {
+    ADD_FAILURE() << path << ": " << image.message;
+    return {};
+  }
+  Pixels pixels{image.width, image.height, (image.format & PNG_FORMAT_FLAG_ALPHA) != 0, {}};
+  image.format = PNG_FORMAT_RGBA;
+  pixels.bytes.resize(PNG_IMAGE_SIZE(image));
+  png_image_finish_read(&image, nullptr, pixels.bytes.data(), 0, nullptr);
+  return pixels;
+}
+
+// A flat JPEG of one to four components.
+void writeJpeg(const fs::path& path, int components) {
+  constexpr J_COLOR_SPACE kSpaces[] = {JCS_UNKNOWN, JCS_GRAYSCALE, JCS_UNKNOWN, JCS_RGB, JCS_CMYK};
+  jpeg_compress_struct encoder{};
+  jpeg_error_mgr errors;
+  encoder.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&encoder);
+  unsigned char* memory = nullptr;
+  unsigned long size = 0;
+  jpeg_mem_dest(&encoder, &memory, &size);
+  encoder.image_width = encoder.image_height = 64;
+  encoder.input_components = components;
+  encoder.in_color_space = kSpaces[components];
+  jpeg_set_defaults(&encoder);
+  jpeg_start_compress(&encoder, TRUE);
+  Bytes row(static_cast<size_t>(64 * components), 200);
+  while (encoder.next_scanline < encoder.image_height) {
+    for (size_t x = 0; x < row.size(); ++x) row[x] = static_cast<uint8_t>(x * encoder.next_scanline);
+    JSAMPROW start = row.data();
+    jpeg_write_scanlines(&encoder, &start, 1);
+  }
+  jpeg_finish_compress(&encoder);
+  jpeg_destroy_compress(&encoder);
+  writeBytes(path, Bytes(memory, memory + size));
+  std::free(memory);
+}
+
+class Zvr : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string name = (fs::temp_directory_path() / "zvr-test-XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    folder_ = name;
+    rgb_ = pattern(23, 9, false);
+    writePng(folder_ / "photo.png", rgb_, PNG_FORMAT_RGB);
+  }
+  void TearDown() override { fs::remove_all(folder_); }
+
+  // Runs zvr in the test's folder; words are single-quoted for the shell.
+  Finished run(const std::vector<std::string>& words, const std::string& before = {}) {
+    std::string line = "cd '" + folder_.string() + "' && " + before + " '" ZVR_PROGRAM "'";
+    for (const std::string& word : words) line += " '" + word + "'";
+    line += " >'" + folder_.string() + ".out' 2>'" + folder_.string() + ".err'";
+    const int status = std::system(line.c_str());
+    const Bytes output = readBytes(folder_.string() + ".out"), errors = readBytes(folder_.string() + ".err");
+    fs::remove(folder_.string() + ".out");
+    fs::remove(folder_.string() + ".err");
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+            {output.begin(), output.end()},
+            {errors.begin(), errors.end()}};
+  }
+
+  std::vector<std::string> filesIn(const fs::path& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+  fs::path folder_;
+  Pixels rgb_;
+};
+
+bool contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
+
+TEST_F(Zvr, invertsOnDesktopAndConsole) {
+  for (const std::string host : {"cairo", "console"}) {
+    const Finished done =
+        run({"apply", "photo.png", "invertzvr", "-o", "out.png", "--host", host, "--ledger"});
+    EXPECT_EQ(done.status, 0) << done.errors;
+    EXPECT_EQ(readPng(folder_ / "out.png"), inverted(rgb_)) << host;
+    EXPECT_TRUE(contains(done.errors, "held: 0 objects, 0 strings, 0 locks, 0 string data; 0 errors"))
+        << done.errors;
+  }
+}
+
+TEST_F(Zvr, chainsAndNegativeNumbers) {
+  ASSERT_EQ(run({"apply", "photo.png", "InvertZVR", "+", "InvertZVR", "-o", "back.png"}).status, 0);
+  EXPECT_EQ(readPng(folder_ / "back.png"), rgb_);
+  // Options may stand before the inputs and behind; -5 is none.
+  const Finished done =
+      run({"apply", "-o", "part.png", "photo.png", "InvertZVR", "-5", "-5", "6", "6", "--color", "never"});
+  ASSERT_EQ(done.status, 0) << done.errors;
+  // One pixel lies in the rectangle; the others are those of a fresh picture, white.
+  Pixels expected = rgb_;
+  std::fill(expected.bytes.begin(), expected.bytes.end(), uint8_t{255});
+  const Pixels all = inverted(rgb_);
+  std::copy_n(all.bytes.begin(), 3, expected.bytes.begin());
+  EXPECT_EQ(readPng(folder_ / "part.png"), expected);
+}
+
+TEST_F(Zvr, keepsTransparencyOnEveryKindOfHost) {
+  writePng(folder_ / "glass.png", pattern(16, 4, true));
+  struct {
+    const char *host, *version;
+  } const hosts[] = {{"cairo", "2013.03"}, {"cairo", "2010.1"}, {"console", "2013.03"}, {"console", "none"}};
+  for (const auto& [host, version] : hosts) {
+    // A question changes nothing: what is written is what was read.
+    const Finished done = run(
+        {"apply", "glass.png", "HasMaskZVR", "-o", "same.png", "--host", host, "--host-version", version});
+    ASSERT_EQ(done.status, 0) << done.errors;
+    const Pixels before = pattern(16, 4, true), after = readPng(folder_ / "same.png");
+    ASSERT_TRUE(after.hasAlpha) << host << version;
+    for (size_t i = 0; i < before.bytes.size(); i += 4) {
+      ASSERT_EQ(after.bytes[i + 3], before.bytes[i + 3]) << host << version << i;
+      if (before.bytes[i + 3] == 0) continue;  // colours behind full transparency may go
+      ASSERT_TRUE(std::equal(&before.bytes[i], &before.bytes[i] + 3, &after.bytes[i]))
+          << host << version << i;
+    }
+    EXPECT_EQ(contains(done.output, "HasMaskZVR = true"), version != std::string("2013.03"))
+        << host << version;
+  }
+}
+
+TEST_F(Zvr, readsEveryKindOfFileByContent) {
+  writePng(folder_ / "gray.png", rgb_, PNG_FORMAT_GRAY);
+  writeJpeg(folder_ / "color.dat", 3);
+  writeJpeg(folder_ / "gray.jpeg", 1);
+  fs::copy(folder_ / "photo.png", folder_ / "really-png.jpg");
+  const Finished done = run({"apply", "gray.png", "color.dat", "gray.jpeg", "really-png.jpg", "InvertZVR",
+                             "-o", "out/{n}-{name}.{ext}", "--quality", "100"});
+  ASSERT_EQ(done.status, 0) << done.errors;
+  EXPECT_EQ(filesIn(folder_ / "out"),
+            (std::vector<std::string>{"1-gray.png", "2-color.png", "3-gray.jpeg", "4-really-png.jpg"}));
+  EXPECT_EQ(readPng(folder_ / "out/2-color.png").width, 64U);
+  const Pixels gray = readPng(folder_ / "out/1-gray.png");
+  EXPECT_EQ(gray.bytes[0], 255 - rgb_.bytes[0]);
+  EXPECT_EQ(gray.bytes[1], 255 - rgb_.bytes[0]);
+}
+
+TEST_F(Zvr, writesOnlyWhatWasMade) {
+  EXPECT_EQ(run({"apply", "photo.png", "HasMaskZVR"}).output, "HasMaskZVR = false\n");
+  EXPECT_EQ(filesIn(folder_), std::vector<std::string>{"photo.png"});
+  EXPECT_EQ(run({"apply", "photo.png", "invertGRAYzvr", "+", "InvertZVR"}).status, 0);
+  EXPECT_EQ(filesIn(folder_), (std::vector<std::string>{"photo-InvertGrayZVR-InvertZVR.png", "photo.png"}));
+}
+
+TEST_F(Zvr, goesOnAfterAnInputThatFails) {
+  const Bytes good = readBytes(folder_ / "photo.png");
+  writeJpeg(folder_ / "cmyk.jpg", 4);
+  writeJpeg(folder_ / "color.jpg", 3);
+  const Bytes jpeg = readBytes(folder_ / "color.jpg");
+  Bytes flipped = good;
+  flipped[good.size() / 2] ^= 0xFF;
+  writeBytes(folder_ / "half.png", Bytes(good.begin(), good.begin() + static_cast<long>(good.size() / 2)));
+  writeBytes(folder_ / "half.jpg",
+             Bytes(jpeg.begin(), jpeg.begin() + static_cast<long>(jpeg.size() * 2 / 3)));
+  writeBytes(folder_ / "flipped.png", flipped);
+  writeBytes(folder_ / "empty.png", {});
+  writeBytes(folder_ / "text.png", {'h', 'i'});
+  fs::create_directory(folder_ / "folder.png");
+  const Finished done =
+      run({"apply", "half.png", "half.jpg", "flipped.png", "empty.png", "text.png", "cmyk.jpg", "folder.png",
+           "gone.png", "photo.png", "InvertZVR", "-o", "out/{n}.png", "--ledger"});
+  EXPECT_EQ(done.status, 1);
+  EXPECT_EQ(filesIn(folder_ / "out"), std::vector<std::string>{"9.png"});
+  for (const char* problem :
+       {"half.png: damaged PNG", "half.jpg: damaged JPEG", "flipped.png: damaged PNG",
+        "empty.png: the file is empty", "text.png: neither a PNG nor a JPEG", "cmyk.jpg: CMYK",
+        "folder.png: ", "gone.png: No such file", "held: 0 objects"}) {
+    EXPECT_TRUE(contains(done.errors, problem)) << problem << "\n" << done.errors;
+  }
+  // One line each, and nothing from the libraries themselves.
+  EXPECT_EQ(std::count(done.errors.begin(), done.errors.end(), '\n'), 9) << done.errors;
+}
+
+TEST_F(Zvr, refusesPicturesThatAreTooLarge) {
+  writePng(folder_ / "long.png", pattern(32768, 1, false), PNG_FORMAT_GRAY);
+  const Finished done = run({"apply", "long.png", "InvertZVR"});
+  EXPECT_EQ(done.status, 1);
+  EXPECT_TRUE(contains(done.errors, "long.png: the picture measures 32768 x 1")) << done.errors;
+  writePng(folder_ / "long.png", pattern(32767, 1, false), PNG_FORMAT_GRAY);
+  EXPECT_EQ(run({"apply", "long.png", "InvertZVR"}).status, 0);
+}
+
+TEST_F(Zvr, leavesNothingHalfWritten) {
+  fs::create_directory(folder_ / "taken.png");
+  EXPECT_EQ(run({"apply", "photo.png", "InvertZVR", "-o", "taken.png/x.png/"}).status, 0);
+  EXPECT_EQ(filesIn(folder_ / "taken.png/x.png"), std::vector<std::string>{"photo-InvertZVR.png"});
+  // No room on the way: the old file stays as it was, and no other is left.
+  const Bytes before = readBytes(folder_ / "photo.png");
+  const Finished done = run({"apply", "photo.png", "InvertZVR", "-o", "photo.png"}, "ulimit -f 0 &&");
+  EXPECT_NE(done.status, 0);
+  EXPECT_EQ(readBytes(folder_ / "photo.png"), before);
+}
+
+struct Refused {
+  std::vector<std::string> words;
+  const char* says;
+};
+class ZvrUsage : public Zvr, public testing::WithParamInterface<Refused> {};
+
+TEST_P(ZvrUsage, isExplainedWithStatusTwo) {
+  const Finished done = run(GetParam().words);
+  EXPECT_EQ(done.status, 2);
+  EXPECT_TRUE(contains(done.errors, GetParam().says)) << done.errors;
+  EXPECT_EQ(done.output, "");
+  EXPECT_EQ(filesIn(folder_), std::vector<std::string>{"photo.png"});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Mistakes, ZvrUsage,
+    testing::Values(
+        Refused{{}, "Usage: zvr"}, Refused{{"bogus"}, "no subcommand 'bogus'"},
+        Refused{{"show", "InvrtZVR"}, "did you mean InvertZVR"},
+        Refused{{"apply", "photo.png", "InvrtZVR"}, "'InvrtZVR' is neither a file nor a method"},
+        Refused{{"apply", "photo.png", "InvertZVR", "+", "xyz"}, "no method 'xyz'"},
+        Refused{{"apply", "photo.png"}, "expected a METHOD"},
+        Refused{{"apply", "InvertZVR"}, "expected an INPUT"},
+        Refused{{"apply", "photo.png", "InvertZVR", "+"}, "expected a METHOD after +"},
+        Refused{{"apply", "photo.png", "InvertZVR", "1", "2"}, "InvertZVR(left as Integer, top as Integer"},
+        Refused{{"apply", "photo.png", "InvertZVR", "1", "2", "3", "4.5"}, "height: '4.5' is not an Integer"},
+        Refused{{"apply", "photo.png", "EmbeddedMaskZVR", "maybe"}, "'maybe' is not a Boolean"},
+        Refused{{"apply", "photo.png", "InvertZVR", "-o", "out.gif"}, ".png, .jpg or .jpeg"},
+        Refused{{"apply", "photo.png", "InvertZVR", "-o", "{what}.png"}, "{what} is unknown"},
+        Refused{{"apply", "photo.png", "./photo.png", "InvertZVR", "-o", "x.png"}, "would both be written"},
+        Refused{{"apply", "photo.png", "InvertZVR", "--bogus"}, "--bogus"},
+        Refused{{"apply", "photo.png", "InvertZVR", "-o"}, "-o"},
+        Refused{{"apply", "photo.png", "InvertZVR", "--quality", "101"}, "--quality"},
+        Refused{{"list", "--host", "other"}, "--host"},
+        Refused{{"list", "--host-version", "2013x"}, "'2013x' is not a version"}));
+
+TEST_F(Zvr, listsWhatTheHostWasTold) {
+  const Finished now = run({"list"});
+  EXPECT_EQ(now.status, 0);
+  EXPECT_TRUE(contains(now.output, "  c InvertZVR ")) << now.output;
+  EXPECT_TRUE(contains(now.output, "Class PictureLut3DZVR, console-safe"));
+  EXPECT_FALSE(contains(now.output, "\x1b["));
+  // Hosts before 2010.029 learn of no console-safe member.
+  const Finished old = run({"list", "--host-version", "2010.028"});
+  EXPECT_TRUE(contains(old.output, "  - InvertZVR ")) << old.output;
+  std::istringstream lines(now.output);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 100U) << line;
+}
+
+TEST_F(Zvr, showsExamplesThatRun) {
+  const Finished shown = run({"show", "INVERTzvr", "--color", "always"}, "NO_COLOR=1");
+  EXPECT_TRUE(contains(shown.output, "\x1b["));
+  const Finished plain = run({"show", "INVERTzvr"});
+  EXPECT_TRUE(contains(plain.output, "photo.InvertZVR(20, 20, 20, 20)")) << plain.output;
+  const size_t start = plain.output.find("zvr apply ");
+  ASSERT_NE(start, std::string::npos);
+  std::istringstream line(plain.output.substr(start + 4, plain.output.find('\n', start) - start - 4));
+  EXPECT_EQ(run({std::istream_iterator<std::string>(line), {}}).status, 0);
+  EXPECT_TRUE(fs::exists(folder_ / "out.png"));
+}
+
+TEST_F(Zvr, saysWhatIsMissing) {
+  const Finished noPlugin = run({"list", "--plugin", "nowhere.so"});
+  EXPECT_EQ(noPlugin.status, 1);
+  EXPECT_TRUE(contains(noPlugin.errors, "nowhere.so")) << noPlugin.errors;
+  const Finished noDisplay = run({"list", "--host", "gdk"}, "DISPLAY=");
+  EXPECT_EQ(noDisplay.status, 1);
+  EXPECT_TRUE(contains(noDisplay.errors, "display")) << noDisplay.errors;
+}
+
+}  // namespace
