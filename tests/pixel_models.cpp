@@ -153,8 +153,9 @@ Rgb extractColor(const Rgb* source, const Values& arguments) {
 Values saturationAmount(Random& random, Rgb) {
   // The processor's ways of dividing change where factors (amount + 255) get large or negative.
   const int64_t edges[] = {
-      0,       -255,    -256,      255,       0x7EFF,          0x7F00,          0x7F01,       -0x80FE,
-      -0x80FF, -0x8100, INT32_MIN, INT32_MAX, INT32_MAX - 255, INT32_MAX - 254, 8421504 - 255};
+      0,       -255,    -256,      255,       0x7EFF,          0x7F00,          0x7F01,        -0x80FE,
+      -0x80FF, -0x8100, INT32_MIN, INT32_MAX, INT32_MAX - 255, INT32_MAX - 254, 8421504 - 255, 200000,
+      -200000, 8421505, -8421505};
   switch (random.between(0, 2)) {
     case 0:
       return {edges[random.between(0, static_cast<int>(std::size(edges)) - 1)]};

@@ -356,7 +356,9 @@ TEST_F(EntryPoints, AnEventIsHandedOnByItsOwnSecondWord) {
   wordsWanted = 2;
   REALevent event = {"Action", at<void>(0x1234), {}};
   CurrentREALControlVersion = 12;
+  asked.clear();
   EXPECT_NE(REALGetEventInstance(control, &event), nullptr);
+  EXPECT_EQ(asked, std::vector<std::string>{"GetEventInstance"});
   EXPECT_EQ(handed, (Words{word(control), 0x1234}));
 
   REALoldEvent copy = {{0, 0x5678}};

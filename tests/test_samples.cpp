@@ -274,7 +274,8 @@ TEST_F(Samples, AreDrawnAsTheModelDrawsThem) {
 struct BarCase {
   const char* what;
   Request request;
-  int width, height, first, last;  // the bar of column 0
+  int width, height, first, last;  // the bar
+  int column = 0;
 };
 
 Request requestOf(Bytes bytes, int bits, int count, int width, int height, bool autoScale = false) {
@@ -285,6 +286,11 @@ Request requestOf(Bytes bytes, int bits, int count, int width, int height, bool 
   r.width = width;
   r.height = height;
   r.autoScale = autoScale;
+  return r;
+}
+
+Request smoothed(Request r, int smooth) {
+  r.smooth = smooth;
   return r;
 }
 
@@ -299,6 +305,9 @@ const BarCase kBars[] = {
     {"both sides", requestOf({255, 1}, 7, 0, 1, 127), 1, 127, 62, 64},
     {"past the end are zero bytes", requestOf({128}, 8, 2, 1, 254), 1, 254, 0, 127},
     {"half a sample", requestOf({0, 0, 3}, 15, 2, 1, 32767), 1, 32767, 16383, 16386},
+    // Both end a row further down when a product or an average is rounded to double on the way.
+    {"50.8 x 10 / 127", requestOf({127, 0, 0, 0, 0}, 7, 0, 1, 10), 1, 10, 5, 8},
+    {"an average", smoothed(requestOf({0, 16, 8, 44}, 7, 0, 4, 54), 5), 4, 54, 27, 42, 3},
     // 100,000,000 x -128 is 84,901,888 in 32 bits.
     {"sums wrap", requestOf({0}, 8, 100000000, 1, 2000), 1, 2000, 1000, 1026},
 };
@@ -311,7 +320,7 @@ TEST_F(Samples, BarsOfKnownSamples) {
     for (int y = 0; y < c.height; ++y) {
       const bool isBar = y >= c.first && y <= c.last;
       const Rgb background = y == 0 && road() == host::Road::gdk ? 0 : c.request.background;
-      ASSERT_EQ(pixels.at(0, y), isBar ? c.request.foreground : background) << c.what << ", row " << y;
+      ASSERT_EQ(pixels.at(c.column, y), isBar ? c.request.foreground : background) << c.what << ", row " << y;
     }
   }
 }

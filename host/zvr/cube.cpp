@@ -12,7 +12,7 @@
 namespace zvr {
 namespace {
 
-constexpr float kLargestValue = 65536;  // of entries and inputs, beyond what any look needs
+constexpr double kLargestValue = 65536;  // of entries and inputs, beyond what any look needs
 
 // A word of the file as it may stand in a message.
 std::string quoted(std::string_view word) {
@@ -92,8 +92,9 @@ class Reader {
       fail("LUT_1D_SIZE: a one-dimensional table; three dimensions (LUT_3D_SIZE) are needed");
     if (word == "DOMAIN_MIN") return takeDomain(word, cube_.low);
     if (word == "DOMAIN_MAX") return takeDomain(word, cube_.high);
+    if (word == "LUT_3D_INPUT_RANGE") return takeRange(word);
     fail("unknown keyword " + quoted(word) +
-         "; known are TITLE, LUT_3D_SIZE, DOMAIN_MIN, DOMAIN_MAX and # for comments");
+         "; known are TITLE, LUT_3D_SIZE, DOMAIN_MIN, DOMAIN_MAX, LUT_3D_INPUT_RANGE and # for comments");
   }
 
   void takeSize() {
@@ -108,12 +109,21 @@ class Reader {
     }
     expectEnd();
     cube_.size = size;
-    cube_.entries.reserve(count());
+    constexpr size_t kShortestLine = 6;  // a file that promises much need not be given room for it
+    cube_.entries.reserve(std::min(count(), text_.size() / kShortestLine + 1));
   }
 
   void takeDomain(std::string_view keyword, std::array<double, 3>& ends) {
-    std::copy_n(takeNumbers(std::string(keyword)).begin(), 3, ends.begin());
+    ends = takeNumbers(keyword);
     (keyword == "DOMAIN_MIN" ? lowLine_ : highLine_) = number_;
+  }
+
+  // The domain in the words of some editing programs: one pair for all channels.
+  void takeRange(std::string_view keyword) {
+    cube_.low.fill(takeNumber(keyword));
+    cube_.high.fill(takeNumber(keyword));
+    expectEnd();
+    highLine_ = number_;
   }
 
   void takeEntry() {
@@ -127,44 +137,37 @@ class Reader {
     for (size_t i = 0; i < 3; ++i) {
       if (cube_.low[i] < cube_.high[i]) continue;
       number_ = std::max({lowLine_, highLine_, size_t{1}});
-      fail("DOMAIN_MIN is not below DOMAIN_MAX in each of red, green and blue");
+      fail("the domain's lower end is not below its upper end in each of red, green and blue");
     }
   }
 
-  std::array<float, 3> takeNumbers(const std::string& of) {
-    std::array<float, 3> numbers{};
-    for (float& number : numbers) number = takeNumber(of);
+  std::array<double, 3> takeNumbers(std::string_view of) {
+    std::array<double, 3> numbers{};
+    for (double& number : numbers) number = takeNumber(of);
     expectEnd();
     return numbers;
   }
 
-  float takeNumber(const std::string& of) {
+  double takeNumber(std::string_view of) {
     std::string_view word = nextWord(line_);
-    if (word.empty()) fail(of + " has fewer than three numbers");
+    if (word.empty()) fail(std::string(of) + " has too few numbers");
     const std::string_view given = word;
     const bool hasPlus = word.size() > 1 && word[0] == '+' && word[1] != '-';
     if (hasPlus) word.remove_prefix(1);
-    float number = 0;
+    double number = 0;
     const char* end = word.data() + word.size();
     const auto [stop, error] = std::from_chars(word.data(), end, number);
     if (error == std::errc::invalid_argument || stop != end) fail(quoted(given) + " is not a number");
-    // Too small for the type is as good as 0.
-    if (error == std::errc::result_out_of_range) number = isTiny(word) ? 0.0F : kLargestValue * 2;
+    if (error == std::errc::result_out_of_range) {
+      const bool isTiny = word.find("e-") != word.npos || word.find("E-") != word.npos;
+      number = isTiny ? 0 : kLargestValue * 2;
+    }
     // Written so that what is not a number fails too.
     if (!(std::fabs(number) <= kLargestValue)) {
       fail(quoted(given) + " is no value of a colour (at most " +
            std::to_string(static_cast<int>(kLargestValue)) + " either way)");
     }
     return number;
-  }
-
-  // Whether a number that its type can't hold is too small rather than too large.
-  static bool isTiny(std::string_view word) {
-    double wide = 0;
-    const auto [stop, error] = std::from_chars(word.data(), word.data() + word.size(), wide);
-    if (error == std::errc{}) return std::fabs(wide) < 1;
-    const size_t exponent = word.find_first_of("eE");
-    return exponent != std::string_view::npos && word.substr(exponent + 1, 1) == "-";
   }
 
   void expectEnd() {
@@ -200,7 +203,7 @@ std::array<double, 3> Cube::at(const std::array<double, 3>& input) const {
   std::array<double, 3> color{};
   double before = 1;
   const auto add = [&](double weight) {
-    for (size_t x = 0; x < 3; ++x) color[x] += weight * static_cast<double>(entries[place][x]);
+    for (size_t x = 0; x < 3; ++x) color[x] += weight * entries[place][x];
   };
   for (const Axis& axis : axes) {
     add(before - axis.fraction);

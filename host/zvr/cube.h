@@ -14,7 +14,7 @@ struct Cube {
   int size = 0;  // entries along each axis, kSmallestCube to kLargestCube
   // The inputs, by channel, that the first and the last entry of an axis stand for; 0 and 1 in most files.
   std::array<double, 3> low{0, 0, 0}, high{1, 1, 1};
-  std::vector<std::array<float, 3>> entries;  // size^3, red changing fastest; 1 is full red, green or blue
+  std::vector<std::array<double, 3>> entries;  // size^3, red changing fastest; 1 is full red, green or blue
 
   // The colour for an input, between the entries by tetrahedral interpolation, beyond the ends of an axis as
   // at the end.

@@ -42,7 +42,8 @@ Files filesOf(const LutOptions& own) {
   if (words.size() > 1) throw UsageError("'" + words[1] + "' is more than is expected");
   if (!own.identity && files.cube.empty()) throw UsageError("expected a .cube file, or --identity");
   if (files.picture.empty() && (!own.dump || !own.output.empty())) {
-    throw UsageError(own.identity ? "expected a picture" : "expected a picture before " + files.cube);
+    throw UsageError(own.identity ? "expected a picture"
+                                  : "expected a picture and a .cube file, found only " + files.cube);
   }
   return files;
 }

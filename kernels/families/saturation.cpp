@@ -16,14 +16,13 @@ struct AnyFactor {
   }
 };
 
-// The same for factors below 2^15: the product, below 2^23, is exact in a float and so is half a step more.
-// That half keeps quotients that are whole clear of the rounding; far beyond what the clamping leaves they
-// may be off by a little.
+// The same for factors below 2^15, whose products, below 2^23, are exact in a float. The float nearest to
+// 1 / 255 is a little above it, so a whole quotient never comes out as less than itself; and other quotients
+// lie too far below the next whole number to reach it, as long as clamping doesn't hide the result anyway.
 struct ModerateFactor {
   float factor;
   int32_t operator()(int32_t distance) const {
-    const float product = static_cast<float>(distance) * factor;
-    return static_cast<int32_t>((product + __builtin_copysignf(0.5F, product)) * (1 / 255.0F));
+    return static_cast<int32_t>(static_cast<float>(distance) * factor * (1 / 255.0F));
   }
 };
 

@@ -1,0 +1,136 @@
+// Properties and drawing methods of the host's own graphics objects, reached by name.
+
+#include "frame/graphics.h"
+
+#include "tests/linked.h"
+
+namespace {
+
+class HostGraphics : public LinkedTest {
+ protected:
+  // A white picture's graphics object that draws in black, used and let go.
+  template <typename Use>
+  Pixels drawn(Use use) {
+    const auto picture = makePicture({12, 8, Rgb{0xFFFFFF}});
+    {
+      const auto graphics = host::Ref<REALgraphicsStruct>::adopt(REALGetPictureGraphics(picture.get()));
+      EXPECT_TRUE(graphics);
+      SetGraphicsForeColor(graphics.get(), 0x000000);
+      use(graphics.get());
+    }
+    return colorsOf(picture);
+  }
+};
+
+TEST_F(HostGraphics, SizesOfPictures) {
+  const auto picture = host::newPicture(12, 8);
+  EXPECT_EQ(GetPictureWidth(picture.get()), 12);
+  EXPECT_EQ(GetPictureHeight(picture.get()), 8);
+  host::oddities(picture.get()).hidesSize = true;
+  EXPECT_EQ(GetPictureWidth(picture.get()), 0);
+  EXPECT_EQ(GetPictureHeight(picture.get()), 0);
+  EXPECT_EQ(GetPictureWidth(nullptr), 0);
+}
+
+TEST_F(HostGraphics, PropertiesByName) {
+  drawn([](REALgraphicsStruct* graphics) {
+    const auto whole = [&](const char* name) {
+      int32_t value = -1;
+      EXPECT_TRUE(REALGetPropValueInt32(graphics, name, &value)) << name;
+      return value;
+    };
+    const auto flag = [&](const char* name) {
+      uint8_t value = 9;
+      EXPECT_TRUE(REALGetPropValueUInt8(graphics, name, &value)) << name;
+      return value != 0;
+    };
+    const auto font = [&] {
+      REALstringStruct* value = nullptr;
+      EXPECT_TRUE(REALGetPropValueString(graphics, "TextFont", &value));
+      return host::stringBytes(host::StringRef::adopt(value).get());
+    };
+    SetGraphicsTextSize(graphics, 17);
+    SetGraphicsPenWidth(graphics, 3);
+    SetGraphicsPenHeight(graphics, 4);
+    EXPECT_EQ(whole("TextSize"), 17);
+    EXPECT_EQ(whole("PenWidth"), 3);
+    EXPECT_EQ(whole("PenHeight"), 4);
+    SetGraphicsBold(graphics, true);
+    EXPECT_TRUE(flag("Bold") && !flag("Italic") && !flag("Underline"));
+    SetGraphicsItalic(graphics, true);
+    SetGraphicsBold(graphics, false);
+    EXPECT_TRUE(!flag("Bold") && flag("Italic") && !flag("Underline"));
+    SetGraphicsUnderline(graphics, true);
+    EXPECT_TRUE(flag("Underline"));
+    SetGraphicsTextFont(graphics, "Serif");
+    EXPECT_EQ(font(), "Serif");
+    SetGraphicsTextFont(graphics, host::newString("Sans").get());
+    EXPECT_EQ(font(), "Sans");
+    SetGraphicsTextFont(graphics, static_cast<const char*>(nullptr));
+    EXPECT_EQ(font(), "");
+    SetGraphicsForeColor(graphics, 0x123456);
+    EXPECT_EQ(GetGraphicsForeColor(graphics), 0x123456u);
+    EXPECT_EQ(GetGraphicsForeColor(nullptr), 0u);
+  });
+}
+
+struct DrawCase {
+  const char* declaration;  // as the host knows it, byte for byte
+  void (*draw)(REALgraphicsStruct*);
+};
+
+const DrawCase kDrawCases[] = {
+    {"DrawRoundRect( x as Integer, y as Integer, width as Integer, height as Integer, ArcWidth as integer, "
+     "ArcHeight as integer )",
+     [](REALgraphicsStruct* g) { GraphicsDrawRoundRect(g, 1, 2, 9, 5, 4, 3); }},
+    {"FillRoundRect( x as Integer, y as Integer, width as Integer, height as Integer, ArcWidth as integer, "
+     "ArcHeight as integer )",
+     [](REALgraphicsStruct* g) { GraphicsFillRoundRect(g, 1, 2, 9, 5, 4, 3); }},
+    {"DrawOval( x as Integer, y as Integer, width as Integer, height as Integer )",
+     [](REALgraphicsStruct* g) { GraphicsDrawOval(g, 1, 2, 9, 5); }},
+    {"FillOval( x as Integer, y as Integer, width as Integer, height as Integer )",
+     [](REALgraphicsStruct* g) { GraphicsFillOval(g, 1, 2, 9, 5); }},
+    {"DrawRect( x as Integer, y as Integer, width as Integer, height as Integer )",
+     [](REALgraphicsStruct* g) { GraphicsDrawRect(g, 1, 2, 9, 5); }},
+    {"FillRect( x as Integer, y as Integer, width as Integer, height as Integer )",
+     [](REALgraphicsStruct* g) { GraphicsFillRect(g, 1, 2, 9, 5); }},
+    {"ClearRect( x as Integer, y as Integer, width as Integer, height as Integer )",
+     [](REALgraphicsStruct* g) { GraphicsClearRect(g, 1, 2, 9, 5); }},
+};
+
+TEST_F(HostGraphics, ShapesAreDrawnByTheHostsOwnMethods) {
+  const Pixels blank(12, 8, Rgb{0xFFFFFF});
+  std::vector<Pixels> pictures;
+  for (const DrawCase& c : kDrawCases) {
+    SCOPED_TRACE(c.declaration);
+    host::clearFaults();
+    pictures.push_back(drawn([&](REALgraphicsStruct* graphics) {
+      c.draw(graphics);
+      EXPECT_EQ(host::uses(c.declaration), 1);
+      c.draw(nullptr);
+      host::removeEntryPoint(c.declaration);
+      c.draw(graphics);  // looked up again, and gone
+      EXPECT_EQ(host::uses(c.declaration), 1);
+    }));
+  }
+  Pixels frame = blank, filled = blank;
+  for (int y = 2; y < 7; ++y) {
+    for (int x = 1; x < 10; ++x) {
+      filled.at(x, y) = 0;
+      if (y == 2 || y == 6 || x == 1 || x == 9) frame.at(x, y) = 0;
+    }
+  }
+  EXPECT_EQ(pictures[4], frame);
+  EXPECT_EQ(pictures[5], filled);
+  EXPECT_EQ(pictures[6], blank);
+  for (size_t i = 0; i < 4; ++i) EXPECT_FALSE(pictures[i] == blank) << kDrawCases[i].declaration;
+  EXPECT_FALSE(pictures[0] == pictures[2]) << "arcs are handed on";
+}
+
+TEST_F(HostGraphics, LinesAreAServiceOfTheHost) {
+  Pixels expected(12, 8, Rgb{0xFFFFFF});
+  for (int x = 2; x <= 6; ++x) expected.at(x, 3) = 0;
+  EXPECT_EQ(drawn([](REALgraphicsStruct* graphics) { GraphicsDrawLine(graphics, 2, 3, 6, 3); }), expected);
+}
+
+}  // namespace
