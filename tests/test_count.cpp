@@ -92,7 +92,7 @@ TEST_F(Count, BlocksOfAnyLengthTakeWhatFits) {
   const uint8_t full[1024] = {3, 0, 0, 0, 2, 0, 0, 0, 0};
   for (size_t size : {size_t{0}, size_t{1}, size_t{3}, size_t{5}, size_t{1021}, size_t{1024}, size_t{1100}}) {
     std::vector<uint8_t> expected(size, 0);
-    std::memcpy(expected.data(), full, std::min<size_t>(size, 5));
+    std::copy_n(full, std::min<size_t>(size, 5), expected.begin());
     if (size > 1020) expected[1020] = 1;
     // Bytes beyond the counters stay as they are.
     std::vector<uint8_t> before(size, 0);

@@ -2,101 +2,85 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/zvr/chain.h"
-#include "host/zvr/images.h"
+#include "host/zvr/files.h"
 #include "host/zvr/outputs.h"
 #include "host/zvr/program.h"
-#include "host/zvr/signatures.h"
 #include "host/zvr/terminal.h"
+#include "host/zvr/walk.h"
 
 namespace zvr {
 namespace {
 
 struct ApplyOptions {
-  std::vector<std::string> words;
+  std::vector<std::string> words, ins, outs;
   std::string output;
   int quality = 92;
 };
 
-host::PictureRef loadPicture(const std::string& path) { return toPicture(loadImage(path)); }
-
-// The state of one input on its way through the chain.
-class Walk {
- public:
-  // `label` stands before every line that is printed.
-  Walk(host::PictureRef picture, std::string label)
-      : current_(std::move(picture)), label_(std::move(label)) {}
-
-  void take(const Step& step) {
-    const host::Method& method = *step.method;
-    std::vector<host::Value> arguments;
-    for (const Argument& argument : step.arguments) arguments.push_back(valueOf(argument));
-    REALobjectStruct* receiver = host::takesReceiver(method) ? current_.get() : nullptr;
-    host::Outcome outcome = host::call(method, receiver, std::move(arguments));
-    if (outcome.exception) {
-      throw Failure(method.declaration.name + ": " + outcome.exception->className + ": " +
-                    outcome.exception->message);
-    }
-    report(method.declaration, outcome);
-    if (method.declaration.result == host::Type::picture) become(method, outcome.result);
-  }
-
-  const host::PictureRef& current() const { return current_; }
-  bool hasResult() const { return hasResult_; }
-
- private:
-  host::Value valueOf(const Argument& argument) const {
-    if (std::holds_alternative<CurrentPicture>(argument)) return current_;
-    if (const auto* file = std::get_if<PictureFile>(&argument)) return loadPicture(file->path);
-    return std::get<host::Value>(argument);
-  }
-
-  void become(const host::Method& method, const host::Value& result) {
-    const auto* picture = std::get_if<host::PictureRef>(&result);
-    if (!picture || !*picture) throw Failure(method.declaration.name + " answered nil");
-    current_ = *picture;
-    hasResult_ = true;
-  }
-
-  void report(const host::Declaration& declaration, const host::Outcome& outcome) const {
-    const bool hasValue = declaration.result != host::Type::none && declaration.result != host::Type::picture;
-    if (hasValue) print(declaration.name, outcome.result);
-    for (size_t i = 0; i < declaration.parameters.size(); ++i) {
-      if (declaration.parameters[i].byRef) print(declaration.parameters[i].name, outcome.arguments[i]);
-    }
-  }
-  void print(const std::string& name, const host::Value& value) const {
-    terminal::print(label_ + name + " = " + valueText(value));
-  }
-
-  host::PictureRef current_;
-  std::string label_;
-  bool hasResult_ = false;
+// The files to write, for each input.
+struct Outputs {
+  std::vector<std::string> results;
+  std::vector<std::vector<std::string>> blocks;  // as Chain::blocks
 };
 
-// Methods without a picture result may have changed their picture in place.
-void applyToOne(const std::string& input, const Chain& chain, const std::string& output,
-                const ApplyOptions& options) {
-  Walk walk(loadPicture(input), chain.inputs.size() > 1 ? input + ": " : "");
-  const Image before = fromPicture(walk.current().get());
-  for (const Step& step : chain.steps) walk.take(step);
-  const Image after = fromPicture(walk.current().get());
-  if (!walk.hasResult() && options.output.empty() && before == after) return;
-  saveImage(after, output, options.quality);
+Outputs planAll(const Chain& chain, const ApplyOptions& own) {
+  std::string label;
+  for (const Step& step : chain.steps) label += (label.empty() ? "" : "-") + step.method->declaration.name;
+  OutputPlan plan;
+  Outputs outputs;
+  outputs.results = chain.left == Kind::data ? plan.data(chain.inputs, "-o", own.output, label)
+                                             : plan.pictures(chain.inputs, "-o", own.output, label);
+  for (const BlockOutput& block : chain.blocks) {
+    const std::string& name = chain.steps[block.step].method->declaration.parameters[block.parameter].name;
+    outputs.blocks.push_back(plan.data(chain.inputs, "--out " + name, block.pattern, name));
+  }
+  return outputs;
+}
+
+// Takes the walk through every step. The blocks to write, as Chain::blocks.
+std::vector<Bytes> takeAll(Walk& walk, const Chain& chain) {
+  std::vector<Bytes> blocks(chain.blocks.size());
+  for (size_t i = 0; i < chain.steps.size(); ++i) {
+    std::vector<size_t> kept;
+    for (const BlockOutput& block : chain.blocks) {
+      if (block.step == i) kept.push_back(block.parameter);
+    }
+    std::map<size_t, Bytes> taken = walk.take(chain.steps[i], kept);
+    for (size_t j = 0; j < blocks.size(); ++j) {
+      if (chain.blocks[j].step == i) blocks[j] = std::move(taken[chain.blocks[j].parameter]);
+    }
+  }
+  return blocks;
+}
+
+// Nothing is written before every step is done.
+void applyToOne(size_t input, const Chain& chain, const Outputs& outputs, const ApplyOptions& own) {
+  Walk walk(chain.inputs[input], chain.inputs.size() > 1 ? chain.inputs[input] + ": " : "");
+  const std::vector<Bytes> blocks = takeAll(walk, chain);
+  for (size_t i = 0; i < blocks.size(); ++i) {
+    writeFile(outputs.blocks[i][input], blocks[i]);
+    terminal::print("wrote " + outputs.blocks[i][input]);
+  }
+  const std::string& output = outputs.results[input];
+  // Methods without a picture result may have changed their picture in place.
+  if (own.output.empty() && !walk.hasResult()) return;
+  if (chain.left == Kind::picture) {
+    saveImage(walk.picture(), output, own.quality);
+  } else {
+    writeFile(output, walk.data());
+  }
   terminal::print("wrote " + output);
 }
 
 int apply(const Options& options, const ApplyOptions& own) {
   const Session session(options);
-  const Chain chain = parseChain(own.words);
-  std::string label;
-  for (const Step& step : chain.steps) label += (label.empty() ? "" : "-") + step.method->declaration.name;
-  const std::vector<std::string> outputs = planOutputs(chain.inputs, own.output, label);
+  const Chain chain = parseChain(own.words, own.ins, own.outs);
+  const Outputs outputs = planAll(chain, own);
   int status = kDone;
   terminal::Progress progress(chain.inputs.size());
   for (size_t i = 0; i < chain.inputs.size(); ++i) {
     try {
-      applyToOne(chain.inputs[i], chain, outputs[i], own);
+      applyToOne(i, chain, outputs, own);
     } catch (const Failure& failure) {
       status = kFailed;
       terminal::complain(failure.what());
@@ -109,38 +93,66 @@ int apply(const Options& options, const ApplyOptions& own) {
   return status;
 }
 
+constexpr const char* kNotes =
+    "INPUT is a PNG or JPEG file, or for a method that takes @ as a String or MemoryBlock any file. The "
+    "first\n"
+    "word that names a registered method (in any case) ends the inputs; a file of such a name is written\n"
+    "./NAME. Methods of Picture run on the current picture: the input, later what the step before answered.\n"
+    "\n"
+    "Arguments of type Picture, MemoryBlock and String are file names, nil, or @: what the step before\n"
+    "answered, or the input. A global method with one such argument takes @ when it is left out. --in\n"
+    "NAME=PATH gives a file to the argument of that name, which then takes no word (METHOD.NAME=PATH where\n"
+    "several steps have one).\n"
+    "\n"
+    "Arguments by reference take no word: they are printed after the call, as are numbers and booleans that "
+    "a\n"
+    "method answers. A MemoryBlock by reference starts as nil, or as the file that --in names; --out "
+    "NAME=PATH\n"
+    "writes it to a file instead of printing a summary. METHOD ... = VALUE assigns where `zvr show` says "
+    "that\n"
+    "one can.\n"
+    "\n"
+    "A String that is the last answer goes to -o byte by byte, into a file of any name. A picture that no "
+    "step\n"
+    "made or changed is not written unless -o is given. JPEG has no transparency: it becomes white. Options\n"
+    "stand anywhere; words after -- are never options.\n"
+    "\n"
+    "Examples:\n"
+    "  zvr apply photo.png InvertZVR -o out.png\n"
+    "  zvr apply photo.png InvertZVR 20 20 100 80 -o out.jpg --quality 85\n"
+    "  zvr apply photo.png ChangeContrastZVR 0.2 + ChangeSaturationZVR 60 -o out.png\n"
+    "  zvr apply *.jpg TintPictureZVR @ '&c555555' '&c704214' -o 'toned/{name}.png'\n"
+    "  zvr apply shot.png FindPictureZVR icon.png\n"
+    "  zvr apply photo.png CountColorsZVR --out red=red.bin --out green=green.bin\n"
+    "  zvr apply photo.png TransformColorsZVR red.bin blue.bin green.bin -o out.png\n"
+    "  zvr apply photo.png PicturetoBinaryStringZVR -o photo.ppic\n"
+    "  zvr apply photo.ppic BinaryStringtoPictureZVR -o back.png\n"
+    "  zvr apply samples.raw RenderSamplesZVR @ 8000 3 300 100 1 -o wave.png\n";
+
+void addFileOption(CLI::App& command, const char* name, std::vector<std::string>& files, const char* help) {
+  command.add_option(name, files, help)->allow_extra_args(false)->type_name("NAME=PATH");
+}
+
 }  // namespace
 
 void addApply(CLI::App& program, const Options& options, Run& run) {
   CLI::App* command = program.add_subcommand(
       "apply",
-      "Run methods on pictures, one after another:\n"
+      "Run methods on pictures and other files, one after another:\n"
       "  zvr apply INPUT... METHOD [ARGUMENT...] [+ METHOD [ARGUMENT...]]... [-o OUT]");
   const auto own = std::make_shared<ApplyOptions>();
   command->add_option("INPUT... METHOD [ARGUMENT]", own->words)->required()->option_text(" ");
   command->add_option(
       "-o,--output", own->output,
-      "File, folder, or pattern with {name}, {ext} and {n}; without it NAME-METHOD.png beside "
-      "the input");
+      "File, folder, or pattern with {name}, {ext} and {n}; without it NAME-METHOD.png (.bin for a String) "
+      "beside the input");
+  addFileOption(*command, "--in", own->ins,
+                "A file for a Picture, MemoryBlock or String argument, by its name");
+  addFileOption(*command, "--out", own->outs, "Where a MemoryBlock by reference goes; PATH as for -o");
   command->add_option("--quality", own->quality, "Quality of written JPEG files")
       ->check(CLI::Range(1, 100))
       ->capture_default_str();
-  command->footer(
-      "Inputs are PNG and JPEG files. The first word that names a registered method (in any case) ends "
-      "them;\n"
-      "a file of such a name is written ./NAME. Methods of Picture run on the current picture: the input, "
-      "later\n"
-      "what the step before answered. Picture arguments are @ (the current picture), a file name or nil.\n"
-      "Arguments by reference take no word: they are printed after the call, as are results that are no\n"
-      "picture. A picture that no step made or changed is not written unless -o is given. Options stand\n"
-      "anywhere; words after -- are never options. JPEG has no transparency: it becomes white.\n"
-      "\n"
-      "Examples:\n"
-      "  zvr apply photo.png InvertZVR -o out.png\n"
-      "  zvr apply photo.png InvertZVR 20 20 100 80 -o out.jpg --quality 85\n"
-      "  zvr apply photo.png ChangeContrastZVR 0.2 + ChangeSaturationZVR 60 -o out.png\n"
-      "  zvr apply *.jpg TintPictureZVR @ '&c555555' '&c704214' -o 'toned/{name}.png'\n"
-      "  zvr apply shot.png FindPictureZVR icon.png\n");
+  command->footer(kNotes);
   command->callback([&run, &options, own] { run = [&options, own] { return apply(options, *own); }; });
 }
 

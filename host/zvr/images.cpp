@@ -144,8 +144,9 @@ bool operator==(const Image& a, const Image& b) {
          std::memcmp(a.pixels.get(), b.pixels.get(), a.byteCount()) == 0;
 }
 
-Image loadImage(const std::string& path) {
-  const std::vector<uint8_t> file = readFile(path);
+Image loadImage(const std::string& path) { return decodeImage(path, readFile(path)); }
+
+Image decodeImage(const std::string& path, const std::vector<uint8_t>& file) {
   try {
     return decode(file);
   } catch (const Failure& failure) {

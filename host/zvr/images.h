@@ -29,6 +29,8 @@ bool operator==(const Image& a, const Image& b);
 
 // Reads a PNG or JPEG, told by its content. Throws Failure with "PATH: what is wrong".
 Image loadImage(const std::string& path);
+// The same for a file that has been read.
+Image decodeImage(const std::string& path, const std::vector<uint8_t>& file);
 
 // Throws UsageError unless the extension is one that saveImage can write.
 void checkExtension(const std::string& path);

@@ -1,7 +1,6 @@
 #include "host/zvr/outputs.h"
 
 #include <filesystem>
-#include <map>
 
 #include "host/zvr/images.h"
 #include "host/zvr/program.h"
@@ -21,7 +20,8 @@ std::string writableExtension(const fs::path& input) {
   }
 }
 
-std::string filled(const std::string& pattern, const fs::path& input, size_t number) {
+std::string filled(const std::string& option, const std::string& pattern, const fs::path& input,
+                   const std::string& extension, size_t number) {
   std::string result;
   for (size_t i = 0; i < pattern.size(); ++i) {
     const size_t end = pattern[i] == '{' ? pattern.find('}', i) : std::string::npos;
@@ -33,11 +33,11 @@ std::string filled(const std::string& pattern, const fs::path& input, size_t num
     if (field == "{name}") {
       result += input.stem();
     } else if (field == "{ext}") {
-      result += writableExtension(input);
+      result += extension;
     } else if (field == "{n}") {
       result += std::to_string(number);
     } else {
-      throw UsageError("-o: " + field + " is unknown (known are {name}, {ext} and {n})");
+      throw UsageError(option + ": " + field + " is unknown (known are {name}, {ext} and {n})");
     }
     i = end;
   }
@@ -51,24 +51,49 @@ bool isFolder(const std::string& path) {
 
 }  // namespace
 
-std::vector<std::string> planOutputs(const std::vector<std::string>& inputs, const std::string& pattern,
-                                     const std::string& label) {
+std::vector<std::string> OutputPlan::add(Content content, const std::vector<std::string>& inputs,
+                                         const std::string& option, const std::string& pattern,
+                                         const std::string& label) {
+  const bool isPicture = content == Content::picture;
   std::vector<std::string> outputs;
-  std::map<fs::path, std::string> users;
   for (const std::string& given : inputs) {
     const fs::path input(given);
-    fs::path output =
-        pattern.empty() ? input.parent_path() : fs::path(filled(pattern, input, outputs.size() + 1));
-    if (pattern.empty() || isFolder(output)) output /= input.stem().string() + "-" + label + ".png";
-    checkExtension(output);
-    const auto [user, isNew] = users.emplace(output.lexically_normal(), given);
+    const std::string extension = isPicture ? writableExtension(input) : "bin";
+    fs::path output = pattern.empty()
+                          ? input.parent_path()
+                          : fs::path(filled(option, pattern, input, extension, outputs.size() + 1));
+    if (pattern.empty() || isFolder(output)) {
+      output /= input.stem().string() + "-" + label + (isPicture ? ".png" : ".bin");
+    }
+    if (isPicture) checkExtension(output);
+    const auto [entry, isNew] = users_.emplace(fs::absolute(output).lexically_normal(), User{option, given});
     if (!isNew) {
-      throw UsageError("-o: " + user->second + " and " + given + " would both be written to " +
-                       output.string() + "; use {name} or {n} in the name, or a folder");
+      const User& user = entry->second;
+      const bool isOneInput = user.input == given && user.option != option;
+      throw UsageError(option + ": " +
+                       (isOneInput ? user.option + " and " + option : user.input + " and " + given) +
+                       " would both be written to " + output.string() +
+                       (isOneInput ? "" : "; use {name} or {n} in the name, or a folder"));
     }
     outputs.push_back(output);
   }
   return outputs;
+}
+
+std::vector<std::string> OutputPlan::pictures(const std::vector<std::string>& inputs,
+                                              const std::string& option, const std::string& pattern,
+                                              const std::string& label) {
+  return add(Content::picture, inputs, option, pattern, label);
+}
+
+std::vector<std::string> OutputPlan::data(const std::vector<std::string>& inputs, const std::string& option,
+                                          const std::string& pattern, const std::string& label) {
+  return add(Content::data, inputs, option, pattern, label);
+}
+
+std::vector<std::string> planOutputs(const std::vector<std::string>& inputs, const std::string& pattern,
+                                     const std::string& label) {
+  return OutputPlan().pictures(inputs, "-o", pattern, label);
 }
 
 }  // namespace zvr

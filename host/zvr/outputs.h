@@ -1,16 +1,40 @@
-// Where the results of `zvr apply` go.
+// Where results go.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
 namespace zvr {
 
-// The output file for each input. `pattern` may hold {name} (the input's name without its extension), {ext}
-// (its extension, png when it has none that can be written) and {n} (1 for the first input), or be a folder:
-// one that exists or that ends in /. Empty: beside the input. Without a file name of its own an output is
-// called NAME-LABEL.png. Throws UsageError for patterns that make no sense, formats that can't be written,
-// and outputs that coincide.
+// Output files that do not coincide.
+class OutputPlan {
+ public:
+  // The output file for each input, called NAME-LABEL.png when `pattern` has no file name of its own: a
+  // pattern may hold {name} (the input's name without its extension), {ext} (its extension, png when it has
+  // none that can be written) and {n} (1 for the first input), or be a folder: one that exists or that ends
+  // in /. Empty: beside the input. `option` is what gave it. Throws UsageError for patterns that make no
+  // sense, formats that can't be written, and outputs that coincide with one another or with those planned
+  // before.
+  std::vector<std::string> pictures(const std::vector<std::string>& inputs, const std::string& option,
+                                    const std::string& pattern, const std::string& label);
+  // The same for bytes: NAME-LABEL.bin, any extension, and {ext} is bin.
+  std::vector<std::string> data(const std::vector<std::string>& inputs, const std::string& option,
+                                const std::string& pattern, const std::string& label);
+
+ private:
+  enum class Content { picture, data };
+  std::vector<std::string> add(Content content, const std::vector<std::string>& inputs,
+                               const std::string& option, const std::string& pattern,
+                               const std::string& label);
+
+  struct User {
+    std::string option, input;
+  };
+  std::map<std::string, User> users_;  // by output, absolute
+};
+
+// The pictures of a plan of their own, given by -o.
 std::vector<std::string> planOutputs(const std::vector<std::string>& inputs, const std::string& pattern,
                                      const std::string& label);
 

@@ -2,6 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
+#include <map>
+
+#include "host/zvr/chain.h"
 #include "host/zvr/program.h"
 #include "host/zvr/signatures.h"
 #include "host/zvr/terminal.h"
@@ -15,46 +18,22 @@ using terminal::print;
 using terminal::Style;
 using terminal::styled;
 
-// A word for the command line that the parameter accepts, or nothing where no word can say it.
-std::optional<std::string> exampleWord(const Parameter& parameter, bool isFirstPicture) {
-  if (parameter.hasDefault && parameter.type != Type::color) return parameter.defaultText;
-  switch (parameter.type) {
-    case Type::integer:
-    case Type::uint32:
-      return "20";
-    case Type::real:
-      return "0.5";
-    case Type::boolean:
-      return "true";
-    case Type::color:
-      return "'" + (parameter.hasDefault ? parameter.defaultText : "&c704214") + "'";
-    case Type::picture:
-      return isFirstPicture ? "@" : "other.png";
-    default:
-      return std::nullopt;
-  }
+// A number that suits most parameters, and numbers for those, spelled as registered, that it does not suit.
+std::string exampleInteger(const std::string& name) {
+  static const std::map<std::string, std::string> kNumbers = {
+      {"SampleCount", "8000"}, {"Smooth", "3"}, {"Width", "300"}, {"Height", "100"}, {"outlinewidth", "1"}};
+  const auto number = kNumbers.find(name);
+  return number == kNumbers.end() ? "20" : number->second;
 }
 
-std::optional<std::string> commandLine(const host::Method& method) {
-  std::string line = "zvr apply photo.png " + method.declaration.name;
-  bool isFirstPicture = !host::takesReceiver(method);
-  for (const Parameter& parameter : method.declaration.parameters) {
-    if (parameter.byRef) continue;
-    const auto word = exampleWord(parameter, isFirstPicture);
-    if (!word) return std::nullopt;
-    if (parameter.type == Type::picture) isFirstPicture = false;
-    line += " " + *word;
-  }
-  return line + (method.declaration.result == Type::picture ? " -o out.png" : "");
-}
-
+// As it stands in a program; what no literal says is named as the parameter is.
 std::string basicWord(const Parameter& parameter) {
   if (parameter.byRef) return parameter.name;
   if (parameter.hasDefault) return parameter.defaultText;
   switch (parameter.type) {
     case Type::integer:
     case Type::uint32:
-      return "20";
+      return exampleInteger(parameter.name);
     case Type::real:
       return "0.5";
     case Type::boolean:
@@ -64,6 +43,45 @@ std::string basicWord(const Parameter& parameter) {
     default:
       return parameter.name;
   }
+}
+
+std::string shellWord(const Parameter& parameter) {
+  if (parameter.hasDefault || !isFileType(parameter.type)) {
+    const std::string word = basicWord(parameter);
+    return word[0] == '&' ? "'" + word + "'" : word;
+  }
+  return parameter.type == Type::picture ? "other.png" : parameter.name + ".bin";
+}
+
+// The first file of a global method is the input.
+std::string commandLine(const host::Method& method) {
+  const host::Declaration& declaration = method.declaration;
+  std::string input = "photo.png", words, outputs;
+  bool isInputUsed = host::takesReceiver(method);
+  for (const Parameter& parameter : declaration.parameters) {
+    if (parameter.byRef) {
+      const bool isBlock = parameter.type == Type::memoryBlock;
+      if (isBlock) outputs += " --out " + parameter.name + "=" + parameter.name + ".bin";
+    } else if (isFileType(parameter.type) && !isInputUsed) {
+      isInputUsed = true;
+      if (parameter.type != Type::picture) input = shellWord(parameter);
+      words += " @";
+    } else {
+      words += " " + shellWord(parameter);
+    }
+  }
+  if (declaration.result == Type::picture) outputs += " -o out.png";
+  if (declaration.result == Type::string) outputs += " -o out.bin";
+  return "zvr apply " + input + " " + declaration.name + words + outputs;
+}
+
+// Another line for what can be assigned to.
+std::string assignmentLine(const host::Method& method) {
+  Parameter value;
+  value.type = method.declaration.result;
+  std::string line = "zvr apply photo.png " + method.declaration.name;
+  for (const Parameter& parameter : method.declaration.parameters) line += " " + shellWord(parameter);
+  return line + " = " + shellWord(value) + " -o out.png";
 }
 
 std::vector<std::string> basicLines(const host::Method& method) {
@@ -97,7 +115,8 @@ void showMethod(const host::Method& method) {
     print(line);
   }
   for (const std::string& line : basicLines(method)) print("  " + styled(Style::faint, "BASIC  ") + line);
-  if (const auto line = commandLine(method)) print("  " + styled(Style::faint, "zvr    ") + *line);
+  print("  " + styled(Style::faint, "zvr    ") + commandLine(method));
+  if (method.setter) print("  " + styled(Style::faint, "zvr    ") + assignmentLine(method));
   print("");
 }
 

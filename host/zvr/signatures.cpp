@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
+#include <numeric>
 
 #include "host/zvr/terminal.h"
 
@@ -13,6 +15,23 @@ using terminal::styled;
 
 constexpr size_t kPageWidth = 100;
 constexpr size_t kNameColumn = 4;
+
+// A block by its size, and its bytes as 32-bit counts where there are four to a count.
+std::string blockText(REALmemoryBlockStruct* block) {
+  const size_t size = host::memoryBlockSize(block);
+  std::string text = "MemoryBlock of " + std::to_string(size) + " bytes";
+  std::vector<uint32_t> entries(size / sizeof(uint32_t));
+  if (entries.empty() || size % sizeof(uint32_t) != 0) return text;
+  std::memcpy(entries.data(), host::memoryBlockBytes(block), size);
+  const auto zeros = static_cast<size_t>(std::count(entries.begin(), entries.end(), 0U));
+  text += ": " + std::to_string(entries.size() - zeros) + " of " + std::to_string(entries.size()) +
+          " entries are not 0";
+  if (zeros == entries.size()) return text;
+  const auto largest = std::max_element(entries.begin(), entries.end());
+  return text + ", sum " + std::to_string(std::accumulate(entries.begin(), entries.end(), uint64_t{0})) +
+         ", largest " + std::to_string(*largest) + " (entry " + std::to_string(largest - entries.begin()) +
+         ")";
+}
 
 struct ToText {
   std::string operator()(std::monostate) const { return "nil"; }
@@ -43,7 +62,7 @@ struct ToText {
   }
   std::string operator()(const host::MemoryBlockRef& block) const {
     if (!block) return "nil";
-    return "MemoryBlock of " + std::to_string(host::memoryBlockSize(block.get())) + " bytes";
+    return blockText(block.get());
   }
   std::string operator()(const host::ObjectRef& object) const { return object ? "Object" : "nil"; }
 };

@@ -1,0 +1,296 @@
+// What the kernels are called with.
+
+#include "tests/kernel_cases.h"
+
+#include <cmath>
+
+#include "tests/plain_kernels.h"
+
+namespace {
+
+using kernels::Pixel;
+using kernels::Table;
+
+// `call` takes the kernel, Operands and Parameters.
+template <typename Kernel, typename Call>
+Case makeCase(const char* name, Kernel* Table::*field, const Shape& shape, const Call& call) {
+  const auto place = [](const auto& part) { return reinterpret_cast<const char*>(&part); };
+  Case c;
+  c.name = name;
+  c.slot = static_cast<size_t>(place(plain::kTable.*field) - place(plain::kTable)) / sizeof(void*);
+  c.shape = shape;
+  c.run = [=](const Table& table, const Operands& o, Parameters& p) -> uint64_t {
+    if constexpr (std::is_void_v<decltype(call(table.*field, o, p))>) {
+      call(table.*field, o, p);
+      return 0;
+    } else {
+      return call(table.*field, o, p);
+    }
+  };
+  return c;
+}
+
+constexpr Shape kMap = {{4}, 4}, kTest = {{4}};
+constexpr Shape kMapInPlace[] = {{{4}, 4, false, false, true},
+                                 {{4, 4}, 4, false, false, true},
+                                 {{4, 4, 4}, 4, false, false, true}};
+
+Case caseOf(const char* name, kernels::SpanMap* Table::*field) {
+  return makeCase(name, field, kMapInPlace[0], [](auto kernel, const Operands& o, Parameters& p) {
+    kernel(o.pixelsOut(), o.pixels(0), o.count, p.top);
+  });
+}
+Case caseOf(const char* name, kernels::SpanMerge* Table::*field) {
+  return makeCase(name, field, {{4}, 4, true}, [](auto kernel, const Operands& o, Parameters&) {
+    kernel(o.pixelsOut(), o.pixels(0), o.count);
+  });
+}
+Case caseOf(const char* name, kernels::SpanCount* Table::*field) {
+  return makeCase(name, field, kTest, [](auto kernel, const Operands& o, Parameters& p) {
+    return kernel(o.pixels(0), o.count, p.words[0]);
+  });
+}
+Case caseOf(const char* name, kernels::SampleSums* Table::*field, size_t sampleSize) {
+  return makeCase(name, field, {{sampleSize}}, [](auto kernel, const Operands& o, Parameters&) {
+    const kernels::Excursions sums = kernel(o.in[0], o.count);
+    return uint64_t{sums.negative} << 32 | sums.positive;
+  });
+}
+template <typename Parameter>
+Case caseOf(const char* name, bool (*Table::*field)(const Pixel*, size_t, Parameter),
+            int32_t (*number)(Random&, const Hint&)) {
+  Case c = makeCase(name, field, kTest, [](auto kernel, const Operands& o, Parameters& p) {
+    return kernel(o.pixels(0), o.count, p.number);
+  });
+  c.number = number;
+  return c;
+}
+
+// Numbers around what decides.
+int32_t tolerance(Random& random, const Hint& hint) {
+  return random.chance(80) ? std::clamp(hint.spread + random.between(-1, 1), 0, 255) : random.between(0, 255);
+}
+int32_t threshold(Random& random, const Hint& hint) {
+  return random.chance(10) ? -1 : tolerance(random, hint);
+}
+int32_t colorOf(Random& random, const Hint& hint) {
+  return static_cast<int32_t>((random.chance(80) ? hint.word & 0xFFFFFF : random.color()) |
+                              random.word() << 24);
+}
+int32_t row(Random& random, const Hint&) {
+  return random.chance(10) ? (random.chance(50) ? INT32_MIN : INT32_MAX) : random.between(-10, 26);
+}
+int32_t saturation(Random& random, const Hint&) {
+  static const int32_t kEdges[] = {0,       1,       127,       254,           255,           256,
+                                   510,     0x7FFE,  0x7FFF,    0x8000,        0x8001,        0x10000,
+                                   8421504, 8421505, INT32_MAX, INT32_MAX - 1, 255 * 8421504, 0x55555555};
+  const int32_t any = static_cast<int32_t>(random.word() >> random.between(1, 31));
+  const int32_t factor = random.chance(50) ? any : kEdges[random.word() % std::size(kEdges)];
+  return random.chance(5) ? INT32_MIN : random.chance(50) ? -factor : factor;
+}
+
+// Adds what is in `out` to the counts, and answers their sums over the lanes there.
+void countChannels(kernels::SpanHistogram* kernel, const Operands& o, Parameters&) {
+  static kernels::ChannelCounts counts;
+  uint32_t(*const channels[])[256] = {counts.red, counts.green, counts.blue};
+  Pixel* out = o.pixelsOut();
+  for (size_t c = 0; c < 3; ++c) {
+    for (size_t v = 0; v < 256; ++v) {
+      for (size_t lane = 0; lane < kernels::kCountingLanes; ++lane) channels[c][lane][v] = 0;
+      channels[c][v % kernels::kCountingLanes][v] = out[c * 256 + v];
+    }
+  }
+  kernel(o.pixels(0), o.count, counts);
+  for (size_t c = 0; c < 3; ++c) {
+    for (size_t v = 0; v < 256; ++v) {
+      out[c * 256 + v] = 0;
+      for (size_t lane = 0; lane < kernels::kCountingLanes; ++lane)
+        out[c * 256 + v] += channels[c][lane][v];
+    }
+  }
+}
+
+std::deque<Case> makeCases() {
+  std::deque<Case> cases = {
+      caseOf("invert", &Table::invert),
+      caseOf("invertGray", &Table::invertGray),
+      caseOf("grayFromTop8", &Table::grayFromTop8),
+      caseOf("grayFromTop7", &Table::grayFromTop7),
+      caseOf("redIntoBlue", &Table::redIntoBlue),
+      caseOf("invertedRedIntoBlue", &Table::invertedRedIntoBlue),
+      caseOf("countColor", &Table::countColor),
+      caseOf("findColor", &Table::findColor),
+      caseOf("isAllColor", &Table::isAllColor, colorOf),
+      caseOf("isAllGray", &Table::isAllGray, tolerance),
+      caseOf("sumInt8", &Table::sumInt8, 1),
+      caseOf("sumUInt8", &Table::sumUInt8, 1),
+      caseOf("sumInt16", &Table::sumInt16, 2),
+      caseOf("sumUInt16", &Table::sumUInt16, 2),
+      makeCase("countChannels", &Table::countChannels, {{4}, 3 * 256 * 4, true, true}, countChannels),
+  };
+  const auto add = [&](const char* name, auto field, const Shape& shape, const auto& call) -> Case& {
+    return cases.emplace_back(makeCase(name, field, shape, call));
+  };
+  using O = const Operands&;
+  using P = Parameters&;
+  add("unpackRGB24", &Table::unpackRGB24, {{3}, 4},
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.in[0], o.count, p.top); });
+  add("packRGB24", &Table::packRGB24, {{4}, 3}, [](auto f, O o, P) { f(o.out, o.pixels(0), o.count); });
+  add("fill", &Table::fill, {{}, 4}, [](auto f, O o, P p) { f(o.pixelsOut(), o.count, p.words[0]); });
+  add("brighter", &Table::brighter, kMapInPlace[1],
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.pixels(1), o.count, p.top); });
+  add("combineChannels", &Table::combineChannels, kMapInPlace[2],
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.pixels(1), o.pixels(2), o.count, p.top); });
+  add("replaceBits", &Table::replaceBits, kMapInPlace[1], [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.pixels(0), o.pixels(1), o.count, p.top, p.words[0] & 0xFFFFFF);
+  });
+  add("mapThroughTables", &Table::mapThroughTables, kMap,
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, *p.tables); });
+  add("countColorful", &Table::countColorful, kTest, [](auto f, O o, P p) {
+    return f(o.pixels(0), o.count, p.number);
+  }).number = threshold;
+  add("areEqual", &Table::areEqual, {{4, 4}},
+      [](auto f, O o, P) { return f(o.pixels(0), o.pixels(1), o.count); });
+  add("markColored", &Table::markColored, {{4}, 1}, [](auto f, O o, P) { f(o.out, o.pixels(0), o.count); });
+  add("blackWhere", &Table::blackWhere, {{1}, 4}, [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.in[0], o.count, static_cast<uint8_t>(p.words[0]), p.top);
+  });
+  add("replaceColor", &Table::replaceColor, kMap, [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.words[0], p.words[1]);
+  });
+  add("extractColor", &Table::extractColor, kMap, [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.words[0], p.words[1], p.words[2]);
+  });
+  add("saturate", &Table::saturate, kMap, [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.number);
+  }).number = saturation;
+  add("tint", &Table::tint, kMap,
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.tint); });
+  add("mapThroughCube", &Table::mapThroughCube, kMap,
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.cube); });
+  add("mapThroughWholeCube", &Table::mapThroughWholeCube, kMap,
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.wholeCube); });
+  add("tone", &Table::tone, kMap,
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.toning); });
+  add("bars", &Table::bars, {{4, 4}, 4, false, false, false, true}, [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.numbers(0), o.numbers(1), o.count, p.number, p.words[0], p.words[1]);
+  }).number = row;
+  return cases;
+}
+
+// Lookup tables of all kinds, each at the end of its guarded memory: nothing that lies behind what may be read
+// is there.
+class Lookups {
+ public:
+  Lookups() {
+    for (int i = 0; i < 8; ++i) addTables();
+    for (const size_t shift : {0u, 0u, 4u, 8u, 1u, 3u}) {
+      addCube(shift);
+      addWholeCube(shift);
+    }
+  }
+  std::vector<const kernels::ChannelTables*> tables;
+  std::vector<const double*> cubes;
+  std::vector<const Pixel*> wholeCubes;
+
+ private:
+  uint8_t* memory(size_t bytes, size_t shift) { return memory_.emplace_back(bytes + shift).last(bytes + shift); }
+
+  void addTables() {
+    uint8_t* bytes = memory(sizeof(kernels::ChannelTables), 0);
+    for (size_t i = 0; i < sizeof(kernels::ChannelTables); ++i) bytes[i] = static_cast<uint8_t>(random_.word());
+    tables.push_back(reinterpret_cast<const kernels::ChannelTables*>(bytes));
+  }
+  // The identity; whole numbers; any numbers near the range; others with many that are hard to compute with.
+  double cubeValue(size_t identity) {
+    static const double kHard[] = {std::nan(""),  HUGE_VAL, -HUGE_VAL, 1e308, -1e308, 5e-324, -0.0,
+                                   0.1,           255,      255.5,     256,   -1e-9,  4e9,    -4e9,
+                                   std::nextafter(255, 0)};
+    switch (cubes.size()) {
+      case 0:
+        return static_cast<double>(17 * identity);
+      case 1:
+        return random_.between(0, 255);
+      case 2:
+      case 3:
+        return random_.word() * (400 / 4294967296.0) - 50;
+      default:
+        return random_.chance(cubes.size() == 4 ? 5 : 50) ? kHard[random_.word() % std::size(kHard)]
+                                                          : random_.between(-300, 3000) / 10.0;
+    }
+  }
+  void addCube(size_t shift) {
+    constexpr size_t kSide = kernels::kCubeSide, kUsed = 16, kLast = kUsed - 1;
+    uint8_t* bytes = memory((plain::cubeIndex(kLast, kLast, kLast, kSide) + 1) * 3 * sizeof(double), shift);
+    for (size_t r = 0; r < kUsed; ++r) {
+      for (size_t g = 0; g < kSide; ++g) {
+        for (size_t b = 0; b < kSide; ++b) {
+          if (r == kLast && (g > kLast || (g == kLast && b > kLast))) continue;  // behind
+          for (size_t x = 0; x < 3; ++x) {
+            const size_t indices[] = {r, g, b};
+            // What is not to be used is no number, which shows even where it weighs nothing.
+            const double value = g > kLast || b > kLast ? std::nan("") : cubeValue(indices[x]);
+            memcpy(bytes + (((r * kSide + g) * kSide + b) * 3 + x) * sizeof value, &value, sizeof value);
+          }
+        }
+      }
+    }
+    cubes.push_back(reinterpret_cast<const double*>(bytes));
+  }
+  void addWholeCube(size_t shift) {
+    constexpr uint32_t kSide = kernels::kWholeCubeSide;
+    auto* words = reinterpret_cast<Pixel*>(memory(kSide * kSide * kSide * 4, shift));
+    for (uint32_t i = 0; i < kSide * kSide * kSide; ++i) {
+      const uint32_t identity = (i / kSide / kSide) << 16 | (i / kSide % kSide) << 8 | i % kSide;
+      words[i] = wholeCubes.empty() ? identity * 17 : random_.color();
+    }
+    wholeCubes.push_back(words);
+  }
+
+  Random random_{2};
+  std::deque<GuardedMemory> memory_;
+};
+
+const Lookups& lookups() {
+  static const Lookups all;
+  return all;
+}
+
+template <typename T, typename Index>
+const T& chosen(const std::vector<T>& from, Index index) {
+  return from[static_cast<size_t>(index) % from.size()];
+}
+
+}  // namespace
+
+const std::deque<Case>& allCases() {
+  static const std::deque<Case> cases = makeCases();
+  return cases;
+}
+
+Parameters drawParameters(Random& random, const Case& c, const Hint& hint, uint32_t variant) {
+  const auto color = [&] {
+    static const uint32_t kEdges[] = {0x555555, 0xFFFFFF, 0x336633, 0x110F05, 0x000000, 0x704214};
+    return (random.chance(50) ? random.color() : kEdges[random.word() % std::size(kEdges)]) |
+           random.word() << 24;
+  };
+  Parameters p;
+  p.top = random.chance(50) ? 0 : 0xFF000000;
+  for (uint32_t& word : p.words) word = color();
+  if (random.chance(70)) p.words[0] = hint.word ^ (random.chance(50) ? 0 : random.word() << 24);
+  p.number = c.number(random, hint);
+  p.tint.gray = color();
+  p.tint.sepia = color();
+  p.toning = {306, 601, 116, 40, 20, static_cast<uint32_t>(-30)};
+  if (random.chance(70)) {
+    for (uint32_t* part : {&p.toning.redWeight, &p.toning.greenWeight, &p.toning.blueWeight, &p.toning.red,
+                           &p.toning.green, &p.toning.blue}) {
+      const uint32_t any = random.word() >> random.between(0, 31);
+      *part = random.chance(50) ? any : 0 - any;
+    }
+  }
+  p.tables = chosen(lookups().tables, variant);
+  p.cube = chosen(lookups().cubes, variant);
+  p.wholeCube = chosen(lookups().wholeCubes, variant);
+  return p;
+}
