@@ -1,16 +1,17 @@
-# A photograph, inverted on each of the three roads that a host's pictures can take. Sourced by dev.
+# What the plug-in does to a real photograph and to real speech. Sourced by dev.
 # shellcheck shell=bash
 
 kOwnPhoto='Any picture of yours does as well: ./dev demo PHOTO'
 
-# fetchPhoto: leaves the path of the demo's photograph in `photo`; fetched once, then kept in the cache.
-fetchPhoto() {
-  photo=$cacheFolder/photos/earth.jpg
-  if [[ -f $photo ]]; then return; fi
+# fetchFile PACKAGE FILE AS: leaves a file of a Debian package in the cache's folder photos, under the name AS.
+# Fetched once, then kept; the package is not installed.
+fetchFile() {
+  local kept=$cacheFolder/photos/$3
+  if [[ -f $kept ]]; then return; fi
   [[ -n $(debianSuite) ]] ||
-    fail "The demo's photograph is in a Debian package, which can't be had here. $kOwnPhoto"
-  say "Fetching a photograph from Debian's package xplanet-images"
-  mkdir -p "${photo%/*}"
+    fail "The demo's $3 is in a Debian package, which can't be had here. $kOwnPhoto"
+  say "Fetching $3 from Debian's package $1"
+  mkdir -p "${kept%/*}"
   (
     flock 9
     work=$cacheFolder/photos/.partial
@@ -19,10 +20,35 @@ fetchPhoto() {
     mkdir "$work"
     cd "$work"
     preparePrivateApt "$kOwnPhoto"
-    quietly privateApt download xplanet-images || fail "Could not fetch it. $kOwnPhoto"
-    dpkg-deb -x xplanet-images_*.deb .
-    mv usr/share/xplanet/images/earth.jpg "$photo"
+    quietly privateApt download "$1" || fail "Could not fetch it. $kOwnPhoto"
+    dpkg-deb -x "$1"_*.deb .
+    mv "$2" "$kept"
   ) 9> "$cacheFolder/lock"
+}
+
+# fetchPhoto: leaves the path of the demo's photograph in `photo`.
+fetchPhoto() {
+  fetchFile xplanet-images usr/share/xplanet/images/earth.jpg earth.jpg
+  photo=$cacheFolder/photos/earth.jpg
+}
+
+# Somebody saying "front center", 48 kHz, 16 bits.
+fetchSpeech() {
+  fetchFile alsa-utils usr/share/sounds/alsa/Front_Center.wav speech.wav
+  speech=$cacheFolder/photos/speech.wav
+}
+
+# show FILE WORDS…: runs zvr with the words and has it write out/demo/FILE; prints how long it took and the words, but
+# for what they are used on.
+show() {
+  local file=$1 started=${EPOCHREALTIME/[.,]/} took word words=''
+  shift
+  build/release/zvr "$@" -o "out/demo/$file" > /dev/null
+  took=$(((${EPOCHREALTIME/[.,]/} - started) / 1000))
+  for word in "$@"; do
+    case $word in apply | "$photo" | "${speech:-}") ;; *) words+=" $word" ;; esac
+  done
+  printf '  %-20s %6d ms  %s\n' "$file" "$took" "$words"
 }
 
 # invertOn HOST: runs InvertZVR on `photo` in a host of that kind.
@@ -49,5 +75,18 @@ runDemo() {
   invertOn console
   if cmp -s out/demo/invert-{cairo,console}.png; then same=": the same file as cairo's, byte for byte"; fi
   printf '  %-20s %6d ms   a console picture in plain memory%s\n' invert-console.png "$took" "$same"
+  say 'Other effects, each by one method or one after another:'
+  show tint.jpg apply "$photo" TintPictureZVR @ '&c6A6A6A' '&cFFCF98'
+  show saturation.jpg apply "$photo" ChangeSaturationZVR 160
+  show contrast.jpg apply "$photo" ChangeContrastZVR 0.5 + ChangeBrightnessLinearZVR 20
+  show night.jpg apply "$photo" ChangeContrastBrightnessLinearZVR 0.2 0.2 0.4 -120 -100 -40
+  show scrolled.jpg apply "$photo" ScrollZVR 700 0 true false
+  say 'The two filter classes, one as sepia and one with a film look:'
+  show sepia.jpg run PictureSepiaZVR "$photo" SepiaRed=40 SepiaGreen=20
+  show look.jpg lut "$photo" docs/manual/looks/sunset.cube
+  if [[ -n ${speech:-} ]]; then
+    say "RenderSamplesZVR on $speech:"
+    show wave.png wave "$speech" --smooth 3 --outline 1 --auto-scale
+  fi
   say "The times are of whole runs of zvr, reading and writing the pictures included; GDK's includes starting Xvfb."
 }

@@ -31,9 +31,8 @@ Case makeCase(const char* name, Kernel* Table::*field, const Shape& shape, const
 }
 
 constexpr Shape kMap = {{4}, 4}, kTest = {{4}};
-constexpr Shape kMapInPlace[] = {{{4}, 4, false, false, true},
-                                 {{4, 4}, 4, false, false, true},
-                                 {{4, 4, 4}, 4, false, false, true}};
+constexpr Shape kMapInPlace[] = {
+    {{4}, 4, false, true}, {{4, 4}, 4, false, true}, {{4, 4, 4}, 4, false, true}};
 
 Case caseOf(const char* name, kernels::SpanMap* Table::*field) {
   return makeCase(name, field, kMapInPlace[0], [](auto kernel, const Operands& o, Parameters& p) {
@@ -41,7 +40,7 @@ Case caseOf(const char* name, kernels::SpanMap* Table::*field) {
   });
 }
 Case caseOf(const char* name, kernels::SpanMerge* Table::*field) {
-  return makeCase(name, field, {{4}, 4, true}, [](auto kernel, const Operands& o, Parameters&) {
+  return makeCase(name, field, {{4}, 4}, [](auto kernel, const Operands& o, Parameters&) {
     kernel(o.pixelsOut(), o.pixels(0), o.count);
   });
 }
@@ -74,8 +73,8 @@ int32_t threshold(Random& random, const Hint& hint) {
   return random.chance(10) ? -1 : tolerance(random, hint);
 }
 int32_t colorOf(Random& random, const Hint& hint) {
-  return static_cast<int32_t>((random.chance(80) ? hint.word & 0xFFFFFF : random.color()) |
-                              random.word() << 24);
+  return static_cast<int32_t>((random.chance(80) ? hint.word & 0xFFFFFF : random.color()) | random.word()
+                                                                                                << 24);
 }
 int32_t row(Random& random, const Hint&) {
   return random.chance(10) ? (random.chance(50) ? INT32_MIN : INT32_MAX) : random.between(-10, 26);
@@ -104,8 +103,7 @@ void countChannels(kernels::SpanHistogram* kernel, const Operands& o, Parameters
   for (size_t c = 0; c < 3; ++c) {
     for (size_t v = 0; v < 256; ++v) {
       out[c * 256 + v] = 0;
-      for (size_t lane = 0; lane < kernels::kCountingLanes; ++lane)
-        out[c * 256 + v] += channels[c][lane][v];
+      for (size_t lane = 0; lane < kernels::kCountingLanes; ++lane) out[c * 256 + v] += channels[c][lane][v];
     }
   }
 }
@@ -126,7 +124,7 @@ std::deque<Case> makeCases() {
       caseOf("sumUInt8", &Table::sumUInt8, 1),
       caseOf("sumInt16", &Table::sumInt16, 2),
       caseOf("sumUInt16", &Table::sumUInt16, 2),
-      makeCase("countChannels", &Table::countChannels, {{4}, 3 * 256 * 4, true, true}, countChannels),
+      makeCase("countChannels", &Table::countChannels, {{4}, 3 * 256 * 4, true}, countChannels),
   };
   const auto add = [&](const char* name, auto field, const Shape& shape, const auto& call) -> Case& {
     return cases.emplace_back(makeCase(name, field, shape, call));
@@ -152,12 +150,10 @@ std::deque<Case> makeCases() {
   add("areEqual", &Table::areEqual, {{4, 4}},
       [](auto f, O o, P) { return f(o.pixels(0), o.pixels(1), o.count); });
   add("markColored", &Table::markColored, {{4}, 1}, [](auto f, O o, P) { f(o.out, o.pixels(0), o.count); });
-  add("blackWhere", &Table::blackWhere, {{1}, 4}, [](auto f, O o, P p) {
-    f(o.pixelsOut(), o.in[0], o.count, static_cast<uint8_t>(p.words[0]), p.top);
-  });
-  add("replaceColor", &Table::replaceColor, kMap, [](auto f, O o, P p) {
-    f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.words[0], p.words[1]);
-  });
+  add("blackWhere", &Table::blackWhere, {{1}, 4},
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.in[0], o.count, static_cast<uint8_t>(p.words[0]), p.top); });
+  add("replaceColor", &Table::replaceColor, kMap,
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.words[0], p.words[1]); });
   add("extractColor", &Table::extractColor, kMap, [](auto f, O o, P p) {
     f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.words[0], p.words[1], p.words[2]);
   });
@@ -172,14 +168,14 @@ std::deque<Case> makeCases() {
       [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.wholeCube); });
   add("tone", &Table::tone, kMap,
       [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.toning); });
-  add("bars", &Table::bars, {{4, 4}, 4, false, false, false, true}, [](auto f, O o, P p) {
+  add("bars", &Table::bars, {{4, 4}, 4, false, false, true}, [](auto f, O o, P p) {
     f(o.pixelsOut(), o.numbers(0), o.numbers(1), o.count, p.number, p.words[0], p.words[1]);
   }).number = row;
   return cases;
 }
 
-// Lookup tables of all kinds, each at the end of its guarded memory: nothing that lies behind what may be read
-// is there.
+// Lookup tables of all kinds, each at the end of its guarded memory: nothing that lies behind what may be
+// read is there.
 class Lookups {
  public:
   Lookups() {
@@ -191,21 +187,24 @@ class Lookups {
   }
   std::vector<const kernels::ChannelTables*> tables;
   std::vector<const double*> cubes;
-  std::vector<const Pixel*> wholeCubes;
+  std::vector<const uint8_t*> wholeCubes;  // of Pixel
 
  private:
-  uint8_t* memory(size_t bytes, size_t shift) { return memory_.emplace_back(bytes + shift).last(bytes + shift); }
+  uint8_t* memory(size_t bytes, size_t shift) {
+    return memory_.emplace_back(bytes + shift).last(bytes + shift);
+  }
 
   void addTables() {
     uint8_t* bytes = memory(sizeof(kernels::ChannelTables), 0);
-    for (size_t i = 0; i < sizeof(kernels::ChannelTables); ++i) bytes[i] = static_cast<uint8_t>(random_.word());
+    for (size_t i = 0; i < sizeof(kernels::ChannelTables); ++i)
+      bytes[i] = static_cast<uint8_t>(random_.word());
     tables.push_back(reinterpret_cast<const kernels::ChannelTables*>(bytes));
   }
   // The identity; whole numbers; any numbers near the range; others with many that are hard to compute with.
   double cubeValue(size_t identity) {
-    static const double kHard[] = {std::nan(""),  HUGE_VAL, -HUGE_VAL, 1e308, -1e308, 5e-324, -0.0,
-                                   0.1,           255,      255.5,     256,   -1e-9,  4e9,    -4e9,
-                                   std::nextafter(255, 0)};
+    static const double kHard[] = {std::nan(""), HUGE_VAL, -HUGE_VAL, 1e308, -1e308,
+                                   5e-324,       -0.0,     0.1,       255,   255.5,
+                                   256,          -1e-9,    4e9,       -4e9,  std::nextafter(255, 0)};
     switch (cubes.size()) {
       case 0:
         return static_cast<double>(17 * identity);
@@ -244,7 +243,7 @@ class Lookups {
       const uint32_t identity = (i / kSide / kSide) << 16 | (i / kSide % kSide) << 8 | i % kSide;
       words[i] = wholeCubes.empty() ? identity * 17 : random_.color();
     }
-    wholeCubes.push_back(words);
+    wholeCubes.push_back(reinterpret_cast<const uint8_t*>(words));
   }
 
   Random random_{2};
@@ -261,6 +260,26 @@ const T& chosen(const std::vector<T>& from, Index index) {
   return from[static_cast<size_t>(index) % from.size()];
 }
 
+// Words to take spans from: the colours of Random, with top bytes.
+const std::vector<uint32_t>& pool() {
+  static const std::vector<uint32_t> words = [] {
+    std::vector<uint32_t> all;
+    Random random(3);
+    for (int part = 0; part < 16; ++part) {
+      for (const Rgb color : random.pixels(64, 64).colors) {
+        all.push_back(color | (part % 4 == 0 ? 0 : part % 4 == 1 ? 0xFF000000 : random.word() << 24));
+      }
+    }
+    return all;
+  }();
+  return words;
+}
+
+Bytes bytesOf(const std::vector<uint32_t>& words, size_t size) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(words.data());
+  return {bytes, bytes + size};
+}
+
 }  // namespace
 
 const std::deque<Case>& allCases() {
@@ -271,8 +290,8 @@ const std::deque<Case>& allCases() {
 Parameters drawParameters(Random& random, const Case& c, const Hint& hint, uint32_t variant) {
   const auto color = [&] {
     static const uint32_t kEdges[] = {0x555555, 0xFFFFFF, 0x336633, 0x110F05, 0x000000, 0x704214};
-    return (random.chance(50) ? random.color() : kEdges[random.word() % std::size(kEdges)]) |
-           random.word() << 24;
+    return (random.chance(50) ? random.color() : kEdges[random.word() % std::size(kEdges)]) | random.word()
+                                                                                                  << 24;
   };
   Parameters p;
   p.top = random.chance(50) ? 0 : 0xFF000000;
@@ -281,6 +300,7 @@ Parameters drawParameters(Random& random, const Case& c, const Hint& hint, uint3
   p.number = c.number(random, hint);
   p.tint.gray = color();
   p.tint.sepia = color();
+  if (variant == 0) p.tint = {0x555555, 0xFFFFFF, {}};  // very many results are near whole numbers
   p.toning = {306, 601, 116, 40, 20, static_cast<uint32_t>(-30)};
   if (random.chance(70)) {
     for (uint32_t* part : {&p.toning.redWeight, &p.toning.greenWeight, &p.toning.blueWeight, &p.toning.red,
@@ -291,6 +311,38 @@ Parameters drawParameters(Random& random, const Case& c, const Hint& hint, uint3
   }
   p.tables = chosen(lookups().tables, variant);
   p.cube = chosen(lookups().cubes, variant);
-  p.wholeCube = chosen(lookups().wholeCubes, variant);
+  p.wholeCube = reinterpret_cast<const Pixel*>(chosen(lookups().wholeCubes, variant));
   return p;
+}
+
+Bytes drawContents(Random& random, size_t size, int spread) {
+  if (size == 0) return {};
+  std::vector<uint32_t> words((size + 3) / 4);
+  const size_t start = random.word() % (pool().size() - words.size());
+  std::copy_n(pool().begin() + static_cast<ptrdiff_t>(start), words.size(), words.begin());
+  const int kind = random.between(0, 5);
+  if (kind == 0) {  // nearly gray
+    for (uint32_t& word : words) {
+      const auto gray = static_cast<int>(word % (256 - static_cast<uint32_t>(spread)));
+      word = rgb(gray + random.between(0, spread), gray + random.between(0, 1) * spread, gray) | word << 24;
+    }
+  } else if (kind <= 2) {  // one word, with any top bytes, and not at all places
+    static const uint32_t kPatterns[] = {0x80808080, 0x7F7F7F7F, 0x80008000, 0x7FFF7FFF,
+                                         0x00000000, 0xFFFFFFFF, 0xFF000000, 0x00FFFFFF};
+    const uint32_t one = random.chance(50) ? kPatterns[random.word() % std::size(kPatterns)] : words[0];
+    const uint32_t differing = kind == 1 ? 0 : 0xFF000000;
+    for (uint32_t& word : words) word = one ^ (word & differing);
+    for (int odd = random.between(0, 2); odd > 0; --odd)
+      words[random.word() % words.size()] ^= 1U << random.between(0, 31);
+  }
+  return bytesOf(words, size);
+}
+
+Bytes drawNumbers(Random& random, size_t size) {
+  std::vector<uint32_t> words(size / 4);
+  for (uint32_t& word : words) {
+    word = static_cast<uint32_t>(random.between(-10, 26));
+    if (random.chance(10)) word = random.chance(50) ? 0x80000000 : 0x7FFFFFFF;
+  }
+  return bytesOf(words, size);
 }

@@ -4,7 +4,10 @@
 #include <sys/mman.h>
 
 #include <deque>
+#include <functional>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "kernels/kernels.h"
 #include "tests/support.h"
@@ -56,9 +59,8 @@ struct Operands {
 // Sizes are in bytes an element; 0: there is no such operand.
 struct Shape {
   size_t in[3] = {}, out = 0;
-  bool readsOut = false;
-  bool outIsWhole = false;  // `out` is a number of bytes however many elements there are
-  bool outMayBeIn = false;  // and the inputs one another
+  bool outIsWhole = false;   // `out` is a number of bytes however many elements there are
+  bool outMayBeIn = false;   // and the inputs one another
   bool inIsNumbers = false;  // 32-bit numbers, aligned as such
 };
 
@@ -85,3 +87,10 @@ const std::deque<Case>& allCases();
 
 // Parameters of all kinds; `variant` chooses among lookup tables, the first of which are the tamest.
 Parameters drawParameters(Random& random, const Case& c, const Hint& hint, uint32_t variant);
+
+// Contents of an operand, whatever its elements are.
+using Bytes = std::vector<uint8_t>;
+// Runs, few words, nearly gray words whose channels differ by up to `spread`.
+Bytes drawContents(Random& random, size_t size, int spread);
+// Small 32-bit numbers, with extremes among them.
+Bytes drawNumbers(Random& random, size_t size);

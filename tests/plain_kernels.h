@@ -29,7 +29,7 @@ void write(Pixel* out, size_t count, uint32_t top, const Color& color) {
 template <typename Passes>
 size_t countOf(size_t count, const Passes& passes) {
   size_t passed = 0;
-  for (size_t i = 0; i < count; ++i) passed += passes(i) ? 1 : 0;
+  for (size_t i = 0; i < count; ++i) passed += passes(i) ? 1U : 0U;
   return passed;
 }
 
@@ -167,25 +167,29 @@ inline void tint(Pixel* out, const Pixel* in, size_t count, uint32_t top, kernel
 }
 
 // Of a table that entry(r, g, b, channel) reads. From the lower corner the way leads along the axis of the
-// largest share first; of equal shares blue goes before green and green before red, which shows only in
-// entries that are infinite or no numbers.
+// largest share first. Of equal shares the smallest step in the table goes first, beginning with those that
+// are none; that shows only where entries are infinite or no numbers.
 template <typename Entry>
 Rgb tetrahedral(uint32_t pixel, const Entry& entry) {
   const int values[3] = {red(pixel), green(pixel), blue(pixel)};
-  int corner[3], share[3], axes[3] = {2, 1, 0};
+  int corner[3], share[3], step[3], axes[3] = {0, 1, 2};
   for (int a = 0; a < 3; ++a) {
     corner[a] = values[a] / 17;
     share[a] = values[a] % 17;
+    step[a] = corner[a] == 15 ? 0 : 3 - a;
   }
+  const auto isBefore = [&](int a, int b) {
+    return share[a] != share[b] ? share[a] > share[b] : step[a] < step[b];
+  };
   for (const int left : {0, 1, 0}) {
-    if (share[axes[left]] < share[axes[left + 1]]) std::swap(axes[left], axes[left + 1]);
+    if (isBefore(axes[left + 1], axes[left])) std::swap(axes[left], axes[left + 1]);
   }
   double sums[3];
   const double first = 17 - share[axes[0]];
   for (int x = 0; x < 3; ++x) sums[x] = first * entry(corner[0], corner[1], corner[2], x);
-  for (int step = 0; step < 3; ++step) {
-    corner[axes[step]] = std::min(corner[axes[step]] + 1, 15);
-    const double weight = share[axes[step]] - (step < 2 ? share[axes[step + 1]] : 0);
+  for (int i = 0; i < 3; ++i) {
+    corner[axes[i]] = std::min(corner[axes[i]] + 1, 15);
+    const double weight = share[axes[i]] - (i < 2 ? share[axes[i + 1]] : 0);
     for (int x = 0; x < 3; ++x) sums[x] += weight * entry(corner[0], corner[1], corner[2], x);
   }
   const auto limited = [](double v) { return v >= 255 ? 255 : v > 0 ? static_cast<int>(v) : 0; };

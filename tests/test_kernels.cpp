@@ -6,6 +6,7 @@
 
 #include <iomanip>
 #include <iostream>
+#include <map>
 #include <optional>
 #include <set>
 #include <sstream>
@@ -23,70 +24,16 @@ std::vector<const Table*> supportedTables() {
   return {tables.table, tables.table + tables.count};
 }
 
-// Words to take spans from: the colours of Random, with top bytes.
-const std::vector<uint32_t>& pool() {
-  static const std::vector<uint32_t> words = [] {
-    std::vector<uint32_t> all;
-    Random random(3);
-    for (int part = 0; part < 16; ++part) {
-      for (const Rgb color : random.pixels(64, 64).colors) {
-        all.push_back(color | (part % 4 == 0 ? 0 : part % 4 == 1 ? 0xFF000000 : random.word() << 24));
-      }
-    }
-    return all;
-  }();
-  return words;
-}
-
-// Contents of an operand, whatever its elements are.
-using Bytes = std::vector<uint8_t>;
-
-Bytes bytesOf(const std::vector<uint32_t>& words, size_t size) {
-  Bytes bytes(size);
-  if (size > 0) memcpy(bytes.data(), words.data(), size);
-  return bytes;
-}
-
-Bytes drawContents(Random& random, size_t size, int spread) {
-  std::vector<uint32_t> words((size + 3) / 4);
-  const size_t start = random.word() % (pool().size() - words.size());
-  std::copy_n(pool().begin() + static_cast<ptrdiff_t>(start), words.size(), words.begin());
-  const int kind = random.between(0, 5);
-  if (kind == 0) {  // nearly gray
-    for (uint32_t& word : words) {
-      const auto gray = static_cast<int>(word % (256 - static_cast<uint32_t>(spread)));
-      word = rgb(gray + random.between(0, spread), gray + random.between(0, 1) * spread, gray) | word << 24;
-    }
-  } else if (kind <= 2) {  // one word, with any top bytes, and not at all places
-    static const uint32_t kPatterns[] = {0x80808080, 0x7F7F7F7F, 0x80008000, 0x7FFF7FFF,
-                                         0x00000000, 0xFFFFFFFF, 0xFF000000, 0x00FFFFFF};
-    const uint32_t one = random.chance(50) ? kPatterns[random.word() % std::size(kPatterns)] : words[0];
-    const uint32_t differing = kind == 1 ? 0 : 0xFF000000;
-    for (uint32_t& word : words) word = one ^ (word & differing);
-    for (int odd = random.between(0, 2); odd > 0; --odd) words[random.word() % words.size()] ^= 1U << random.between(0, 31);
-  }
-  return bytesOf(words, size);
-}
-
-// Small numbers, with extremes among them.
-Bytes drawNumbers(Random& random, size_t size) {
-  std::vector<uint32_t> words(size / 4);
-  for (uint32_t& word : words) {
-    word = static_cast<uint32_t>(random.between(-10, 26));
-    if (random.chance(10)) word = random.chance(50) ? 0x80000000 : 0x7FFFFFFF;
-  }
-  return bytesOf(words, size);
-}
-
 // The same as an earlier operand but for top bytes and, perhaps, one bit.
 Bytes nearly(Random& random, Bytes bytes) {
   for (size_t i = 3; i < bytes.size(); i += 4) bytes[i] = static_cast<uint8_t>(i * 37);
-  if (random.chance(50)) bytes[random.word() % bytes.size()] ^= static_cast<uint8_t>(1 << random.between(0, 7));
+  if (random.chance(50))
+    bytes[random.word() % bytes.size()] ^= static_cast<uint8_t>(1 << random.between(0, 7));
   return bytes;
 }
 
-// Where operands lie: at addresses of this remainder modulo 64, else at the very edge; near the no-access page
-// behind, or before.
+// Where operands lie: at addresses of this remainder modulo 64, else at the very edge; near the no-access
+// page behind, or before.
 struct Place {
   std::optional<size_t> remainder;
   bool atEnd;
@@ -131,9 +78,23 @@ struct Running {
 
 void reportFault(int signal) {
   char text[200];
-  const int length = snprintf(text, sizeof text, "signal %d in %s %s: length %u, in at %u, out at %u (modulo 64)\n",
-                              signal, running.table, running.name, running.count, running.in, running.out);
+  const int length =
+      snprintf(text, sizeof text, "signal %d in %s %s: length %u, in at %u, out at %u (modulo 64)\n", signal,
+               running.table, running.name, running.count, running.in, running.out);
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, static_cast<size_t>(length));
+}
+
+std::string describe(const Table& table, const Case& c, const Parameters& p) {
+  std::ostringstream text;
+  text << table.name << ' ' << c.name << " with number " << p.number << std::hex << ", top " << p.top
+       << ", words";
+  for (const uint32_t word : p.words) text << ' ' << word;
+  text << ", tint " << p.tint.gray << ' ' << p.tint.sepia << ", toning";
+  const kernels::Toning& t = p.toning;
+  for (uint32_t part : {t.redWeight, t.greenWeight, t.blueWeight, t.red, t.green, t.blue})
+    text << ' ' << part;
+  text << '\n';
+  return text.str();
 }
 
 // A kernel against its definition.
@@ -141,42 +102,313 @@ class Duel {
  public:
   Duel(const Table& table, const Case& c, uint32_t seed) : table_(table), case_(c), random_(seed) {}
 
-  // One call with drawn contents and parameters, or one for each part of spans that are cut at random. False
-  // after a failure.
+  // One call with drawn contents and parameters; or, `cut`, one for each part of spans that are cut at
+  // random, of which the results are not looked at. False after a failure.
   bool run(size_t count, const Place& in, const Place& out, bool cut = false) {
-    count_ = count;
-    layOperands(in, out);
-    Parameters expected = drawParameters(random_, case_, hint_, random_.word()), got = expected;
+    layOperands(count, in, out);
+    const Hint hint = {spread_, wordOf(0, count > 0 ? random_.word() % count : 0)};
+    Parameters expected = drawParameters(random_, case_, hint, random_.word()), got = expected;
     const uint64_t right = case_.run(plain::kTable, definitions_, expected);
     running = {table_.name, case_.name.c_str(), count, remainder(kernels_.in[0]), remainder(kernels_.out)};
-    const uint64_t result = cut ? runCut(got) : case_.run(table_, kernels_, got);
-    return (cut || isSame(result, right, got)) && areSame(got);
+    const uint64_t result = cut ? runParts(got), right : case_.run(table_, kernels_, got);
+    if (result != right) {
+      ADD_FAILURE() << describe(table_, case_, got) << where() << std::hex << "got " << result
+                    << ", expected " << right << inputs();
+    }
+    return result == right && areSame(got);
   }
 
  private:
   static unsigned remainder(const uint8_t* at) { return reinterpret_cast<uintptr_t>(at) % 64; }
+  size_t outSize(size_t count) const { return case_.shape.out * (case_.shape.outIsWhole ? 1 : count); }
 
-  void layOperands(const Place& in, const Place& out) {
-    const Shape& shape = case_.shape;
+  void layOperands(size_t count, const Place& in, const Place& out) {
     static const int kSpreads[] = {0, 1, 2, 5, 29, 30, 127, 254, 255};
-    hint_ = {kSpreads[random_.word() % std::size(kSpreads)], 0};
-    kernels_ = definitions_ = {nullptr, {}, count_};
-    size_t source[3] = {0, 1, 2};  // may be one another
-    if (shape.outMayBeIn && random_.chance(20)) source[1] = source[random_.word() % 3];
-    if (shape.outMayBeIn && random_.chance(20)) source[2] = source[random_.word() % 2];
-    for (size_t k = 0; k < 3 && shape.in[k] > 0; ++k) layInput(k, source[k], in);
-    if (shape.out == 0) return;
-    if (shape.outMayBeIn && random_.chance(30)) {
-      const size_t k = random_.word() % (shape.in[2] ? 3 : shape.in[1] ? 2 : 1);
-      kernels_.out = const_cast<uint8_t*>(kernels_.in[k]);
-      definitions_.out = const_cast<uint8_t*>(definitions_.in[k]);
-      return;
+    spread_ = kSpreads[random_.word() % std::size(kSpreads)];
+    const Shape& shape = case_.shape;
+    kernels_ = definitions_ = {nullptr, {}, count};
+    out_ = 3;
+    for (size_t k = 0; k < 3 && shape.in[k] > 0; ++k) {
+      size_t place = k;
+      if (k > 0 && shape.outMayBeIn && random_.chance(20)) {
+        place = random_.word() % k;
+      } else {
+        layInput(k, count, in);
+      }
+      contents_[k] = contents_[place];
+      kernels_.in[k] = place == k ? operands_[k].kernels() : kernels_.in[place];
+      definitions_.in[k] = place == k ? operands_[k].definitions() : definitions_.in[place];
+      if (shape.outMayBeIn && place == k && random_.chance(20)) out_ = k;
     }
-    operands_[3].lay(out, drawContents(random_, shape.out * (shape.outIsWhole ? 1 : count_), hint_.spread),
-                     false);
-    kernels_.out = operands_[3].kernels();
-    definitions_.out = operands_[3].definitions();
+    if (shape.out == 0) return;
+    if (out_ == 3) operands_[3].lay(out, drawContents(random_, outSize(count), spread_), false);
+    kernels_.out = operands_[out_].kernels();
+    definitions_.out = operands_[out_].definitions();
   }
+
+  void layInput(size_t k, size_t count, Place place) {
+    const size_t size = case_.shape.in[k] * count;
+    contents_[k] = case_.shape.inIsNumbers                   ? drawNumbers(random_, size)
+                   : k > 0 && size > 0 && random_.chance(50) ? nearly(random_, contents_[0])
+                                                             : drawContents(random_, size, spread_);
+    if (place.remainder) place.remainder = (*place.remainder + 23 * k) % 64;
+    operands_[k].lay(place, contents_[k], case_.shape.inIsNumbers);
+  }
+
+  void runParts(Parameters& parameters) {
+    Operands part = kernels_;
+    for (size_t left = kernels_.count; left > 0; left -= part.count) {
+      part.count = 1 + random_.word() % std::min<size_t>(left, 90);
+      case_.run(table_, part, parameters);
+      for (size_t k = 0; k < 3 && part.in[k]; ++k) part.in[k] += part.count * case_.shape.in[k];
+      if (!case_.shape.outIsWhole) part.out += part.count * case_.shape.out;
+    }
+  }
+
+  bool areSame(const Parameters& parameters) const {
+    for (size_t k = 0; k < 4; ++k) {
+      const std::optional<ptrdiff_t> offset = operands_[k].difference();
+      if (!offset) continue;
+      const bool isInside =
+          k == out_ && *offset >= 0 && *offset < static_cast<ptrdiff_t>(outSize(kernels_.count));
+      if (!isInside) {
+        ADD_FAILURE() << describe(table_, case_, parameters) << where() << "wrote outside: at byte "
+                      << *offset << " of " << (k == out_ ? "out" : "an input");
+        return false;
+      }
+      const size_t element = case_.shape.outIsWhole ? 4 : case_.shape.out;
+      const size_t index = static_cast<size_t>(*offset) / element;
+      std::ostringstream text;
+      text << describe(table_, case_, parameters) << where() << "index " << index << std::hex << ": got "
+           << number(kernels_.out + index * element, element) << ", expected "
+           << number(definitions_.out + index * element, element);
+      for (size_t j = 0; j < 3 && kernels_.in[j] && !case_.shape.outIsWhole; ++j)
+        text << ", from " << wordOf(j, index);
+      ADD_FAILURE() << text.str();
+      return false;
+    }
+    return true;
+  }
+
+  static uint32_t number(const uint8_t* at, size_t size) {
+    uint32_t value = 0;
+    memcpy(&value, at, size);
+    return value;
+  }
+  // An element of an input as it was; 0 when there is none.
+  uint32_t wordOf(size_t k, size_t index) const {
+    const size_t size = case_.shape.in[k];
+    return kernels_.count > 0 && size > 0 ? number(&contents_[k][index * size], size) : 0;
+  }
+
+  std::string where() const {
+    std::ostringstream text;
+    text << "length " << kernels_.count << ", in at " << running.in << ", out at " << running.out
+         << (out_ < 3 ? " (in place)" : "") << " modulo 64, ";
+    return text.str();
+  }
+  // The elements of the inputs.
+  std::string inputs() const {
+    std::ostringstream text;
+    text << std::hex;
+    for (size_t k = 0; k < 3 && kernels_.in[k]; ++k) {
+      text << "\ninput " << k << ':';
+      for (size_t i = 0; i < kernels_.count; ++i) text << ' ' << wordOf(k, i);
+    }
+    return text.str();
+  }
+
+  const Table& table_;
+  const Case& case_;
+  Random random_;
+  int spread_ = 0;
+  Bytes contents_[3];
+  Operand operands_[4];  // inputs and out
+  size_t out_ = 3;       // which of them is written
+  Operands kernels_ = {}, definitions_ = {};
 };
+
+// A kernel of an instruction set.
+class Kernel : public ::testing::TestWithParam<std::tuple<const Table*, const Case*>> {
+ protected:
+  static void SetUpTestSuite() {
+    for (int fault : {SIGSEGV, SIGBUS, SIGILL}) {
+      struct sigaction action = {};
+      action.sa_handler = reportFault;
+      action.sa_flags = static_cast<int>(SA_RESETHAND);  // and on to what would have happened
+      sigaction(fault, &action, nullptr);
+    }
+  }
+  Duel duel{*std::get<0>(GetParam()), *std::get<1>(GetParam()), 4};
+};
+
+std::vector<size_t> lengths() {
+  std::vector<size_t> all = {255, 256, 257, 510, 511, 512, 513, 514, 1000, 1001, 1003, 1023, 1025};
+  for (size_t length = 0; length <= 200; ++length) all.push_back(length);
+  return all;
+}
+
+TEST_P(Kernel, AgreesWithItsDefinitionAtAllLengthsAndAlignments) {
+  Random random(5);
+  for (const size_t length : lengths()) {
+    for (const bool atEnd : {false, true}) ASSERT_TRUE(duel.run(length, {{}, atEnd}, {{}, atEnd}));
+    // Over the lengths each pair of alignments comes.
+    for (size_t remainder = 0; remainder < 64; ++remainder) {
+      ASSERT_TRUE(duel.run(length, {remainder, random.chance(50)},
+                           {(remainder + 29 * length) % 64, random.chance(50)}));
+    }
+  }
+}
+
+// Kernels that write; what the others answer for parts follows from their agreement at all lengths.
+class WritingKernel : public Kernel {};
+
+TEST_P(WritingKernel, ResultsDontDependOnHowARowIsCut) {
+  Random random(6);
+  for (int i = 0; i < 200; ++i) {
+    const auto length = static_cast<size_t>(random.between(2, 1000));
+    ASSERT_TRUE(duel.run(length, {random.word() % 64, true}, {random.word() % 64, true}, true));
+  }
+}
+
+template <typename Passes>
+std::vector<const Case*> casesWhere(const Passes& passes) {
+  std::vector<const Case*> all;
+  for (const Case& c : allCases()) {
+    if (passes(c.shape)) all.push_back(&c);
+  }
+  return all;
+}
+
+template <typename Passes>
+auto onAllSets(const Passes& passes) {
+  return ::testing::Combine(::testing::ValuesIn(supportedTables()), ::testing::ValuesIn(casesWhere(passes)));
+}
+
+const auto kSetAndName = [](const auto& parameter) {
+  return std::string(std::get<0>(parameter.param)->name) + "_" + std::get<1>(parameter.param)->name;
+};
+
+INSTANTIATE_TEST_SUITE_P(Sets, Kernel, onAllSets([](const Shape&) { return true; }), kSetAndName);
+INSTANTIATE_TEST_SUITE_P(Sets, WritingKernel, onAllSets([](const Shape& s) { return s.out > 0; }),
+                         kSetAndName);
+
+TEST(Kernels, AllAreTestedOnAllSetsOfThisProcessor) {
+  std::set<size_t> slots;
+  for (const Case& c : allCases()) slots.insert(c.slot);
+  // Behind the name there are kernels alone.
+  for (size_t slot = 1; slot < sizeof(Table) / sizeof(void*); ++slot) {
+    EXPECT_EQ(slots.count(slot), 1u) << "no case for kernel " << slot << " of kernels::Table";
+  }
+  std::ostringstream names;
+  for (const Table* table : supportedTables()) names << ' ' << table->name;
+  std::cout << "instruction sets:" << names.str() << '\n';
+  EXPECT_EQ(names.str().rfind(" sse2", 0), 0u) << names.str();
+  EXPECT_EQ(kernels::best().name, supportedTables().back()->name);
+}
+
+// A kernel that takes a span of words, on every colour.
+class AllColors : public ::testing::TestWithParam<const Case*> {
+ protected:
+  // In spans of that length.
+  void compare(uint32_t span, uint32_t variant) {
+    const Case& c = *GetParam();
+    Random random(variant);
+    const Parameters drawn = drawParameters(random, c, {30, random.color()}, variant);
+    std::vector<Parameters> parameters(1 + sets_.size(), drawn);  // kept from span to span
+    std::vector<uint32_t> in(span);
+    const Bytes fresh(c.shape.out * (c.shape.outIsWhole ? 1 : span), 0x5A);
+    Bytes expected, got;
+    const auto run = [&](const Table& table, Bytes& out, Parameters& p) {
+      out = fresh;
+      return c.run(table, {out.data(), {reinterpret_cast<const uint8_t*>(in.data())}, span}, p);
+    };
+    for (uint32_t first = 0; first < 1U << 24; first += span) {
+      for (uint32_t i = 0; i < span; ++i) in[i] = (first + i) | (first + i) * 77 << 24;
+      const uint64_t right = run(plain::kTable, expected, parameters[0]);
+      for (size_t s = 0; s < sets_.size(); ++s) {
+        const uint64_t result = run(*sets_[s], got, parameters[1 + s]);
+        ASSERT_TRUE(result == right && got == expected) << difference(*sets_[s], first, expected, got, drawn);
+      }
+    }
+  }
+
+ private:
+  std::string difference(const Table& table, uint32_t first, const Bytes& expected, const Bytes& got,
+                         const Parameters& p) const {
+    const auto at = std::mismatch(expected.begin(), expected.end(), got.begin()).first - expected.begin();
+    std::ostringstream text;
+    text << describe(table, *GetParam(), p) << "colours from " << std::hex << first
+         << ": other results from byte " << std::dec << at << " on";
+    return text.str();
+  }
+
+  const std::vector<const Table*> sets_ = supportedTables();
+};
+
+TEST_P(AllColors, AgreeWithTheirDefinitions) {
+  for (const uint32_t variant : {0u, 3u}) ASSERT_NO_FATAL_FAILURE(compare(4096, variant));
+  // One result for many says little of each.
+  if (GetParam()->shape.out == 0) compare(1, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kernels, AllColors, ::testing::ValuesIn(casesWhere([](const Shape& s) {
+                           return s.in[0] == 4 && !s.in[1];
+                         })),
+                         [](const auto& parameter) { return parameter.param->name; });
+
+// For each distance of red from gray that there is, the darkest and the lightest pixel: between them they
+// show all results that are not clamped. And any pixels.
+std::vector<uint32_t> pixelsOfAllDistances() {
+  std::map<int, std::pair<Rgb, Rgb>> byDistance;
+  const auto lightness = [](Rgb p) { return (red(p) + 2 * green(p) + blue(p)) / 4; };
+  for (int i = 0; i < 256 * 256 * 2; ++i) {
+    const Rgb pixel = rgb(i & 255, i >> 8 & 255, (i >> 16) * 255);
+    auto& [dark, light] = byDistance.try_emplace(red(pixel) - lightness(pixel), pixel, pixel).first->second;
+    if (lightness(pixel) < lightness(dark)) dark = pixel;
+    if (lightness(pixel) > lightness(light)) light = pixel;
+  }
+  std::vector<uint32_t> pixels;
+  for (const auto& [distance, ends] : byDistance) pixels.insert(pixels.end(), {ends.first, ends.second});
+  Random random(7);
+  for (int i = 0; i < 500; ++i) pixels.push_back(random.word());
+  return pixels;
+}
+
+// Factors for which the kernel may calculate otherwise than for huge ones, and some beyond.
+TEST(Kernels, SaturationByEveryModerateFactor) {
+  const std::vector<uint32_t> in = pixelsOfAllDistances();
+  std::vector<uint32_t> expected(in.size()), got(in.size());
+  for (int32_t factor = -0x8100; factor <= 0x8100; ++factor) {
+    plain::saturate(expected.data(), in.data(), in.size(), 0, factor);
+    for (const Table* table : supportedTables()) {
+      table->saturate(got.data(), in.data(), in.size(), 0, factor);
+      const auto [right, wrong] = std::mismatch(expected.begin(), expected.end(), got.begin());
+      ASSERT_TRUE(right == expected.end()) << table->name << ", factor " << factor << std::hex << ", pixel "
+                                           << in[static_cast<size_t>(right - expected.begin())] << ": got "
+                                           << *wrong << ", expected " << *right;
+    }
+  }
+}
+
+// So many of the largest samples that their sums wrap.
+TEST(Kernels, SampleSumsWrapAt32Bits) {
+  constexpr size_t kCount = (size_t{1} << 25) + 77;
+  for (const int byte : {0x80, 0x7F, 0x00, 0xFF}) {
+    const Bytes samples(kCount, static_cast<uint8_t>(byte));
+    for (const auto& [sum, size] : {std::pair(&Table::sumInt8, 1),
+                                    {&Table::sumUInt8, 1},
+                                    {&Table::sumInt16, 2},
+                                    {&Table::sumUInt16, 2}}) {
+      const size_t count = kCount / static_cast<size_t>(size);
+      const kernels::Excursions expected = (plain::kTable.*sum)(samples.data(), count);
+      for (const Table* table : supportedTables()) {
+        const kernels::Excursions got = (table->*sum)(samples.data(), count);
+        EXPECT_EQ(got.negative, expected.negative) << table->name << ", bytes " << byte << ", size " << size;
+        EXPECT_EQ(got.positive, expected.positive) << table->name << ", bytes " << byte << ", size " << size;
+      }
+    }
+  }
+}
 
 }  // namespace

@@ -1,91 +1,18 @@
-// zvr as its users meet it: run as a child process on real files. ZVR_PROGRAM is the path of the built
-// program.
+// zvr as its users meet it: its words, its files and its messages.
 
-#include <gtest/gtest.h>
+#include <cstdio>  // which jpeglib.h needs before it
+
 #include <jpeglib.h>
-#include <png.h>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <cstdio>
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
+
+#include "tests/zvr_program.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-using Bytes = std::vector<uint8_t>;
-
-struct Finished {
-  int status = -1;
-  std::string output, errors;
-};
-
-Bytes readBytes(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-void writeBytes(const fs::path& path, const Bytes& bytes) {
-  std::ofstream(path, std::ios::binary)
-      .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-}
-
-// A small picture as bytes red, green, blue and opacity.
-struct Pixels {
-  unsigned width = 0, height = 0;
-  bool hasAlpha = false;
-  Bytes bytes;
-  bool operator==(const Pixels& o) const {
-    return width == o.width && height == o.height && hasAlpha == o.hasAlpha && bytes == o.bytes;
-  }
-};
-
-Pixels pattern(unsigned width, unsigned height, bool hasAlpha) {
-  Pixels pixels{width, height, hasAlpha, {}};
-  for (unsigned i = 0; i < width * height; ++i) {
-    for (const unsigned value : {i * 7, i * 13 + 5, i * 3 + 90}) pixels.bytes.push_back(value & 0xFF);
-    pixels.bytes.push_back(hasAlpha && i % 2 ? 0 : 255);
-  }
-  return pixels;
-}
-Pixels inverted(Pixels pixels) {
-  for (size_t i = 0; i < pixels.bytes.size(); ++i) {
-    if (i % 4 != 3) pixels.bytes[i] = static_cast<uint8_t>(255 - pixels.bytes[i]);
-  }
-  return pixels;
-}
-
-void writePng(const fs::path& path, const Pixels& pixels, png_uint_32 format = PNG_FORMAT_RGBA) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = pixels.width;
-  image.height = pixels.height;
-  image.format = format;
-  Bytes samples;
-  for (size_t i = 0; i < pixels.bytes.size(); ++i) {
-    const bool isKept = format == PNG_FORMAT_RGBA || (format == PNG_FORMAT_RGB ? i % 4 != 3 : i % 4 == 0);
-    if (isKept) samples.push_back(pixels.bytes[i]);
-  }
-  ASSERT_TRUE(png_image_write_to_file(&image, path.c_str(), 0, samples.data(), 0, nullptr)) << image.message;
-}
-
-Pixels readPng(const fs::path& path) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (!png_image_begin_read_from_file(&image, path.c_str())) {
-    ADD_FAILURE() << path << ": " << image.message;
-    return {};
-  }
-  Pixels pixels{image.width, image.height, (image.format & PNG_FORMAT_FLAG_ALPHA) != 0, {}};
-  image.format = PNG_FORMAT_RGBA;
-  pixels.bytes.resize(PNG_IMAGE_SIZE(image));
-  png_image_finish_read(&image, nullptr, pixels.bytes.data(), 0, nullptr);
-  return pixels;
-}
+using namespace zvr_test;
 
 // A flat JPEG of one to four components.
 void writeJpeg(const fs::path& path, int components) {
@@ -112,46 +39,6 @@ void writeJpeg(const fs::path& path, int components) {
   jpeg_destroy_compress(&encoder);
   writeBytes(path, Bytes(memory, memory + size));
   std::free(memory);
-}
-
-class Zvr : public testing::Test {
- protected:
-  void SetUp() override {
-    std::string name = (fs::temp_directory_path() / "zvr-test-XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
-    rgb_ = pattern(23, 9, false);
-    writePng(folder_ / "photo.png", rgb_, PNG_FORMAT_RGB);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  // Runs zvr in the test's folder; words are single-quoted for the shell.
-  Finished run(const std::vector<std::string>& words, const std::string& before = {}) {
-    std::string line = "cd '" + folder_.string() + "' && " + before + " '" ZVR_PROGRAM "'";
-    for (const std::string& word : words) line += " '" + word + "'";
-    line += " >'" + folder_.string() + ".out' 2>'" + folder_.string() + ".err'";
-    const int status = std::system(line.c_str());
-    const Bytes output = readBytes(folder_.string() + ".out"), errors = readBytes(folder_.string() + ".err");
-    fs::remove(folder_.string() + ".out");
-    fs::remove(folder_.string() + ".err");
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-            {output.begin(), output.end()},
-            {errors.begin(), errors.end()}};
-  }
-
-  std::vector<std::string> filesIn(const fs::path& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename());
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-
-  fs::path folder_;
-  Pixels rgb_;
-};
-
-bool contains(const std::string& text, const std::string& part) {
-  return text.find(part) != std::string::npos;
 }
 
 TEST_F(Zvr, invertsOnDesktopAndConsole) {
@@ -308,6 +195,20 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{{"apply", "photo.png", "InvertZVR", "--bogus"}, "--bogus"},
         Refused{{"apply", "photo.png", "InvertZVR", "-o"}, "-o"},
         Refused{{"apply", "photo.png", "InvertZVR", "--quality", "101"}, "--quality"},
+        Refused{{"apply", "photo.png", "CountColorsZVR", "--in", "rot=x"}, "there are red, blue, green"},
+        Refused{{"apply", "photo.png", "CountColorsZVR", "--out", "count=x"}, "there are red, blue, green"},
+        Refused{{"apply", "photo.png", "InvertZVR", "--out", "red=x"}, "no argument takes a file"},
+        Refused{{"apply", "photo.png", "CountColorsZVR", "--out", "red"}, "not of the form NAME=PATH"},
+        Refused{{"apply", "photo.png", "CountColorsZVR", "--in", "red=a", "--in", "Red=b"}, "given twice"},
+        Refused{{"apply", "photo.png", "CountColorsZVR", "--out", "red=a", "--out", "blue=a"},
+                "--out red and --out blue would both"},
+        Refused{{"apply", "photo.png", "CountColorsZVR", "+", "TransformColorsZVR", "--in", "red=a"},
+                "write METHOD.red"},
+        Refused{{"apply", "photo.png", "CountColorsZVR", "nil"}, "a byref argument takes no word"},
+        Refused{{"apply", "photo.png", "PicturetoBinaryStringZVR", "+", "InvertZVR"}, "no picture but bytes"},
+        Refused{{"apply", "photo.png", "InvertZVR", "+", "BinaryStringtoPictureZVR"}, "@ is a picture"},
+        Refused{{"apply", "photo.png", "InvertZVR", "=", "photo.png"}, "can't be assigned to"},
+        Refused{{"apply", "photo.png", "EmbeddedMaskZVR", "true", "="}, "expected one value after ="},
         Refused{{"list", "--host", "other"}, "--host"},
         Refused{{"list", "--host-version", "2013x"}, "'2013x' is not a version"}));
 
@@ -322,18 +223,6 @@ TEST_F(Zvr, listsWhatTheHostWasTold) {
   EXPECT_TRUE(contains(old.output, "  - InvertZVR ")) << old.output;
   std::istringstream lines(now.output);
   for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 100U) << line;
-}
-
-TEST_F(Zvr, showsExamplesThatRun) {
-  const Finished shown = run({"show", "INVERTzvr", "--color", "always"}, "NO_COLOR=1");
-  EXPECT_TRUE(contains(shown.output, "\x1b["));
-  const Finished plain = run({"show", "INVERTzvr"});
-  EXPECT_TRUE(contains(plain.output, "photo.InvertZVR(20, 20, 20, 20)")) << plain.output;
-  const size_t start = plain.output.find("zvr apply ");
-  ASSERT_NE(start, std::string::npos);
-  std::istringstream line(plain.output.substr(start + 4, plain.output.find('\n', start) - start - 4));
-  EXPECT_EQ(run({std::istream_iterator<std::string>(line), {}}).status, 0);
-  EXPECT_TRUE(fs::exists(folder_ / "out.png"));
 }
 
 TEST_F(Zvr, saysWhatIsMissing) {

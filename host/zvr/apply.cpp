@@ -100,9 +100,9 @@ constexpr const char* kNotes =
     "./NAME. Methods of Picture run on the current picture: the input, later what the step before answered.\n"
     "\n"
     "Arguments of type Picture, MemoryBlock and String are file names, nil, or @: what the step before\n"
-    "answered, or the input. A global method with one such argument takes @ when it is left out. --in\n"
-    "NAME=PATH gives a file to the argument of that name, which then takes no word (METHOD.NAME=PATH where\n"
-    "several steps have one).\n"
+    "answered, or the input. A global method whose only argument is one takes @ when it is left out.\n"
+    "--in NAME=PATH gives a file to the argument of that name, which then takes no word (METHOD.NAME=PATH\n"
+    "where several steps have one).\n"
     "\n"
     "Arguments by reference take no word: they are printed after the call, as are numbers and booleans that "
     "a\n"
@@ -144,8 +144,8 @@ void addApply(CLI::App& program, const Options& options, Run& run) {
   command->add_option("INPUT... METHOD [ARGUMENT]", own->words)->required()->option_text(" ");
   command->add_option(
       "-o,--output", own->output,
-      "File, folder, or pattern with {name}, {ext} and {n}; without it NAME-METHOD.png (.bin for a String) "
-      "beside the input");
+      "File, folder, or pattern with {name}, {ext} and {n}; without it NAME-METHOD.png\nbeside the "
+      "input (.bin for a String)");
   addFileOption(*command, "--in", own->ins,
                 "A file for a Picture, MemoryBlock or String argument, by its name");
   addFileOption(*command, "--out", own->outs, "Where a MemoryBlock by reference goes; PATH as for -o");

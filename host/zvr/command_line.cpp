@@ -25,6 +25,14 @@ const CLI::App* findCommand(const CLI::App& program, const std::string& name) {
   return nullptr;
 }
 
+[[noreturn]] void refuseCommand(const CLI::App& program, const std::string& name) {
+  std::string names;
+  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+    names += (names.empty() ? "" : ", ") + command->get_name();
+  }
+  throw UsageError("no subcommand '" + name + "'; there are " + names);
+}
+
 // Does the next word belong to this option?
 bool takesNextWord(const CLI::App& program, const CLI::App* command, const std::string& word) {
   const bool isShort = word[1] != '-';
@@ -51,7 +59,7 @@ std::vector<std::string> sortWords(const CLI::App& program, const std::vector<st
       sorted.push_back(words[++i]);
     } else if (!command) {
       command = findCommand(program, words[i]);
-      if (!command) throw UsageError("no subcommand '" + words[i] + "'; see `zvr --help`");
+      if (!command) refuseCommand(program, words[i]);
       sorted.push_back(words[i]);
     } else {
       plain.push_back(words[i]);

@@ -25,6 +25,15 @@ void addOptions(CLI::App& program, Options& options) {
   program.add_flag("--ledger", options.ledger, "At the end, say on standard error what is still held");
 }
 
+// The help of a subcommand lists its own options only.
+void mentionSharedOptions(CLI::App& program) {
+  for (CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
+    command->footer(command->get_footer() +
+                    "\nOptions of every subcommand (--host, --host-version, --plugin, --color, --ledger):\n"
+                    "`zvr --help`\n");
+  }
+}
+
 // Nothing of ours lives any more: what is held now was lost.
 void reportLedger() {
   const host::Ledger ledger = host::held();
@@ -76,9 +85,12 @@ int main(const std::vector<std::string>& words) {
       "  zvr list\n"
       "  zvr show InvertZVR\n"
       "  zvr apply photo.png InvertZVR -o out.png\n"
+      "  zvr wave speech.wav -o wave.png\n"
+      "  zvr lut photo.png film.cube -o out.png\n"
       "\n"
       "`zvr COMMAND --help` says more. Exit status: 0 done; 1 a method failed, answered nil or raised an\n"
       "exception, or a file can't be read or written; 2 the command line is wrong.\n");
+  mentionSharedOptions(program);
   try {
     std::vector<std::string> sorted = sortWords(program, words);
     std::reverse(sorted.begin(), sorted.end());
@@ -86,7 +98,9 @@ int main(const std::vector<std::string>& words) {
   } catch (const CLI::Success& help) {
     return program.exit(help);
   } catch (const CLI::ParseError& error) {
-    terminal::complain(std::string(error.what()) + "; see `zvr --help`");
+    const std::vector<CLI::App*> chosen = program.get_subcommands();
+    const std::string command = chosen.empty() ? "" : chosen[0]->get_name() + " ";
+    terminal::complain(std::string(error.what()) + "; see `zvr " + command + "--help`");
     return kUsage;
   } catch (const UsageError& error) {
     terminal::complain(error.what());

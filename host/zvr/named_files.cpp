@@ -66,8 +66,9 @@ size_t stepOf(const NamedFile& file, const std::vector<Overloads>& steps,
     throw UsageError(given + " is unknown; " +
                      (names.empty() ? "no argument takes a file" : "there are " + names));
   }
-  throw UsageError(given + " is an argument of more than one step (" + ownerNames + "); write METHOD." +
-                   file.name + ", or run the steps one by one");
+  const bool isOneMethod = ownerNames.find(',') == std::string::npos;
+  throw UsageError(given + " is an argument of more than one step (" + ownerNames + "); " +
+                   (isOneMethod ? "" : "write METHOD." + file.name + ", or ") + "run the steps one by one");
 }
 
 }  // namespace zvr

@@ -68,12 +68,12 @@ std::vector<std::string> OutputPlan::add(Content content, const std::vector<std:
     if (isPicture) checkExtension(output);
     const auto [entry, isNew] = users_.emplace(fs::absolute(output).lexically_normal(), User{option, given});
     if (!isNew) {
-      const User& user = entry->second;
-      const bool isOneInput = user.input == given && user.option != option;
-      throw UsageError(option + ": " +
-                       (isOneInput ? user.option + " and " + option : user.input + " and " + given) +
-                       " would both be written to " + output.string() +
-                       (isOneInput ? "" : "; use {name} or {n} in the name, or a folder"));
+      const auto& [otherOption, otherInput] = entry->second;
+      if (otherInput == given && otherOption != option) {
+        throw UsageError(otherOption + " and " + option + " would both be written to " + output.string());
+      }
+      throw UsageError(option + ": " + otherInput + " and " + given + " would both be written to " +
+                       output.string() + "; use {name} or {n} in the name, or a folder");
     }
     outputs.push_back(output);
   }

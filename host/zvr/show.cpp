@@ -96,6 +96,7 @@ std::vector<std::string> basicLines(const host::Method& method) {
   if (!arguments.empty()) line += ")";
   const bool hasResult = declaration.result != Type::none;
   lines.push_back((hasResult ? "Dim result As " + host::typeName(declaration.result) + " = " : "") + line);
+  if (method.setter) lines.push_back(line + " = other");
   return lines;
 }
 
@@ -125,6 +126,7 @@ int show(const Options& options, const std::string& name) {
   for (const host::Class& type : host::members().classes) {
     if (!host::equalNames(type.name, name)) continue;
     for (const std::string& line : classLines(type)) print(line);
+    print("  " + styled(Style::faint, "zvr    ") + "zvr run " + type.name + " photo.png -o out.png");
     return kDone;
   }
   const std::vector<const host::Method*> methods = host::findMethods(name);

@@ -1,0 +1,194 @@
+// Every registered method through zvr, and the files that its arguments and answers may be.
+
+#include <cstdlib>
+#include <iterator>
+#include <sstream>
+
+#include "tests/zvr_program.h"
+
+namespace {
+
+using namespace zvr_test;
+
+// The kinds of host that can be had here.
+std::vector<std::string> hosts() {
+  const char* display = std::getenv("DISPLAY");
+  return display && *display ? std::vector<std::string>{"cairo", "console", "gdk"}
+                             : std::vector<std::string>{"cairo", "console"};
+}
+
+// Every registered method, overloads each for themselves: its words after photo.png, and what is printed
+// last.
+struct Call {
+  const char *words, *says;
+  bool tellsHosts = false;  // answers other pixels on other kinds of host, on purpose
+};
+constexpr Call kCalls[] = {
+    {"ColornessZVR", "ColornessZVR = 0.9903381642512077\n"},
+    {"ScrollVerticalZVR 2 true false -o out.png", "ScrollVerticalZVR = true\nwrote out.png\n"},
+    {"ScrollHorizontalZVR -3 true false -o out.png", "ScrollHorizontalZVR = true\nwrote out.png\n"},
+    {"ScrollZVR 5 -1 false true -o out.png", "ScrollZVR = true\nwrote out.png\n"},
+    {"HasMaskZVR", "HasMaskZVR = false\n"},
+    {"ChangeContrastBrightnessAbsoluteZVR .1 .2 .3 4 5 6 -o out.png", "wrote out.png\n"},
+    {"ChangeContrastBrightnessLinearZVR .1 .2 .3 4 5 6 -o out.png", "wrote out.png\n"},
+    {"ChangeContrastBrightnessAbsoluteZVR .1 40 -o out.png", "wrote out.png\n"},
+    {"ChangeContrastBrightnessLinearZVR .1 40 -o out.png", "wrote out.png\n"},
+    {"ChangeBrightnessAbsoluteZVR -9 0 9 -o out.png", "wrote out.png\n"},
+    {"ChangeBrightnessLinearZVR -9 0 9 -o out.png", "wrote out.png\n"},
+    {"ChangeBrightnessAbsoluteZVR 30 -o out.png", "wrote out.png\n"},
+    {"ChangeBrightnessLinearZVR 30 -o out.png", "wrote out.png\n"},
+    {"ChangeContrastZVR -.5 -o out.png", "wrote out.png\n"},
+    {"ChangeContrastZVR .5 1 inf -o out.png", "wrote out.png\n"},
+    {"ChangeCustomZVR 2 -80 -o out.png", "wrote out.png\n"},
+    {"InvertZVR 1 2 3 4 -o out.png", "wrote out.png\n"},
+    {"InvertZVR -o out.png", "wrote out.png\n"},
+    {"InvertGrayZVR 1 2 3 4 -o out.png", "wrote out.png\n"},
+    {"InvertGrayZVR -o out.png", "wrote out.png\n"},
+    {"ExtractColorRectangleMaskZVR 1 1 9 7 -o out.png", "wrote out.png\n"},
+    {"ExtractColorRectangleMaskZVR -o out.png", "wrote out.png\n"},
+    {"EmbeddedMaskZVR true = other.png + EmbeddedMaskZVR true -o out.png", "wrote out.png\n", true},
+    {"CountColorZVR '#00055a'", "CountColorZVR = 1\n"},
+    {"CountColorsZVR", "count = 207\n"},
+    {"TransformColorsZVR table.bin table.bin table.bin -o out.png", "wrote out.png\n"},
+    {"ReplaceColorZVR '&c00055A' '&cFF0000' -o out.png", "wrote out.png\n"},
+    {"ExtractColorZVR '&c00055A' '&cFF0000' '&c00FF00' -o out.png", "wrote out.png\n"},
+    {"ChangeSaturationZVR 60 -o out.png", "wrote out.png\n"},
+    {"ReplaceRedChannelZVR other.png -o out.png", "wrote out.png\n"},
+    {"ReplaceGreenChannelZVR other.png -o out.png", "wrote out.png\n"},
+    {"ReplaceBlueChannelZVR other.png -o out.png", "wrote out.png\n"},
+    {"FindPictureZVR @", "FindPictureZVR = true\nx = 0\ny = 0\n"},
+    {"isWhiteZVR", "isWhiteZVR = false\n"},
+    {"isWhiteZVR 0 0 2 2", "isWhiteZVR = false\n"},
+    {"isBlackZVR", "isBlackZVR = false\n"},
+    {"isBlackZVR 0 0 2 2", "isBlackZVR = false\n"},
+    {"isGrayZVR 255", "isGrayZVR = true\n"},
+    {"isGrayZVR 9 0 0 2 2", "isGrayZVR = false\n"},
+    {"BinaryStringtoPictureZVR --in data=photo.ppic -o out.png", "wrote out.png\n"},
+    {"PicturetoBinaryStringZVR -o out.png", "wrote out.png\n"},
+    {"CombinePicturesZVR @ other.png @ -o out.png", "wrote out.png\n"},
+    {"MergePictureZVR @ other.png -o out.png", "wrote out.png\n"},
+    {"TintPictureZVR @ '&c555555' '&c704214' -o out.png", "wrote out.png\n"},
+    {"RenderSamplesZVR table.bin 256 1 16 8 1 -o out.png", "wrote out.png\n"},
+};
+
+// The names of registered methods as `zvr list` prints them, empty for further overloads.
+std::vector<std::string> listedMethods(const std::string& list) {
+  std::vector<std::string> names;
+  std::istringstream lines(list.substr(0, list.find("Class ")));
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind("  c ", 0) != 0 && line.rfind("  - ", 0) != 0) continue;
+    names.push_back(line.substr(4, line.find_first_of(" (", 4) - 4));
+  }
+  return names;
+}
+
+class ZvrMethods : public Zvr {
+ protected:
+  void SetUp() override {
+    Zvr::SetUp();
+    writePng(folder_ / "other.png", inverted(rgb_), PNG_FORMAT_RGB);
+    Bytes table;
+    for (int i = 255; i >= 0; --i) table.push_back(static_cast<uint8_t>(i));
+    // As the examples of `zvr show` call them.
+    for (const char* name : {"table", "red", "green", "blue", "Samples"}) {
+      writeBytes(folder_ / (name + std::string(".bin")), table);
+    }
+    ASSERT_EQ(run({"apply", "photo.png", "PicturetoBinaryStringZVR", "-o", "photo.ppic"}).status, 0);
+    fs::copy(folder_ / "photo.ppic", folder_ / "data.bin");
+  }
+};
+
+TEST_F(ZvrMethods, runOnEveryKindOfHost) {
+  const std::vector<std::string> names = listedMethods(run({"list"}).output);
+  EXPECT_EQ(names.size(), std::size(kCalls));
+  for (const auto& [words, says, tellsHosts] : kCalls) {
+    Bytes first;
+    for (const std::string& host : hosts()) {
+      SCOPED_TRACE(words + (" on " + host));
+      fs::remove(folder_ / "out.png");
+      const Finished done = runLine("apply photo.png " + (words + (" --ledger --host " + host)));
+      ASSERT_EQ(done.status, 0) << done.errors;
+      EXPECT_TRUE(contains(done.errors, "held: 0 objects, 0 strings, 0 locks, 0 string data; 0 errors"))
+          << done.errors;
+      EXPECT_EQ(fs::exists(folder_ / "out.png"), contains(says, "out.png"));
+      // Where pixels are copies nothing is moved in place, and the first row that is written is lost.
+      if (host == "gdk") continue;
+      const size_t at = done.output.rfind(says);
+      EXPECT_TRUE(at != std::string::npos && at + std::string(says).size() == done.output.size())
+          << done.output;
+      const Bytes written = readBytes(folder_ / "out.png");
+      if (host == hosts()[0]) first = written;
+      EXPECT_TRUE(tellsHosts || written == first);
+    }
+  }
+}
+
+TEST_F(ZvrMethods, showsExamplesThatRun) {
+  EXPECT_TRUE(contains(run({"show", "INVERTzvr", "--color", "always"}, "NO_COLOR=1").output, "\x1b["));
+  EXPECT_TRUE(contains(run({"show", "INVERTzvr"}).output, "photo.InvertZVR(20, 20, 20, 20)"));
+  size_t examples = 0;
+  for (const std::string& name : listedMethods(run({"list"}).output)) {
+    if (name.empty()) continue;
+    std::istringstream lines(run({"show", name}).output);
+    for (std::string line; std::getline(lines, line);) {
+      const size_t start = line.find("zvr apply ");
+      if (start == std::string::npos) continue;
+      ++examples;
+      const Finished done = runLine(line.substr(start + 4));
+      EXPECT_EQ(done.status, 0) << line << "\n" << done.errors;
+    }
+  }
+  EXPECT_EQ(examples, std::size(kCalls) + 1);  // one more for what can be assigned to
+}
+
+TEST_F(ZvrMethods, passBytesThroughFiles) {
+  // Histograms are added to what a block held, little-endian.
+  for (int round = 1; round <= 2; ++round) {
+    const std::string in = round == 1 ? "" : " --in RED=red.hist";
+    ASSERT_EQ(runLine("apply photo.png CountColorsZVR --out red=red.hist" + in).status, 0);
+    Bytes expected(1024);
+    for (size_t i = 0; i < rgb_.bytes.size(); i += 4) {
+      expected[rgb_.bytes[i] * size_t{4}] = static_cast<uint8_t>(expected[rgb_.bytes[i] * size_t{4}] + round);
+    }
+    EXPECT_EQ(readBytes(folder_ / "red.hist"), expected);
+  }
+  EXPECT_TRUE(contains(runLine("apply photo.png CountColorsZVR --in red=red.hist").output,
+                       "red = MemoryBlock of 1024 bytes: 207 of 256 entries are not 0, sum 621, largest 3"));
+  // Of two steps with a block called red the qualified name means one.
+  const Finished chained = runLine(
+      "apply photo.png CountColorsZVR + TransformColorsZVR blue.bin green.bin --out red=hists/{name}.hist "
+      "--in TransformColorsZVR.red=red.bin -o out.png");
+  ASSERT_EQ(chained.status, 0) << chained.errors;
+  EXPECT_EQ(readPng(folder_ / "out.png"), inverted(rgb_));
+  EXPECT_EQ(readBytes(folder_ / "hists/photo.hist").size(), 1024U);
+  // Strings: by themselves, in a chain, and under their own name.
+  EXPECT_EQ(readBytes(folder_ / "photo.ppic").size(), 40 + 3 * 207U);
+  ASSERT_EQ(runLine("apply photo.ppic BinaryStringtoPictureZVR + InvertZVR -o out.png").status, 0);
+  EXPECT_EQ(readPng(folder_ / "out.png"), inverted(rgb_));
+  ASSERT_EQ(
+      runLine("apply photo.png PicturetoBinaryStringZVR + BinaryStringtoPictureZVR @ -o out.png").status, 0);
+  EXPECT_EQ(readPng(folder_ / "out.png"), rgb_);
+  EXPECT_EQ(runLine("apply photo.png PicturetoBinaryStringZVR").output,
+            "wrote photo-PicturetoBinaryStringZVR.bin\n");
+}
+
+TEST_F(ZvrMethods, sayWhatIsWrongWithFiles) {
+  writeBytes(folder_ / "empty.bin", {});
+  fs::create_directory(folder_ / "folder");
+  const Call failures[] = {
+      {"TransformColorsZVR red.bin gone.bin green.bin", "gone.bin: No such file"},
+      {"TransformColorsZVR red.bin folder green.bin", "folder: Is a directory"},
+      {"TransformColorsZVR red.bin empty.bin green.bin", "empty.bin: the file is empty"},
+      {"TransformColorsZVR nil nil nil", "NilObjectException: red memoryblock is nil"},
+      {"CountColorsZVR --in red=gone.bin", "gone.bin: No such file"},
+      {"CountColorsZVR --out red=folder/../photo.png/x", "photo.png/x: Not a directory"},
+      {"BinaryStringtoPictureZVR", "BinaryStringtoPictureZVR answered nil"},
+  };
+  for (const auto& [words, says, tellsHosts] : failures) {
+    const Finished done = runLine(std::string("apply photo.png ") + words);
+    EXPECT_EQ(done.status, 1) << words;
+    EXPECT_TRUE(contains(done.errors, says)) << done.errors;
+  }
+}
+
+}  // namespace
