@@ -19,3 +19,7 @@ else()
   # Sanitizer run times are found in the program that loads the library.
   target_link_options(picturezvr PRIVATE -Wl,-z,undefs)
 endif()
+if(CMAKE_OBJDUMP)
+  add_custom_command(TARGET picturezvr POST_BUILD VERBATIM COMMAND "${CMAKE_COMMAND}"
+    "-DOBJDUMP=${CMAKE_OBJDUMP}" "-DLIBRARY=$<TARGET_FILE:picturezvr>" -P "${CMAKE_SOURCE_DIR}/cmake/c_library.cmake")
+endif()

@@ -1,14 +1,21 @@
 # Libraries that our host and the tests stand on. The plug-in itself uses none of them.
 find_package(PkgConfig REQUIRED)
 find_package(CLI11 REQUIRED)
+# Linked in where they come as archives: what cairo and GTK bring along may be of other versions.
+set(shared_first "${CMAKE_FIND_LIBRARY_SUFFIXES}")
+set(CMAKE_FIND_LIBRARY_SUFFIXES .a .so)
 pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(JPEG REQUIRED IMPORTED_TARGET libjpeg)
 pkg_check_modules(FFI REQUIRED IMPORTED_TARGET libffi)
+pkg_check_modules(ZLIB REQUIRED IMPORTED_TARGET zlib)
+target_link_libraries(PkgConfig::PNG INTERFACE PkgConfig::ZLIB m)
+set(CMAKE_FIND_LIBRARY_SUFFIXES "${shared_first}")
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
 # GTK 2 and cairo give declarations only: our host opens both at run time, as the plug-in does.
 pkg_check_modules(GTK2 REQUIRED gtk+-2.0)
 pkg_check_modules(CAIRO REQUIRED cairo)
 find_package(GTest REQUIRED)
+pkg_check_modules(BENCHMARK REQUIRED IMPORTED_TARGET benchmark)
 
 if(ZVR_I386_TREE)
   # libjpeg's package file does not name the folder of its own configuration header.
@@ -21,9 +28,6 @@ endif()
 # An old-style run path also serves what the plug-in opens while it runs, and what those libraries need.
 # function(zvr_run_path target) puts it on a program; further folders named after the target come first.
 function(zvr_run_path target)
-  set(directories ${ARGN} ${ZVR_I386_LIBRARY_DIRS})
   target_link_options(${target} PRIVATE -Wl,--disable-new-dtags)
-  foreach(directory IN LISTS directories)
-    target_link_options(${target} PRIVATE "-Wl,-rpath,${directory}")
-  endforeach()
+  set_target_properties(${target} PROPERTIES BUILD_RPATH "${ARGN};${ZVR_I386_LIBRARY_DIRS}")
 endfunction()

@@ -56,8 +56,9 @@ bool REALGetStringData(REALstringStruct* string, uint32_t encoding, REALstringDa
 
 void REALDisposeStringData(REALstringData* record) {
   static HostEntry<void(REALstringData*)> entry{"PluginDisposeStringData"};
-  // What the fallback above made is the plug-in's own, also on a host that disposes but does not give.
-  if (getStringData.offered() && entry.offered()) {
+  // What the fallback above made is the plug-in's own, also on a host that disposes but does not give. What a
+  // host gives but does not take back is not the plug-in's to free.
+  if (getStringData.offered()) {
     entry(record);
   } else {
     FreeMemoryNow(record->data);

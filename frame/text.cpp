@@ -192,9 +192,9 @@ void FreeDataChain(rbData*& head) {
 namespace {
 
 REALstringStruct* buildEncoded(const void* bytes, int64_t length, uint32_t encoding) {
-  REALstringStruct* string = originalREALBuildString(bytes, static_cast<int32_t>(length));
-  if (string) REALSetStringEncoding(string, encoding);
-  return string;
+  Held<REALstringStruct> string(originalREALBuildString(bytes, static_cast<int32_t>(length)));
+  if (string) REALSetStringEncoding(string.get(), encoding);
+  return string.release();
 }
 
 // The host is given UTF-16 instead: characters above U+FFFF lose their upper bits, on purpose.

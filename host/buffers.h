@@ -10,13 +10,15 @@ namespace host {
 class Buffer {
  public:
   Buffer() = default;
-  // Zero-filled bytes; without any (data() null) when memory is lacking or the size is 0 or past 31 bits.
-  // With Settings::guardPages the last byte lies right before a page that may not be touched.
+  // Zero-filled bytes (with Settings::recyclesBuffers perhaps used ones); without any (data() null) when
+  // memory is lacking or the size is 0 or past 31 bits. With Settings::guardPages the last byte lies right
+  // before a page that may not be touched.
   explicit Buffer(uint64_t size);
   Buffer(Buffer&& other) noexcept { *this = std::move(other); }
   Buffer& operator=(Buffer&& other) noexcept {
     std::swap(bytes_, other.bytes_);
     std::swap(size_, other.size_);
+    std::swap(isUsed_, other.isUsed_);
     std::swap(mapping_, other.mapping_);
     std::swap(mappingSize_, other.mappingSize_);
     return *this;
@@ -25,12 +27,17 @@ class Buffer {
 
   uint8_t* data() const { return bytes_; }
   size_t size() const { return size_; }
+  // Whether the bytes are those that another buffer left behind.
+  bool isUsed() const { return isUsed_; }
+  // Frees what dead buffers left for others.
+  static void dropSpares();
 
  private:
   void mapGuarded(size_t size);
 
   uint8_t* bytes_ = nullptr;
   size_t size_ = 0;
+  bool isUsed_ = false;
   void* mapping_ = nullptr;  // null when the bytes come from the heap
   size_t mappingSize_ = 0;
 };

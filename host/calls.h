@@ -34,8 +34,8 @@ Outcome call(const Method& method, REALobjectStruct* receiver, std::vector<Value
 Outcome assign(const Method& method, REALobjectStruct* receiver, std::vector<Value> arguments, Value value);
 
 // Converts a person's word to a value of a type: integers (also &hFF), doubles ("0.2", "inf", "nan"; never by
-// locale), booleans (true/false/yes/no/1/0), colours (&cRRGGBB, #rrggbb), nil. Throws std::invalid_argument
-// that names the parameter, what was given and what is expected.
+// locale), booleans (true/false/yes/no/1/0), colours (&cRRGGBB, #rrggbb, CSS names), nil. Throws
+// std::invalid_argument that names the parameter, what was given and what is expected.
 Value parseValue(const Parameter& parameter, const std::string& word);
 
 // Properties of an instance of a registered class, stored and computed alike. Throws std::invalid_argument

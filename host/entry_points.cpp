@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <map>
+#include <numeric>
 #include <stdexcept>
 
 #include "host/objects_internal.h"
@@ -54,6 +55,7 @@ void start(const Settings& chosen) {
   resetFaults();
   resetProgram();
   askedNames.clear();
+  Buffer::dropSpares();
   current = chosen;
   openRoad(current.road);
 }
@@ -61,6 +63,7 @@ void start(const Settings& chosen) {
 const Settings& settings() { return current; }
 
 void* resolve(const char* name) {
+  const Visit visit;
   if (!name) return nullptr;
   ++askedNames[name];
   if (!current.version && std::strcmp(name, "REALGetRBVersion") == 0) return nullptr;
@@ -68,6 +71,10 @@ void* resolve(const char* name) {
 }
 
 int resolverCalls(const std::string& name) {
+  if (name.empty()) {
+    return std::accumulate(askedNames.begin(), askedNames.end(), 0,
+                           [](int sum, const auto& asked) { return sum + asked.second; });
+  }
   const auto found = askedNames.find(name);
   return found == askedNames.end() ? 0 : found->second;
 }

@@ -27,6 +27,20 @@ struct Entry {
   Usage* usage = nullptr;
 };
 
+// The time that the plug-in spends in the host, for Settings::serviceWatcher.
+class Visit {
+ public:
+  Visit() { tell(true); }
+  ~Visit() { tell(false); }
+  Visit(const Visit&) = delete;
+  Visit& operator=(const Visit&) = delete;
+
+ private:
+  static void tell(bool entered) {
+    if (const auto watcher = settings().serviceWatcher) watcher(entered);
+  }
+};
+
 // Counts a use. True: answer null instead of working. Throws Unwound when that is the fault.
 bool meetsFault(Usage& usage);
 
@@ -38,6 +52,7 @@ template <typename Result, typename... Arguments, Result (*Function)(Arguments..
 struct Service<Function, OnNull> {
   static inline Usage usage;
   static Result call(Arguments... arguments) {
+    const Visit visit;
     if (!meetsFault(usage)) return Function(arguments...);
     if constexpr (!std::is_null_pointer_v<decltype(OnNull)>) OnNull(arguments...);
     return Result();

@@ -44,24 +44,49 @@ Pen penOf(REALgraphicsStruct* handle) {
           wholeProperty(*graphics, "PenWidth"), wholeProperty(*graphics, "PenHeight")};
 }
 
-// The pen hangs to the right of and below each point. Only what the picture can show is walked, so that lines
-// from far away cost nothing; all four coordinates are any 32-bit numbers.
-void drawLine(REALgraphicsStruct* handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
-  const Pen pen = penOf(handle);
-  if (!pen.picture) return;
-  const bool steep = std::abs(int64_t{y2} - y1) > std::abs(int64_t{x2} - x1);
-  int64_t a1 = steep ? y1 : x1, b1 = steep ? x1 : y1, a2 = steep ? y2 : x2, b2 = steep ? x2 : y2;
-  if (a1 > a2) {
+// A line's points, one for each step along its longer side: `a` counts along that side, `b` across it.
+struct Line {
+  bool steep;
+  int64_t a1, b1, a2, b2;
+
+  Line(int32_t x1, int32_t y1, int32_t x2, int32_t y2)
+      : steep(std::abs(int64_t{y2} - y1) > std::abs(int64_t{x2} - x1)),
+        a1(steep ? y1 : x1),
+        b1(steep ? x1 : y1),
+        a2(steep ? y2 : x2),
+        b2(steep ? x2 : y2) {
+    if (a1 <= a2) return;
     std::swap(a1, a2);
     std::swap(b1, b2);
   }
-  const int64_t reach = steep ? pen.height : pen.width;
-  const int64_t limit = steep ? pen.picture->height : pen.picture->width;
-  const auto run = static_cast<double>(std::max<int64_t>(a2 - a1, 1)), rise = static_cast<double>(b2 - b1);
-  for (int64_t a = std::max(a1, 1 - reach); a <= std::min(a2, limit - 1); ++a) {
-    const int64_t b = b1 + std::llround(static_cast<double>(a - a1) * rise / run);
-    steep ? pen.fill(b, a, pen.width, pen.height) : pen.fill(a, b, pen.width, pen.height);
+  int64_t at(int64_t a) const {
+    const auto run = static_cast<double>(std::max<int64_t>(a2 - a1, 1)), rise = static_cast<double>(b2 - b1);
+    return b1 + std::llround(static_cast<double>(a - a1) * rise / run);
   }
+};
+
+// The pen hangs to the right of and below each point. Only what the picture can show is walked, so that lines
+// from far away and wide pens cost nothing; all four coordinates are any 32-bit numbers.
+void drawLine(REALgraphicsStruct* handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
+  const Pen pen = penOf(handle);
+  if (!pen.picture || pen.width < 1 || pen.height < 1) return;
+  const Line line(x1, y1, x2, y2);
+  const int64_t reach = line.steep ? pen.height : pen.width, across = line.steep ? pen.width : pen.height;
+  const int64_t limit = line.steep ? pen.picture->height : pen.picture->width;
+  const auto fill = [&](int64_t a, int64_t b, int64_t length, int64_t breadth) {
+    line.steep ? pen.fill(b, a, breadth, length) : pen.fill(a, b, length, breadth);
+  };
+  const auto walk = [&](int64_t first, int64_t last) {
+    for (int64_t a = first; a <= last; ++a) fill(a, line.at(a), reach, across);
+  };
+  const int64_t first = std::max(line.a1, 1 - reach), last = std::min(line.a2, limit - 1);
+  // Where the pen spans the whole picture many points are one stroke.
+  const int64_t spanning = std::max(first, limit - reach), spanned = std::min<int64_t>(last, 0);
+  if (spanning > spanned) return walk(first, last);
+  const auto [least, most] = std::minmax({line.at(spanning), line.at(spanned)});
+  fill(spanning, least, reach, most - least + across);
+  walk(first, spanning - 1);
+  walk(spanned + 1, last);
 }
 
 void drawString(REALgraphicsStruct* handle, REALstringStruct* text, int32_t, int32_t) {

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -32,10 +33,30 @@ struct Settings {
   int32_t rowPadding = 0;
   // Pixel buffers, and the bytes of memory blocks and of string data, end at a page that may not be touched.
   bool guardPages = false;
+  // New pictures that the plug-in asks for get so many pixels more in each direction (fewer when negative).
+  int32_t newPicturesGrowBy = 0;
+
+  // ---- For measuring ----
+
+  // Large buffers of the dead (pixels of pictures above all) are given to the next that asks for their size,
+  // with what is in them: nothing is cleared, freshPixel is not filled in, and no page is touched for the
+  // first time while the plug-in works.
+  bool recyclesBuffers = false;
+  // Road::gdk without an X display: drawables are host/shims/plain_drawable.h records of 3-byte pixels. Only
+  // the stand-in for GDK in host/shims/plain_gdk.cpp can read them. `pictureRow(picture, 0)` is then where
+  // those pixels lie, and a picture that is built from a buffer shows that buffer.
+  bool plainDrawables = false;
+  // Told when the plug-in enters (true) and leaves (false) a service or the resolver; null: nobody.
+  void (*serviceWatcher)(bool entered) = nullptr;
+};
+
+// A library of the road's toolkit that is not installed, or too old.
+struct MissingLibrary : std::runtime_error {
+  using std::runtime_error::runtime_error;
 };
 
 // Begins a new host: no members, no faults, no pending exception. Throws std::runtime_error when the road
-// can't be had (no X display, a library that is missing). Objects of the host before must be gone.
+// can't be had (no X display; a MissingLibrary). Objects of the host before must be gone.
 void start(const Settings& settings);
 const Settings& settings();
 
@@ -140,8 +161,8 @@ void failAt(const std::string& name, int nth, Fault fault = Fault::null);
 void failAnyAt(int nth, Fault fault = Fault::null);
 // Uses of an entry point (of all, for an empty name) since `start` or `clearFaults`.
 int uses(const std::string& name = {});
-// How often the resolver was asked for a name since `start`.
-int resolverCalls(const std::string& name);
+// How often the resolver was asked for a name (for an empty one: for anything) since `start`.
+int resolverCalls(const std::string& name = {});
 // Removed names come back, faults and counters go.
 void clearFaults();
 

@@ -86,6 +86,11 @@ struct PictureOddities {
   bool noRequired = false;       // bitmap record without its other required word
   int32_t describedWidth = -1;   // size in the description, when not -1
   int32_t describedHeight = -1;
+  int32_t claimedWidth = -1;  // "Width" and "Height", when not -1
+  int32_t claimedHeight = -1;
+  int32_t shownWidth = -1;  // size of what a lock shows, when not -1; at most the picture's own
+  int32_t shownHeight = -1;
+  int32_t nullRow = -1;  // row of the bitmap record's table that is null
 };
 PictureOddities& oddities(REALpictureStruct* picture);
 

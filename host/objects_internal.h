@@ -93,6 +93,9 @@ struct Picture : Object {
   // Gives an empty picture its pixels; false and still empty when that can't be.
   bool allocate(int32_t newWidth, int32_t newHeight, bool hasAlpha);
   uint32_t* row(int32_t y) const;
+  // Size of what a lock shows.
+  int32_t shownWidth() const { return oddities.shownWidth != -1 ? oddities.shownWidth : width; }
+  int32_t shownHeight() const { return oddities.shownHeight != -1 ? oddities.shownHeight : height; }
 
   int32_t width = 0, height = 0, stride = 0;  // stride in bytes
   bool alpha = false;

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "host/calls.h"
+#include "host/named_colors.h"
 
 namespace host {
 namespace {
@@ -62,7 +63,11 @@ std::optional<bool> boolean(std::string_view word) {
 
 std::optional<Color> color(std::string_view word) {
   const size_t prefix = startsWith(word, "&c") ? 2 : startsWith(word, "#") ? 1 : 0;
-  if (prefix == 0 || word.size() != prefix + 6 || word[prefix] == '-') return std::nullopt;
+  if (prefix == 0) {
+    const auto named = namedColor(word);
+    return named ? std::optional(Color{*named}) : std::nullopt;
+  }
+  if (word.size() != prefix + 6 || word[prefix] == '-') return std::nullopt;
   const auto rgb = wholeNumber(word.substr(prefix), 16);
   if (!rgb) return std::nullopt;
   return Color{static_cast<RBColor>(*rgb)};
@@ -90,7 +95,8 @@ Value parseValue(const Parameter& parameter, const std::string& word) {
     case Type::boolean:
       return valueOr(boolean(word), parameter, word, "a Boolean (true or false)");
     case Type::color:
-      return valueOr(color(word), parameter, word, "a Color (&cRRGGBB or #rrggbb)");
+      return valueOr(color(word), parameter, word,
+                     "a Color ('&cRRGGBB', '#rrggbb' or a CSS name such as teal; quote & and # in a shell)");
     case Type::string:
       return newString(word);
     case Type::picture:

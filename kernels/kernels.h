@@ -34,11 +34,29 @@ using SpanMap3 = void(Pixel* out, const Pixel* in1, const Pixel* in2, const Pixe
 using SpanReplace = void(Pixel* out, const Pixel* in, const Pixel* from, size_t count, uint32_t top,
                          uint32_t bits);
 
-// New values of each channel by its old ones.
-struct ChannelTables {
+// New values of each channel by its old ones; `placed` has the same where they stand in a pixel
+// (placeEntries in kernels/channel_tables.h).
+struct alignas(64) ChannelTables {
   uint8_t red[256], green[256], blue[256];
+  struct {
+    uint32_t red[256], green[256], blue[256];
+  } placed;
 };
 using SpanLookup = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables);
+
+// New values of a channel along a line, with v its old value, or 255 - v if the line is falling:
+// ((256 * v + before) * slope >> 16) + offset, limited to 0..65535, >> shift, at most 255.
+struct ChannelLine {
+  bool isFalling;
+  uint8_t before;
+  uint16_t slope;
+  int32_t offset;  // -65535 to 65535
+};
+struct ChannelLines {
+  ChannelLine red, green, blue;
+  uint32_t shift;  // 1 to 8
+};
+using SpanLines = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelLines& lines);
 
 // How many of the words have `color`'s red, green and blue.
 using SpanCount = uint32_t(const Pixel* in, size_t count, uint32_t color);
@@ -85,14 +103,18 @@ struct Tint {
   struct Known {
     uint32_t pixel, result;
   } known[256];
+  // Found out with the first span.
+  bool isPrepared = false;
+  float lean[3] = {};
 };
 using SpanTint = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, Tint& tint);
 
 // Tetrahedral interpolation in a colour table. Its entries stand for the channel values 0, 17, 34 ... 255;
-// what lies behind is never read. Each channel of a result is the sum of four entries in 17ths, divided by
+// what lies behind counts for nothing. Each channel of a result is the sum of four entries in 17ths, divided by
 // 17, limited to 0..255 and truncated; not-a-number gives 0.
 constexpr size_t kCubeSide = 18;  // entries along an axis, of which the first 16 are used
-// `cube`: kCubeSide^3 entries of three doubles (red, green, blue), blue changing fastest, at any address.
+// `cube`: kCubeSide^3 entries of three doubles (red, green, blue), blue changing fastest, at any address. Up to
+// one double behind the last used entry is read.
 using SpanCube = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const double* cube);
 // The same for whole entries from 0 to 255: kWholeCubeSide^3 words.
 constexpr size_t kWholeCubeSide = 16;
@@ -133,6 +155,7 @@ struct Table {
   SpanMap3* combineChannels;  // red from the first, green from the second, blue from the third
   SpanReplace* replaceBits;
   SpanLookup* mapThroughTables;
+  SpanLines* mapAlongLines;
   SpanCount* countColor;
   SpanHistogram* countChannels;
   SpanTest* isAllColor;  // red, green and blue are those of the parameter

@@ -24,6 +24,7 @@ constexpr Table makeTable() {
   t.combineChannels = combineChannels;
   t.replaceBits = replaceBits;
   t.mapThroughTables = mapThroughTables;
+  t.mapAlongLines = mapAlongLines;
   t.countColor = countColor;
   t.countChannels = countChannels;
   t.isAllColor = isAllColor;

@@ -247,7 +247,7 @@ REALpictureStruct* RenderSamples(REALmemoryBlockStruct* block, int32_t count, in
       DrawAntialiasedLine(result, x0, y0, x1, y1);
     });
   }
-  REALpictureStruct* picture = result.RenderPictureWriter();
-  if (picture && outlineWidth > 1) drawWideOutline(picture, wave, outlineWidth, outline);
-  return picture;
+  Held<REALpictureStruct> picture(result.RenderPictureWriter());
+  if (picture && outlineWidth > 1) drawWideOutline(picture.get(), wave, outlineWidth, outline);
+  return picture.release();
 }

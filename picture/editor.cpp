@@ -26,9 +26,12 @@ const PixelLayout& layoutOf(int32_t format) {
 // Before this host version a failed lock must be undone.
 constexpr double kCleanLockVersion = 2012.0;
 
-// Whether a bitmap record is whole; a row that is missing would be found only when it is touched.
-bool isUsable(const REALbitmapRecord* bitmap, int32_t height) {
+// Whether a bitmap record is whole and not smaller than it was described (a host may leave its size at 0); a
+// row that is missing would be found only when it is touched.
+bool isUsable(const REALbitmapRecord* bitmap, int32_t width, int32_t height) {
   if (!bitmap || bitmap->kind != 0 || !bitmap->rowTable || !bitmap->required) return false;
+  if (bitmap->width != 0 && bitmap->width < width) return false;
+  if (bitmap->height != 0 && bitmap->height < height) return false;
   for (int32_t y = 0; y < height; ++y) {
     if (!bitmap->rowTable[y]) return false;
   }
@@ -102,7 +105,8 @@ bool PictureEditor::openCairo(REALpictureStruct* source, PixelFormat surfaceForm
   const int32_t w = _cairo_image_surface_get_width(surface);
   const int32_t h = _cairo_image_surface_get_height(surface);
   const int32_t stride = _cairo_image_surface_get_stride(surface);
-  if (w < 1 || h < 1 || stride < 1 || !pixels) return false;
+  // A surface of narrower pixels than words is nothing that can be shown.
+  if (w < 1 || h < 1 || stride < int64_t{w} * 4 || !pixels) return false;
   show(source, surfaceFormat, pixels, w, h, stride);
   directSurface = true;
   return true;
@@ -110,6 +114,8 @@ bool PictureEditor::openCairo(REALpictureStruct* source, PixelFormat surfaceForm
 
 bool PictureEditor::openDrawable(REALpictureStruct* source) {
   if (!description.handle || description.pictureType != kPictureTypeDrawable || !LoadGTK()) return false;
+  // GDK would complain on the program's standard error stream, or take a negative size for the whole.
+  if (description.width < 1 || description.height < 1) return false;
   GdkPixbuf* copy = _gdk_pixbuf_get_from_drawable(nullptr, static_cast<GdkDrawable*>(description.handle),
                                                   nullptr, 0, 0, 0, 0, description.width, description.height);
   if (!copy) return false;
@@ -126,7 +132,9 @@ bool PictureEditor::openBitmap(REALpictureStruct* source) {
   if (!lock) return false;
   IsConsole = 1;
   const auto* bitmap = static_cast<const REALbitmapRecord*>(description.handle);
-  if (description.pictureType != kPictureTypeBitmap || !isUsable(bitmap, description.height)) return false;
+  if (description.pictureType != kPictureTypeBitmap ||
+      !isUsable(bitmap, description.width, description.height))
+    return false;
   rowTable = bitmap->rowTable;
   uint8_t* pixels = description.height > 0 ? rowTable[0] : nullptr;
   show(source, kFormatHostBitmap, pixels, description.width, description.height, description.width * 4);
@@ -183,11 +191,18 @@ int32_t PictureEditor::GetBlueOffset() const { return layoutOf(format).blue; }
 
 PictureWriter::~PictureWriter() { FreeMemoryNow(buffer); }
 
+bool PictureWriter::openFor(REALpictureStruct* target, int32_t newWidth, int32_t newHeight) {
+  if (!GetPictureEditor(target, false, true) || width < newWidth || height < newHeight) return false;
+  width = newWidth;
+  height = newHeight;
+  return true;
+}
+
 bool PictureWriter::NewPictureWriter(int32_t newWidth, int32_t newHeight) {
   if (newWidth < 1 || newWidth > kLargestPictureSide || newHeight < 1 || newHeight > kLargestPictureSide)
     return false;
   Held<REALpictureStruct> made(REALNewPicture(newWidth, newHeight, 32));
-  if (!made || !GetPictureEditor(made.get(), false, true)) return false;
+  if (!made || !openFor(made.get(), newWidth, newHeight)) return false;
   if (format == kFormatRGB24) return NewPictureWriterLinux(newWidth, newHeight);
   takeOver(made);
   return true;
@@ -195,7 +210,7 @@ bool PictureWriter::NewPictureWriter(int32_t newWidth, int32_t newHeight) {
 
 bool PictureWriter::NewPictureWriterWithAlphaChannel(int32_t newWidth, int32_t newHeight) {
   Held<REALpictureStruct> made(NewPictureWithAlphaChannel(newWidth, newHeight));
-  if (!made || !GetPictureEditor(made.get(), false, true)) return false;
+  if (!made || !openFor(made.get(), newWidth, newHeight)) return false;
   takeOver(made);
   return true;
 }
@@ -206,8 +221,9 @@ bool PictureWriter::NewPictureWriter(int32_t newWidth, int32_t newHeight, bool a
 }
 
 bool PictureWriter::NewPictureWriter(REALpictureStruct* target, int32_t newWidth, int32_t newHeight) {
+  // On a host that can't count there would be no reference on the target for the caller.
   if (target && GetPictureWidth(target) >= newWidth && GetPictureHeight(target) >= newHeight &&
-      GetPictureEditor(target, false, true)) {
+      openFor(target, newWidth, newHeight) && reference_.isCounted()) {
     return format != kFormatRGB24 || NewPictureWriterLinux(newWidth, newHeight);
   }
   return NewPictureWriter(newWidth, newHeight);

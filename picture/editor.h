@@ -127,6 +127,10 @@ class PictureWriter : public PictureEditor {
   REALpictureStruct* RenderPictureWriter();
 
  private:
+  // Opens the top-left part of a picture; false also when its pixels turn out to be fewer than the host was
+  // asked for, or than its properties promised.
+  bool openFor(REALpictureStruct* target, int32_t newWidth, int32_t newHeight);
+
   Scratch discardedRow_;
 };
 

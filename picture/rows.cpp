@@ -33,6 +33,12 @@ Region Region::cut(int32_t left, int32_t top, int32_t width, int32_t height, con
   return {columns.first, lines.first, columns.end, lines.end};
 }
 
+bool rows::areOne(const PictureEditor& editor, const Region& region) {
+  // Rows of a host bitmap may lie anywhere, and a picture with fewer rows than the region starts over.
+  return editor.hasWords() && editor.format != kFormatHostBitmap && editor.rowBytes == editor.width * 4 &&
+         region.left == 0 && region.right == editor.width && region.bottom <= editor.height;
+}
+
 RowSource::RowSource(PictureEditor& editor, const Region& region)
     : editor_(editor), offset_(leftOffset(region)) {
   at(firstRowOf(editor, region));

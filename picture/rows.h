@@ -73,6 +73,22 @@ class RowTarget {
 
 namespace rows {
 
+// Whether a region's rows lie end to end in an editor's picture, as words: then they are one long row.
+bool areOne(const PictureEditor& editor, const Region& region);
+
+// The same region in rows as long as they can be in all of the pictures.
+struct Walk {
+  size_t width;
+  int32_t height;
+};
+template <typename... Editors>
+Walk walkOf(const Region& region, const Editors&... editors) {
+  const auto width = static_cast<size_t>(region.right - region.left);
+  const int32_t height = region.bottom - region.top;
+  return (areOne(editors, region) && ...) ? Walk{width * static_cast<size_t>(height), 1}
+                                          : Walk{width, height};
+}
+
 template <typename Kernel, size_t... i>
 void mapRow(RowTarget& target, [[maybe_unused]] RowSource* sources, size_t width, const Kernel& kernel,
             std::index_sequence<i...>) {
@@ -100,16 +116,16 @@ bool scanRow(RowSource& source, size_t first, size_t end, const Kernel& kernel) 
 }  // namespace rows
 
 // Writes a region of `result` from the same region of one or more readers:
-// kernel(Pixel* out, const Pixel* in..., size_t count, uint32_t topByte) for each span of a row.
-// Rows outside the region are not touched. A reader with fewer rows starts over at its row 0.
+// kernel(Pixel* out, const Pixel* in..., size_t count, uint32_t topByte) for each span, which may be all of
+// it. Rows outside the region are not touched. A reader with fewer rows starts over at its row 0.
 template <typename Kernel, typename... Readers>
 void mapRegion(PictureEditor& result, const Region& region, const Kernel& kernel, Readers&... readers) {
   if (region.isEmpty()) return;
   RowTarget target(result, region);
   RowSource sources[] = {RowSource(readers, region)...};
-  const auto width = static_cast<size_t>(region.right - region.left);
-  for (int32_t y = region.top; y < region.bottom; ++y) {
-    rows::mapRow(target, sources, width, kernel, std::index_sequence_for<Readers...>());
+  const rows::Walk walk = rows::walkOf(region, result, readers...);
+  for (int32_t y = 0; y < walk.height; ++y) {
+    rows::mapRow(target, sources, walk.width, kernel, std::index_sequence_for<Readers...>());
     target.nextRow();
     for (RowSource& source : sources) source.nextRow();
   }
@@ -133,16 +149,16 @@ void writeRegion(PictureEditor& result, const Region& region, const Kernel& kern
   }
 }
 
-// Shows a region of a picture to a kernel, span by span and row by row: kernel(const Pixel* in, size_t count)
+// Shows a region of a picture to a kernel, span by span: kernel(const Pixel* in, size_t count)
 // answers whether to go on. Pixels that can't be read are left out. True when the kernel never stopped.
 template <typename Kernel>
 bool scanRegion(PictureReader& reader, const Region& region, const Kernel& kernel) {
   if (region.isEmpty()) return true;
   RowSource source(reader, region);
-  const auto width = static_cast<size_t>(region.right - region.left);
-  for (int32_t y = region.top; y < region.bottom; ++y) {
+  const rows::Walk walk = rows::walkOf(region, reader);
+  for (int32_t y = 0; y < walk.height; ++y) {
     const auto unplaced = [&](const kernels::Pixel* in, size_t count, size_t) { return kernel(in, count); };
-    if (!rows::scanRow(source, 0, width, unplaced)) return false;
+    if (!rows::scanRow(source, 0, walk.width, unplaced)) return false;
     source.nextRow();
   }
   return true;

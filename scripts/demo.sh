@@ -88,5 +88,7 @@ runDemo() {
     say "RenderSamplesZVR on $speech:"
     show wave.png wave "$speech" --smooth 3 --outline 1 --auto-scale
   fi
+  build/release/zvr gallery "$photo" ${speech:+--sound "$speech"} -o out/demo/gallery > /dev/null
+  say 'Every effect on one page, for a browser: gallery/index.html'
   say "The times are of whole runs of zvr, reading and writing the pictures included; GDK's includes starting Xvfb."
 }

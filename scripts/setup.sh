@@ -83,7 +83,8 @@ makeTree() {
   for deb in "$debs"/*.deb; do
     dpkg-deb --fsys-tarfile "$deb" | tar -x -C "$partial" --no-same-owner \
       --exclude=./{bin,etc,sbin,var} --exclude=./usr/{bin,libexec,sbin,src} --exclude=./usr/lib/python3* \
-      --exclude=./usr/share/{X11,doc,fonts,gir-1.0,gtk-doc,icons,info,lintian,locale,man,mime}
+      --exclude=./usr/share/{X11,fonts,gir-1.0,gtk-doc,icons,info,lintian,locale,man,mime} \
+      --exclude='./usr/share/doc/*/[!c]*' --exclude='./usr/share/doc/*/changelog*' # licences stay, for our packages
   done
   rm -rf "$debs"
   # Links such as libz.so lead to /lib: let them stay inside the tree.

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "kernels/channel_tables.h"
 #include "tests/plain_kernels.h"
 
 namespace {
@@ -144,6 +145,8 @@ std::deque<Case> makeCases() {
   });
   add("mapThroughTables", &Table::mapThroughTables, kMap,
       [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, *p.tables); });
+  add("mapAlongLines", &Table::mapAlongLines, kMap,
+      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.lines); });
   add("countColorful", &Table::countColorful, kTest, [](auto f, O o, P p) {
     return f(o.pixels(0), o.count, p.number);
   }).number = threshold;
@@ -196,9 +199,12 @@ class Lookups {
 
   void addTables() {
     uint8_t* bytes = memory(sizeof(kernels::ChannelTables), 0);
-    for (size_t i = 0; i < sizeof(kernels::ChannelTables); ++i)
-      bytes[i] = static_cast<uint8_t>(random_.word());
-    tables.push_back(reinterpret_cast<const kernels::ChannelTables*>(bytes));
+    auto* drawn = new (bytes) kernels::ChannelTables;
+    for (uint8_t(*table)[256] : {&drawn->red, &drawn->green, &drawn->blue}) {
+      for (uint8_t& entry : *table) entry = static_cast<uint8_t>(random_.word());
+    }
+    kernels::placeEntries(*drawn);
+    tables.push_back(drawn);
   }
   // The identity; whole numbers; any numbers near the range; others with many that are hard to compute with.
   double cubeValue(size_t identity) {
@@ -220,7 +226,10 @@ class Lookups {
   }
   void addCube(size_t shift) {
     constexpr size_t kSide = kernels::kCubeSide, kUsed = 16, kLast = kUsed - 1;
-    uint8_t* bytes = memory((plain::cubeIndex(kLast, kLast, kLast, kSide) + 1) * 3 * sizeof(double), shift);
+    // Entries are read in fours; the fourth double of the last one may be anything.
+    const size_t size = ((plain::cubeIndex(kLast, kLast, kLast, kSide) + 1) * 3 + 1) * sizeof(double);
+    uint8_t* bytes = memory(size, shift);
+    memset(bytes + size - sizeof(double), 0xFF, sizeof(double));
     for (size_t r = 0; r < kUsed; ++r) {
       for (size_t g = 0; g < kSide; ++g) {
         for (size_t b = 0; b < kSide; ++b) {
@@ -238,7 +247,7 @@ class Lookups {
   }
   void addWholeCube(size_t shift) {
     constexpr uint32_t kSide = kernels::kWholeCubeSide;
-    auto* words = reinterpret_cast<Pixel*>(memory(kSide * kSide * kSide * 4, shift));
+    Pixel* words = reinterpret_cast<Pixel*>(memory(kSide * kSide * kSide * 4, shift));
     for (uint32_t i = 0; i < kSide * kSide * kSide; ++i) {
       const uint32_t identity = (i / kSide / kSide) << 16 | (i / kSide % kSide) << 8 | i % kSide;
       words[i] = wholeCubes.empty() ? identity * 17 : random_.color();
@@ -308,6 +317,14 @@ Parameters drawParameters(Random& random, const Case& c, const Hint& hint, uint3
       const uint32_t any = random.word() >> random.between(0, 31);
       *part = random.chance(50) ? any : 0 - any;
     }
+  }
+  p.lines.shift = static_cast<uint32_t>(random.between(1, 8));
+  for (kernels::ChannelLine* line : {&p.lines.red, &p.lines.green, &p.lines.blue}) {
+    const auto any = [&](int least, int most) {
+      return random.chance(20) ? (random.chance(50) ? least : most) : random.between(least, most);
+    };
+    *line = {random.chance(50), static_cast<uint8_t>(any(0, 255)), static_cast<uint16_t>(any(0, 65535)),
+             any(-65535, 65535) / (random.chance(50) ? 1 : 256)};
   }
   p.tables = chosen(lookups().tables, variant);
   p.cube = chosen(lookups().cubes, variant);

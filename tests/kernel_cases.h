@@ -42,6 +42,7 @@ struct Parameters {
   kernels::Toning toning = {};
   // Each in guarded memory.
   const kernels::ChannelTables* tables = nullptr;
+  kernels::ChannelLines lines = {};
   const double* cube = nullptr;
   const kernels::Pixel* wholeCube = nullptr;
 };

@@ -91,6 +91,18 @@ inline void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t
     return rgb(tables.red[red(in[i])], tables.green[green(in[i])], tables.blue[blue(in[i])]);
   });
 }
+inline void mapAlongLines(Pixel* out, const Pixel* in, size_t count, uint32_t top,
+                          const kernels::ChannelLines& lines) {
+  const auto value = [&](const kernels::ChannelLine& line, int v) {
+    const uint32_t from = static_cast<uint32_t>(line.isFalling ? 255 - v : v) * 256 + line.before;
+    const int height = static_cast<int>(from * line.slope >> 16) + line.offset;
+    return std::min(std::clamp(height, 0, 65535) >> lines.shift, 255);
+  };
+  write(out, count, top, [&](size_t i) {
+    return rgb(value(lines.red, red(in[i])), value(lines.green, green(in[i])),
+               value(lines.blue, blue(in[i])));
+  });
+}
 
 inline uint32_t countColor(const Pixel* in, size_t count, uint32_t color) {
   return countOf(count, [=](size_t i) { return sameColor(in[i], color); });
@@ -260,6 +272,7 @@ constexpr kernels::Table kTable = {
     combineChannels,
     replaceBits,
     mapThroughTables,
+    mapAlongLines,
     countColor,
     countChannels,
     isAllColor,

@@ -2,6 +2,7 @@
 
 #include "kernels/kernels.h"
 #include "tests/filter_models.h"
+#include "tests/plain_kernels.h"
 
 namespace {
 
@@ -55,6 +56,22 @@ TEST_P(Kernels, WholeTablesGiveWhatTheirDoublesGive) {
     ASSERT_EQ(out, expected) << std::hex << in[0];
     ASSERT_EQ(out[0], tetrahedral(cube, in[0])) << std::hex << in[0];
   });
+}
+
+// Sums around 17 * k, where kernels may calculate otherwise than by dividing.
+TEST_P(Kernels, EntriesAtAndJustBelowEachWholeNumber) {
+  std::vector<uint32_t> in, out, expected;
+  for (uint32_t gray = 0; gray < 64; ++gray) in.insert(in.end(), {gray * 0x010101, gray << 16 | 17, gray * 3});
+  out.resize(in.size());
+  expected.resize(in.size());
+  for (int k = 1; k <= 256; ++k) {
+    const double below = std::nextafter(k, 0), farBelow = std::nextafter(below, 0);
+    const std::vector<double> cube =
+        makeCube([&](const auto&, size_t x) { return x == 0 ? k : x == 1 ? below : farBelow; });
+    plain::mapThroughCube(pixels(expected), pixels(in), in.size(), 0, cube.data());
+    table_->mapThroughCube(pixels(out), pixels(in), in.size(), 0, cube.data());
+    ASSERT_EQ(out, expected) << k;
+  }
 }
 
 // Entries that no picture can show give the same on every instruction set, and never more than a colour.

@@ -2,6 +2,9 @@
 
 #include "frame/graphics.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "tests/linked.h"
 
 namespace {
@@ -131,6 +134,46 @@ TEST_F(HostGraphics, LinesAreAServiceOfTheHost) {
   Pixels expected(12, 8, Rgb{0xFFFFFF});
   for (int x = 2; x <= 6; ++x) expected.at(x, 3) = 0;
   EXPECT_EQ(drawn([](REALgraphicsStruct* graphics) { GraphicsDrawLine(graphics, 2, 3, 6, 3); }), expected);
+}
+
+// A line as it is defined: the pen's rectangle at each point, however far away.
+Pixels stamped(int x1, int y1, int x2, int y2, int penWidth, int penHeight) {
+  Pixels result(12, 8, Rgb{0xFFFFFF});
+  const int steps = std::max({std::abs(x2 - x1), std::abs(y2 - y1), 1});
+  for (int i = 0; i <= steps; ++i) {
+    const long left = x1 + std::lround(double{1} * (x2 - x1) * i / steps);
+    const long top = y1 + std::lround(double{1} * (y2 - y1) * i / steps);
+    for (long y = std::max(top, 0L); y < std::min(top + penHeight, 8L); ++y) {
+      for (long x = std::max(left, 0L); x < std::min(left + penWidth, 12L); ++x) {
+        result.at(static_cast<int>(x), static_cast<int>(y)) = 0;
+      }
+    }
+  }
+  return result;
+}
+
+TEST_F(HostGraphics, WidePensFromFarAway) {
+  const auto line = [this](int x1, int y1, int x2, int y2, int penWidth, int penHeight) {
+    return drawn([&](REALgraphicsStruct* graphics) {
+      SetGraphicsPenWidth(graphics, penWidth);
+      SetGraphicsPenHeight(graphics, penHeight);
+      GraphicsDrawLine(graphics, x1, y1, x2, y2);
+    });
+  };
+  Random random(1);
+  for (int i = 0; i < 300; ++i) {
+    // Towards the right and down: which way a half is rounded is the host's own.
+    const int x1 = random.between(-90, 20), y1 = random.between(-90, 20);
+    const int x2 = x1 + random.between(0, 90), y2 = y1 + random.between(0, 90);
+    const int width = random.between(1, 60), height = random.between(1, 60);
+    EXPECT_EQ(line(x1, y1, x2, y2, width, height), stamped(x1, y1, x2, y2, width, height))
+        << x1 << ' ' << y1 << ' ' << x2 << ' ' << y2 << ' ' << width << ' ' << height;
+  }
+  // Point by point these would take hours.
+  const Pixels all(12, 8, Rgb{0}), none(12, 8, Rgb{0xFFFFFF});
+  EXPECT_EQ(line(5, INT32_MIN, 5, 0, INT32_MAX, INT32_MAX), Pixels(stamped(5, -9, 5, 0, 90, 90)));
+  EXPECT_EQ(line(-5, INT32_MIN, -5, INT32_MAX, INT32_MAX, INT32_MAX), all);
+  EXPECT_EQ(line(12, INT32_MIN, 12, INT32_MAX, INT32_MAX, INT32_MAX), none);
 }
 
 }  // namespace

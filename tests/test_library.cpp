@@ -208,43 +208,4 @@ TEST_F(Library, CanBeLoadedAndLeftAgainAndAgain) {
   }
 }
 
-// ---- Host exceptions ----
-
-// Releasing is what happens while an exception passes: hosts don't throw from there.
-const std::set<std::string> kReleases = {"REALUnlockObject", "REALUnlockString", "unlockPictureDescription",
-                                         "PluginDisposeStringData", "REALPictureClearCache"};
-
-TEST_F(Library, AnUnwindingHostExceptionLeavesNothingHeld) {
-  struct Kind {
-    const char* name;
-    bool alpha, refusesLock;
-  };
-  int unwound = 0;
-  for (const Kind& kind :
-       {Kind{"plain", false, false}, Kind{"alpha", true, false}, Kind{"not lockable", false, true}}) {
-    if (kind.alpha && road() == host::Road::gdk) continue;
-    const auto picture = makePicture(Random(3).pixels(17, 3), kind.alpha);
-    host::oddities(picture.get()).refusesLock = kind.refusesLock;
-    for (const std::string& name : host::entryPointNames()) {
-      if (kReleases.count(name)) continue;
-      bool completed = false;
-      for (int nth = 1; !completed; ++nth) {
-        const host::Ledger before = host::held();
-        host::clearFaults();
-        host::failAt(name, nth, host::Fault::unwind);
-        try {
-          callPicture("InvertZVR", picture);
-          completed = true;
-        } catch (const host::Unwound&) {
-          ++unwound;
-        }
-        ASSERT_EQ(host::held(), before) << kind.name << ", use " << nth << " of " << name << "\n"
-                                        << host::describeHeld();
-      }
-      host::clearFaults();
-    }
-  }
-  EXPECT_GT(unwound, 10);
-}
-
 }  // namespace

@@ -192,46 +192,4 @@ TEST_F(Roads, RowZeroAndTheCache) {
   EXPECT_GE(host::uses("REALPictureClearCache"), 1);
 }
 
-// Inverts a picture with alpha, and reads and writes its masks.
-void useEveryMethodOnce(const Pixels& source) {
-  const auto picture = makePicture(source, true), mask = makePicture(source);
-  for (const char* name : {"InvertZVR", "InvertGrayZVR", "EmbeddedMaskZVR", "HasMaskZVR"}) {
-    for (const host::Method* method : host::findMethods(name)) {
-      std::vector<host::Value> arguments;
-      for (const host::Parameter& parameter : method->declaration.parameters) {
-        const bool isBoolean = parameter.type == host::Type::boolean;
-        arguments.push_back(isBoolean ? host::Value(true) : host::Value(int64_t{1}));
-      }
-      host::call(*method, picture.get(), arguments);
-      if (method->setter) host::assign(*method, picture.get(), arguments, mask);
-    }
-  }
-}
-
-TEST_F(Roads, EveryEntryPointMissingInTurn) {
-  std::vector<std::string> names = host::entryPointNames();
-  for (const std::string& method : host::hostMethodNames()) names.push_back(method);
-  for (const std::string& name : names) {
-    unloadPlugin();
-    host::Settings settings = settingsForRoad();
-    if (name == "REALGetRBVersion") settings.version.reset();  // a host that does not tell its version
-    host::start(settings);
-    host::removeEntryPoint(name);
-    {
-      const host::Plugin plugin(ZVR_PLUGIN);
-      useEveryMethodOnce(source_);
-    }
-    // What a host can't release stays; and an instance whose constructor it does not give is lost, on
-    // purpose.
-    const bool losesInstances = name == "REALLoadObjectMethod" || name.rfind("Constructor(width", 0) == 0;
-    if (name == "REALUnlockObject" || name == "unlockPictureDescription" || (losesInstances && !isGdk())) {
-      EXPECT_FALSE(host::held() == host::Ledger()) << name << " was missing and made no difference";
-      continue;
-    }
-    EXPECT_EQ(host::held(), host::Ledger()) << name << '\n' << host::describeHeld();
-    EXPECT_EQ(isGdk() ? gdk().livePixbufs : 0, 0) << name;
-  }
-  host::start(settingsForRoad());
-}
-
 }  // namespace

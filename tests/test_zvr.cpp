@@ -189,6 +189,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{{"apply", "photo.png", "InvertZVR", "1", "2"}, "InvertZVR(left as Integer, top as Integer"},
         Refused{{"apply", "photo.png", "InvertZVR", "1", "2", "3", "4.5"}, "height: '4.5' is not an Integer"},
         Refused{{"apply", "photo.png", "EmbeddedMaskZVR", "maybe"}, "'maybe' is not a Boolean"},
+        Refused{{"apply", "photo.png", "CountColorZVR", "tealish"}, "a CSS name such as teal"},
         Refused{{"apply", "photo.png", "InvertZVR", "-o", "out.gif"}, ".png, .jpg or .jpeg"},
         Refused{{"apply", "photo.png", "InvertZVR", "-o", "{what}.png"}, "{what} is unknown"},
         Refused{{"apply", "photo.png", "./photo.png", "InvertZVR", "-o", "x.png"}, "would both be written"},
@@ -218,6 +219,14 @@ TEST_F(Zvr, listsWhatTheHostWasTold) {
   EXPECT_TRUE(contains(now.output, "  c InvertZVR ")) << now.output;
   EXPECT_TRUE(contains(now.output, "Class PictureLut3DZVR, console-safe"));
   EXPECT_FALSE(contains(now.output, "\x1b["));
+  // The same for scripts: an object for each member, defaults and all.
+  const std::string json = run({"list", "--json"}).output;
+  for (const char* part :
+       {"{\"globalMethods\": [\n", "\"declaration\": \"InvertZVR as picture\", \"parameters\": [], ",
+        "{\"name\": \"BackColor\", \"type\": \"Color\", \"byref\": false, \"default\": \"&c",
+        "{\"name\": \"PictureLut3DZVR\", \"consoleSafe\": true, "}) {
+    EXPECT_TRUE(contains(json, part)) << part;
+  }
   // Hosts before 2010.029 learn of no console-safe member.
   const Finished old = run({"list", "--host-version", "2010.028"});
   EXPECT_TRUE(contains(old.output, "  - InvertZVR ")) << old.output;
@@ -232,6 +241,24 @@ TEST_F(Zvr, saysWhatIsMissing) {
   const Finished noDisplay = run({"list", "--host", "gdk"}, "DISPLAY=");
   EXPECT_EQ(noDisplay.status, 1);
   EXPECT_TRUE(contains(noDisplay.errors, "display")) << noDisplay.errors;
+}
+
+TEST_F(Zvr, completesWhatIsTyped) {
+  struct {
+    std::vector<std::string> words;
+    const char* says;
+  } const cases[] = {{{"sh"}, "show\n"},
+                     {{"show", "picturesep"}, "PictureSepiaZVR\n"},
+                     {{"apply", "invertgray"}, ""},  // the input comes first
+                     {{"apply", "photo.png", "invertgray"}, "InvertGrayZVR\n"},
+                     {{"list", "--j"}, "--json\n"},
+                     {{"list", "--host", "c"}, "cairo\nconsole\n"},
+                     {{"list", "--plugin", ""}, ""}};
+  for (const auto& [typed, says] : cases) {
+    std::vector<std::string> words{"--complete"};
+    words.insert(words.end(), typed.begin(), typed.end());
+    EXPECT_EQ(run(words).output, says) << typed.back();
+  }
 }
 
 }  // namespace

@@ -19,8 +19,8 @@ class CairoView : public PixelView {
  public:
   explicit CairoView(Picture& picture) {
     const auto format = picture.alpha ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24;
-    cairo_surface_t* surface =
-        cairo.surfaceOver(picture.pixels.data(), format, picture.width, picture.height, picture.stride);
+    cairo_surface_t* surface = cairo.surfaceOver(picture.pixels.data(), format, picture.shownWidth(),
+                                                 picture.shownHeight(), picture.stride);
     context_ = cairo.create(surface);
     cairo.destroySurface(surface);  // the context keeps it
   }

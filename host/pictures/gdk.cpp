@@ -45,12 +45,12 @@ class GdkView : public PixelView {
   explicit GdkView(const Picture& picture) {
     const auto bytes = bytesRgb(picture);
     gdk.trapErrors();
-    pixmap_ = gdk.newPixmap(nullptr, picture.width, picture.height, depth);
+    pixmap_ = gdk.newPixmap(nullptr, picture.shownWidth(), picture.shownHeight(), depth);
     if (pixmap_) {
       gdk.setColormap(pixmap_, gdk.systemColormap());
       GdkGC* gc = gdk.newGc(pixmap_);
-      gdk.drawRgbImage(pixmap_, gc, 0, 0, picture.width, picture.height, GDK_RGB_DITHER_NONE, bytes.data(),
-                       picture.width * 3);
+      gdk.drawRgbImage(pixmap_, gc, 0, 0, picture.shownWidth(), picture.shownHeight(), GDK_RGB_DITHER_NONE,
+                       bytes.data(), picture.width * 3);
       gdk.unref(gc);
     }
     gdk.flush();

@@ -3,21 +3,22 @@
 
 #include <dlfcn.h>
 
-#include <stdexcept>
 #include <string>
+
+#include "host/host.h"
 
 namespace host {
 
 class Library {
  public:
-  // Throws std::runtime_error with the loader's words. The library stays open for good.
+  // Throws MissingLibrary with the loader's words. The library stays open for good.
   explicit Library(const char* name) : handle_(dlopen(name, RTLD_NOW | RTLD_LOCAL)) {
-    if (!handle_) throw std::runtime_error(std::string("this host needs a library: ") + dlerror());
+    if (!handle_) throw MissingLibrary(std::string("this host needs a library: ") + dlerror());
   }
   template <typename Function>
   void find(const char* name, Function& function) const {
     function = reinterpret_cast<Function>(dlsym(handle_, name));
-    if (!function) throw std::runtime_error(std::string("this host needs a function: ") + dlerror());
+    if (!function) throw MissingLibrary(std::string("this host needs a function: ") + dlerror());
   }
 
  private:

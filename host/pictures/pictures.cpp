@@ -43,7 +43,8 @@ PictureRef copyOf(const Picture& source) {
 // ---- Services ----
 
 REALpictureStruct* newByDepth(int32_t width, int32_t height, int32_t depth) {
-  return depth == kDepth ? newPicture(width, height).leak() : nullptr;
+  const int32_t more = settings().newPicturesGrowBy;
+  return depth == kDepth ? newPicture(width + more, height + more).leak() : nullptr;
 }
 
 // Takes the buffer over when a picture comes of it: it is freed with free() when the picture dies.
@@ -53,6 +54,8 @@ REALpictureStruct* buildFromBuffer(int32_t width, int32_t height, int32_t pixelT
   PictureRef built = newPicture(width, height);
   auto* picture = wanted(built.get(), "build");
   if (!picture) return nullptr;
+  picture->takenOverBuffer.reset(buffer);
+  if (settings().plainDrawables) return built.leak();  // shows the buffer itself
   const uint8_t* from = buffer;
   for (int32_t y = 0; y < height; ++y, from += rowBytes) {
     for (int32_t x = 0; x < width; ++x) {
@@ -60,11 +63,13 @@ REALpictureStruct* buildFromBuffer(int32_t width, int32_t height, int32_t pixelT
       picture->row(y)[x] = opaqueTop() | uint32_t{rgb[0]} << 16 | uint32_t{rgb[1]} << 8 | rgb[2];
     }
   }
-  picture->takenOverBuffer.reset(buffer);
   return built.leak();
 }
 
 REALpictureStruct* buildFromPlatformImage(void*) { return nullptr; }
+
+// A buffer is the host's also when no picture came of it.
+void failToBuild(int32_t, int32_t, int32_t, uint8_t* buffer, int32_t) { std::free(buffer); }
 
 RBBoolean lockNaturally(REALpictureStruct* picture, REALpictureDescription* description) {
   return lockPicture(picture, description, naturalType());
@@ -94,7 +99,8 @@ REALpictureStruct* getMask(REALpictureStruct* handle, RBBoolean create) {
 
 void construct(REALpictureStruct* handle, int32_t width, int32_t height) {
   auto* picture = wanted(handle, "construct");
-  if (picture && picture->width == 0) picture->allocate(width, height, true);
+  const int32_t more = settings().newPicturesGrowBy;
+  if (picture && picture->width == 0) picture->allocate(width + more, height + more, true);
 }
 
 REALpictureStruct* copyMask(REALpictureStruct* handle) {
@@ -129,7 +135,9 @@ bool Picture::readProperty(const std::string& name, PropertyValue& value) const 
     return true;
   }
   if ((name != "Width" && name != "Height") || oddities.hidesSize) return false;
-  value = int64_t{name == "Width" ? width : height};
+  const bool isWidth = name == "Width";
+  const int32_t claimed = isWidth ? oddities.claimedWidth : oddities.claimedHeight;
+  value = int64_t{claimed != -1 ? claimed : isWidth ? width : height};
   return true;
 }
 
@@ -145,6 +153,7 @@ bool Picture::allocate(int32_t newWidth, int32_t newHeight, bool hasAlpha) {
   height = newHeight;
   stride = static_cast<int32_t>(newStride);
   alpha = hasAlpha && settings().road != Road::gdk;
+  if (pixels.isUsed()) return true;
   for (int32_t y = 0; y < height; ++y) std::fill_n(row(y), width, settings().freshPixel);
   return true;
 }
@@ -237,7 +246,7 @@ void addPictureServices(std::vector<Entry>& all) {
   all.insert(all.end(),
              {
                  entry<newByDepth>("newPicture"),
-                 entry<buildFromBuffer>("REALBuildPictureFromBuffer"),
+                 entry<buildFromBuffer, failToBuild>("REALBuildPictureFromBuffer"),
                  entry<buildFromPlatformImage>("REALBuildPictureFromGWorld"),
                  entry<lockNaturally, failNaturally>("lockPictureDescription"),
                  entry<lockAsType, failAsType>("REALLockPictureDescription"),

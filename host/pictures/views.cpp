@@ -3,6 +3,7 @@
 #include "host/pictures/cairo.h"
 #include "host/pictures/console.h"
 #include "host/pictures/gdk.h"
+#include "host/pictures/plain.h"
 
 namespace host {
 namespace {
@@ -28,9 +29,13 @@ const RoadRow& row(Road road) {
 
 }  // namespace
 
-void openRoad(Road road) { row(road).open(); }
+void openRoad(Road road) {
+  if (!settings().plainDrawables) row(road).open();
+}
 int32_t naturalType() { return row(settings().road).naturalType; }
-std::unique_ptr<PixelView> viewPixels(Picture& picture) { return row(settings().road).view(picture); }
+std::unique_ptr<PixelView> viewPixels(Picture& picture) {
+  return settings().plainDrawables ? viewPlainly(picture) : row(settings().road).view(picture);
+}
 uint32_t opaqueTop() { return row(settings().road).opaqueTop; }
 
 }  // namespace host

@@ -39,5 +39,5 @@ SHIM_EXPORT int cairo_image_surface_get_height(cairo_surface_t* surface) {
 
 SHIM_EXPORT int cairo_image_surface_get_stride(cairo_surface_t* surface) {
   static const auto stride = real<decltype(cairo_image_surface_get_stride)>("cairo_image_surface_get_stride");
-  return shim.zeroStride ? 0 : stride(surface);
+  return shim.zeroStride ? 0 : shim.halfStride ? stride(surface) / 2 : stride(surface);
 }

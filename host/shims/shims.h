@@ -21,6 +21,7 @@ struct CairoShim {
   bool zeroWidth;    // the surface's width, height or stride is told as 0
   bool zeroHeight;
   bool zeroStride;
+  bool halfStride;  // half the stride is told
 };
 
 // The C names under which each shim hands out its own record.

@@ -14,7 +14,7 @@ namespace {
 struct ApplyOptions {
   std::vector<std::string> words, ins, outs;
   std::string output;
-  int quality = 92;
+  int quality = kUsualQuality;
 };
 
 // The files to write, for each input.
@@ -149,9 +149,7 @@ void addApply(CLI::App& program, const Options& options, Run& run) {
   addFileOption(*command, "--in", own->ins,
                 "A file for a Picture, MemoryBlock or String argument, by its name");
   addFileOption(*command, "--out", own->outs, "Where a MemoryBlock by reference goes; PATH as for -o");
-  command->add_option("--quality", own->quality, "Quality of written JPEG files")
-      ->check(CLI::Range(1, 100))
-      ->capture_default_str();
+  addQuality(*command, own->quality);
   command->footer(kNotes);
   command->callback([&run, &options, own] { run = [&options, own] { return apply(options, *own); }; });
 }

@@ -7,6 +7,7 @@
 #include "host/zvr/cube.h"
 #include "host/zvr/filters.h"
 #include "host/zvr/images.h"
+#include "host/zvr/lut.h"
 #include "host/zvr/outputs.h"
 #include "host/zvr/program.h"
 #include "host/zvr/signatures.h"
@@ -23,7 +24,7 @@ struct LutOptions {
   std::vector<std::string> files;
   std::string output;
   bool identity = false, dump = false;
-  int quality = 92;
+  int quality = kUsualQuality;
 };
 
 // What the words name: either may be empty.
@@ -65,20 +66,6 @@ void forEachNode(Action action) {
   }
 }
 
-// Fills the table through its setter: without a cube so that every colour stays what it is.
-void fill(Filter& filter, const Cube* cube) {
-  const host::Method& table = filter.method("Table");
-  forEachNode([&](int64_t r, int64_t g, int64_t b) {
-    const auto value = [](int64_t node) { return static_cast<double>(node * kNodeStep); };
-    std::array<double, 3> color{value(r), value(g), value(b)};
-    if (cube) {
-      color = cube->at({value(r) / kFull, value(g) / kFull, value(b) / kFull});
-      for (double& channel : color) channel = tableValue(channel);
-    }
-    for (int64_t x = 0; x < 3; ++x) filter.assign(table, {r, g, b, x}, color[static_cast<size_t>(x)]);
-  });
-}
-
 void dump(Filter& filter) {
   const host::Method& table = filter.method("Table");
   terminal::print("# r g b  Table(r, g, b, 0) Table(r, g, b, 1) Table(r, g, b, 2)");
@@ -96,10 +83,10 @@ int lut(const Options& options, const LutOptions& own) {
   const bool writes = !own.dump || !own.output.empty();
   const std::string output = writes ? planOutputs({files.picture}, own.output, "lut")[0] : "";
   if (own.identity) {
-    fill(filter, nullptr);
+    fillTable(filter, nullptr);
   } else {
     const Cube cube = loadCube(files.cube);
-    fill(filter, &cube);
+    fillTable(filter, &cube);
   }
   if (own.dump) dump(filter);
   if (!writes) return kDone;
@@ -110,6 +97,19 @@ int lut(const Options& options, const LutOptions& own) {
 }
 
 }  // namespace
+
+void fillTable(Filter& filter, const Cube* cube) {
+  const host::Method& table = filter.method("Table");
+  forEachNode([&](int64_t r, int64_t g, int64_t b) {
+    const auto value = [](int64_t node) { return static_cast<double>(node * kNodeStep); };
+    std::array<double, 3> color{value(r), value(g), value(b)};
+    if (cube) {
+      color = cube->at({value(r) / kFull, value(g) / kFull, value(b) / kFull});
+      for (double& channel : color) channel = tableValue(channel);
+    }
+    for (int64_t x = 0; x < 3; ++x) filter.assign(table, {r, g, b, x}, color[static_cast<size_t>(x)]);
+  });
+}
 
 void addLut(CLI::App& program, const Options& options, Run& run) {
   CLI::App* command =
@@ -122,9 +122,7 @@ void addLut(CLI::App& program, const Options& options, Run& run) {
                     "Instead of a .cube file, the table that leaves every colour as it is");
   command->add_flag("--dump", own->dump,
                     "Print the table as the class holds it; without -o no picture is needed nor written");
-  command->add_option("--quality", own->quality, "Quality of a written JPEG file")
-      ->check(CLI::Range(1, 100))
-      ->capture_default_str();
+  addQuality(*command, own->quality);
   command->footer(
       "The look is resampled to the 16 x 16 x 16 entries that PictureLut3DZVR uses (tetrahedral\n"
       "interpolation), on a scale from 0 to 255; what lies within 0.002 of a whole number becomes that.\n"

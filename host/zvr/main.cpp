@@ -6,6 +6,7 @@
 
 #include "host/zvr/command_line.h"
 #include "host/zvr/program.h"
+#include "host/zvr/self.h"
 #include "host/zvr/terminal.h"
 
 namespace zvr {
@@ -80,6 +81,7 @@ int main(const std::vector<std::string>& words) {
   addWave(program, options, run);
   addRun(program, options, run);
   addLut(program, options, run);
+  addGallery(program, options, run);
   program.footer(
       "Examples:\n"
       "  zvr list\n"
@@ -87,9 +89,20 @@ int main(const std::vector<std::string>& words) {
       "  zvr apply photo.png InvertZVR -o out.png\n"
       "  zvr wave speech.wav -o wave.png\n"
       "  zvr lut photo.png film.cube -o out.png\n"
+      "  zvr gallery photo.jpg -o gallery\n"
       "\n"
       "`zvr COMMAND --help` says more. Exit status: 0 done; 1 a method failed, answered nil or raised an\n"
       "exception, or a file can't be read or written; 2 the command line is wrong.\n");
+  // For the package and for shells; no person types these.
+  if (words == std::vector<std::string>{"--man-page"}) {
+    std::fputs(manualPage(program, ZVR_VERSION).c_str(), stdout);
+    return kDone;
+  }
+  if (!words.empty() && words[0] == "--complete") {
+    for (const std::string& word : completions(program, {words.begin() + 1, words.end()}))
+      terminal::print(word);
+    return kDone;
+  }
   mentionSharedOptions(program);
   try {
     std::vector<std::string> sorted = sortWords(program, words);

@@ -1,5 +1,7 @@
 #include "host/zvr/outputs.h"
 
+#include <CLI/CLI.hpp>
+
 #include <filesystem>
 
 #include "host/zvr/images.h"
@@ -78,6 +80,13 @@ std::vector<std::string> OutputPlan::add(Content content, const std::vector<std:
     outputs.push_back(output);
   }
   return outputs;
+}
+
+void addQuality(CLI::App& command, int& quality) {
+  command.add_option("--quality", quality, "Quality of written JPEG files")
+      ->type_name("1...100")
+      ->check(CLI::Range(1, 100).description(""))
+      ->capture_default_str();
 }
 
 std::vector<std::string> OutputPlan::pictures(const std::vector<std::string>& inputs,

@@ -5,7 +5,15 @@
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace zvr {
+
+constexpr int kUsualQuality = 92;
+// Adds --quality, 1 to 100, for JPEG files.
+void addQuality(CLI::App& command, int& quality);
 
 // Output files that do not coincide.
 class OutputPlan {

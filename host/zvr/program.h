@@ -54,5 +54,6 @@ void addApply(CLI::App& program, const Options& options, Run& run);
 void addWave(CLI::App& program, const Options& options, Run& run);
 void addRun(CLI::App& program, const Options& options, Run& run);
 void addLut(CLI::App& program, const Options& options, Run& run);
+void addGallery(CLI::App& program, const Options& options, Run& run);
 
 }  // namespace zvr

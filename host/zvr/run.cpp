@@ -14,7 +14,7 @@ namespace {
 struct RunOptions {
   std::string type, input, output;
   std::vector<std::string> settings;
-  int quality = 92;
+  int quality = kUsualQuality;
 };
 
 void apply(Filter& filter, const std::string& setting) {
@@ -47,9 +47,7 @@ void addRun(CLI::App& program, const Options& options, Run& run) {
       ->option_text(" ...");
   command->add_option("-o,--output", own->output,
                       "File, folder, or pattern with {name}; without it NAME-CLASS.png beside the input");
-  command->add_option("--quality", own->quality, "Quality of a written JPEG file")
-      ->check(CLI::Range(1, 100))
-      ->capture_default_str();
+  addQuality(*command, own->quality);
   command->footer(
       "The input becomes the SourcePicture of a new instance; after Run its DestinationPicture is written.\n"
       "`zvr show CLASS` lists the properties.\n"

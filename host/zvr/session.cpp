@@ -49,6 +49,14 @@ std::string findPlugin() {
                 (folder.parent_path() / "lib").string() + "; name it with --plugin PATH");
 }
 
+// What brings a road's toolkit, by Debian's names. The system is a 64-bit one most likely.
+std::string howToInstall(const Options& options) {
+  const std::string package = options.host == "gdk" ? "libgtk2.0-0" : "libcairo2";
+  return "; install it (on Debian and Ubuntu, as root: dpkg --add-architecture i386 && apt update && "
+         "apt install " +
+         package + ":i386), or add --host console, which needs none";
+}
+
 }  // namespace
 
 Session::Session(const Options& options) {
@@ -57,6 +65,8 @@ Session::Session(const Options& options) {
   try {
     host::start(settings);
     plugin_.emplace(path);
+  } catch (const host::MissingLibrary& error) {
+    throw Failure(error.what() + howToInstall(options));
   } catch (const std::runtime_error& error) {
     throw Failure(error.what());
   }

@@ -1,41 +1,12 @@
 #include "host/zvr/walk.h"
 
 #include <algorithm>
-#include <new>
 
-#include "host/zvr/files.h"
 #include "host/zvr/program.h"
 #include "host/zvr/signatures.h"
 #include "host/zvr/terminal.h"
 
 namespace zvr {
-namespace {
-
-host::Value valueOfBytes(const Bytes& bytes, host::Type type) {
-  if (type == host::Type::string) {
-    host::StringRef string = host::newString(std::string(bytes.begin(), bytes.end()), kEncodingNone);
-    if (!string) throw std::bad_alloc();
-    return string;
-  }
-  host::MemoryBlockRef block = host::newMemoryBlock(bytes.data(), bytes.size());
-  if (!block) throw std::bad_alloc();
-  return block;
-}
-
-Bytes readBytes(const std::string& path) {
-  Bytes bytes = readFile(path);
-  if (bytes.empty()) throw Failure(path + ": the file is empty");
-  return bytes;
-}
-
-Bytes bytesOf(const host::Value& value) {
-  const auto* block = std::get_if<host::MemoryBlockRef>(&value);
-  if (!block || !*block) return {};
-  const uint8_t* bytes = host::memoryBlockBytes(block->get());
-  return {bytes, bytes + host::memoryBlockSize(block->get())};
-}
-
-}  // namespace
 
 Walk::Walk(const std::string& input, std::string label)
     : input_(input), label_(std::move(label)), data_(readBytes(input)) {}
@@ -87,15 +58,11 @@ host::PictureRef Walk::currentPicture() {
 }
 
 host::Value Walk::valueOf(const Argument& argument, host::Type type) {
-  const bool isPicture = type == host::Type::picture;
   if (std::holds_alternative<Current>(argument)) {
-    if (isPicture) return currentPicture();
+    if (type == host::Type::picture) return currentPicture();
     return valueOfBytes(data_, type);
   }
-  if (const auto* file = std::get_if<ArgumentFile>(&argument)) {
-    if (isPicture) return toPicture(loadImage(file->path));
-    return valueOfBytes(readBytes(file->path), type);
-  }
+  if (const auto* file = std::get_if<ArgumentFile>(&argument)) return valueOfFile(file->path, type);
   return std::get<host::Value>(argument);
 }
 

@@ -1,17 +1,15 @@
 // One input on its way through a chain.
 #pragma once
 
-#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "host/zvr/arguments.h"
 #include "host/zvr/chain.h"
 #include "host/zvr/images.h"
 
 namespace zvr {
-
-using Bytes = std::vector<uint8_t>;
 
 class Walk {
  public:

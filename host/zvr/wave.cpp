@@ -20,7 +20,7 @@ constexpr const char* kMethod = "RenderSamplesZVR";
 struct WaveOptions {
   std::string input, output;
   std::string backColor, foreColor, outlineColor;  // empty: the method's own
-  int width = 1200, height = 300, smooth = 1, outline = 0, quality = 92;
+  int width = 1200, height = 300, smooth = 1, outline = 0, quality = kUsualQuality;
   bool autoScale = false;
 };
 
@@ -103,13 +103,11 @@ void addOptions(CLI::App& command, WaveOptions& own) {
   command.add_option("--smooth", own.smooth, "Columns of the moving average; 1 for none")
       ->capture_default_str();
   command.add_option("--outline", own.outline, "Width of the outline; 0 for none")->capture_default_str();
-  command.add_option("--back-color", own.backColor, "Background, &cRRGGBB or #rrggbb");
+  command.add_option("--back-color", own.backColor, "Background: '&cRRGGBB', '#rrggbb' or a CSS name");
   command.add_option("--fore-color", own.foreColor, "Bars");
   command.add_option("--outline-color", own.outlineColor, "Outline");
   command.add_flag("--auto-scale", own.autoScale, "Let the loudest column fill half the height");
-  command.add_option("--quality", own.quality, "Quality of a written JPEG file")
-      ->check(CLI::Range(1, 100))
-      ->capture_default_str();
+  addQuality(command, own.quality);
 }
 
 }  // namespace
@@ -124,7 +122,7 @@ void addWave(CLI::App& program, const Options& options, Run& run) {
       "\n"
       "Examples:\n"
       "  zvr wave speech.wav -o wave.png\n"
-      "  zvr wave speech.wav --smooth 3 --outline 1 --auto-scale --fore-color '#c03020' -o wave.png\n");
+      "  zvr wave speech.wav --smooth 3 --outline 1 --auto-scale --fore-color firebrick -o wave.png\n");
   command->callback([&run, &options, own] { run = [&options, own] { return wave(options, *own); }; });
 }
 

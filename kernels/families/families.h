@@ -19,6 +19,7 @@ SpanMap2 brighter;
 SpanMap3 combineChannels;
 SpanReplace replaceBits;
 SpanLookup mapThroughTables;
+SpanLines mapAlongLines;
 SpanCount countColor;
 SpanHistogram countChannels;
 SpanTest isAllColor, isAllGray;

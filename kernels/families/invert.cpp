@@ -1,20 +1,19 @@
 // Inverting all pixels, or the gray ones alone.
 
-#include "kernels/families/families.h"
+#include "kernels/families/light_maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
 void invert(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
-  for (size_t i = 0; i < count; ++i) out[i] = (~in[i] & 0xFFFFFF) | top;
+  mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) { return (~p[0] & 0xFFFFFF) | top; });
 }
 
 void invertGray(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
-  for (size_t i = 0; i < count; ++i) {
-    const uint32_t pixel = in[i] & 0xFFFFFF;
+  mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) {
     // Gray when each channel equals the one above it.
-    const uint32_t differing = (pixel ^ pixel >> 8) & 0xFFFF;
-    out[i] = (differing == 0 ? pixel ^ 0xFFFFFF : pixel) | top;
-  }
+    const Pixels differing = (p[0] ^ p[0] >> 8) & 0xFFFF;
+    return ((differing == 0 ? ~p[0] : p[0]) & 0xFFFFFF) | top;
+  });
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

@@ -1,22 +1,21 @@
 // Between masks and pictures.
 
-#include "kernels/families/families.h"
+#include "kernels/families/light_maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
+namespace {
+
+Pixels gray(Pixels value, uint32_t top) { return value << 16 | value << 8 | value | top; }
+
+}  // namespace
 
 void grayFromTop8(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
-  for (size_t i = 0; i < count; ++i) {
-    const uint32_t v = in[i] >> 24;
-    out[i] = v << 16 | v << 8 | v | top;
-  }
+  mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) { return gray(p[0] >> 24, top); });
 }
 
 void grayFromTop7(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
-  for (size_t i = 0; i < count; ++i) {
-    const uint32_t a = in[i] >> 24 & 0x7F;
-    const uint32_t v = a << 1 | (a & 1);
-    out[i] = v << 16 | v << 8 | v | top;
-  }
+  mapLightly(out, {in}, count,
+             [=](const Pixels(&p)[1]) { return gray((p[0] >> 23 & 0xFE) | (p[0] >> 24 & 1), top); });
 }
 
 void fill(Pixel* out, size_t count, uint32_t word) {

@@ -1,6 +1,6 @@
 // One exact colour against all others.
 
-#include "kernels/families/families.h"
+#include "kernels/families/light_maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
@@ -11,18 +11,17 @@ constexpr uint32_t kColor = 0xFFFFFF;
 
 void replaceColor(Pixel* out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
                   uint32_t replacement) {
-  for (size_t i = 0; i < count; ++i) {
-    const bool found = ((in[i] ^ searched) & kColor) == 0;
-    out[i] = ((found ? replacement : in[i]) & kColor) | top;
-  }
+  // Shifted, the top byte falls out of the comparison; and what is written has its own.
+  const Pixels found = allOf(searched << 8), written = allOf((replacement & kColor) | top);
+  mapLightly(out, {in}, count,
+             [=](const Pixels(&p)[1]) { return p[0] << 8 == found ? written : (p[0] & kColor) | top; });
 }
 
 void extractColor(Pixel* out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
                   uint32_t replacement, uint32_t background) {
-  for (size_t i = 0; i < count; ++i) {
-    const bool found = ((in[i] ^ searched) & kColor) == 0;
-    out[i] = ((found ? replacement : background) & kColor) | top;
-  }
+  const Pixels found = allOf(searched << 8), written = allOf((replacement & kColor) | top),
+               other = allOf((background & kColor) | top);
+  mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) { return p[0] << 8 == found ? written : other; });
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

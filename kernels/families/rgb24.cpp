@@ -1,44 +1,122 @@
-// 3-byte pixels to words and back, four pixels (three words of memory) at a time.
+// 3-byte pixels to words and back, a vector of words at a time.
 
-#include "kernels/families/families.h"
+#include "kernels/families/light_maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-uint32_t load(const uint8_t* from) {
-  uint32_t word;
-  __builtin_memcpy(&word, from, 4);
-  return word;
+// Bytes from where 3-byte pixels start to the end of what `widened` reads and `narrow` writes for a vector of
+// words; behind the pixels there is nothing of use.
+#if defined(__AVX512VBMI__)
+constexpr size_t kReach = 64;
+#elif defined(__AVX2__)
+constexpr size_t kReach = 28;
+#else
+constexpr size_t kReach = 14;
+#endif
+
+#if defined(__AVX2__)
+
+// For each byte of 16 words its place in the 3-byte pixels, and the other way round.
+struct Order {
+  uint8_t at[64];
+};
+
+constexpr Order placesInBytes() {
+  Order order{};
+  for (size_t i = 0; i < sizeof order; ++i)
+    order.at[i] = static_cast<uint8_t>(i % 4 == 3 ? 0x80 : i / 4 * 3 + 2 - i % 4);  // 0x80 stands for 0
+  return order;
 }
 
-void store(uint8_t* to, uint32_t word) { __builtin_memcpy(to, &word, 4); }
+constexpr Order placesInWords() {
+  Order order{};
+  for (size_t i = 0; i < 48; ++i) order.at[i] = static_cast<uint8_t>(i / 3 * 4 + 2 - i % 3);
+  return order;
+}
 
-// Memory order red, green, blue to red in bits 16-23; the byte behind blue falls out.
-uint32_t swapped(uint32_t rgbx) { return __builtin_bswap32(rgbx) >> 8; }
+alignas(64) constexpr Order kPlacesInBytes = placesInBytes(), kPlacesInWords = placesInWords();
+
+#endif
+
+// A vector of words, with top bytes of 0, from 3-byte pixels; and back.
+#if defined(__AVX512VBMI__)
+
+Pixels widened(const uint8_t* in) {
+  const auto bytes = reinterpret_cast<Vector>(load(in));
+  const auto order = reinterpret_cast<Vector>(load(&kPlacesInBytes));
+  return reinterpret_cast<Pixels>(_mm512_maskz_permutexvar_epi8(0x7777777777777777, order, bytes));
+}
+
+void narrow(uint8_t* out, Pixels pixels) {
+  const auto order = reinterpret_cast<Vector>(load(&kPlacesInWords));
+  store(out, reinterpret_cast<Pixels>(_mm512_permutexvar_epi8(order, reinterpret_cast<Vector>(pixels))));
+}
+
+#elif defined(__AVX2__)
+
+Vector inOrder(Vector bytes, const Order& order) {
+  __m128i places;
+  __builtin_memcpy(&places, &order, sizeof places);
+  return _mm256_shuffle_epi8(bytes, allLanes(places));
+}
+
+// Bytes move within 128 bits only, in which there are 4 pixels.
+Pixels widened(const uint8_t* in) {
+  __m128i lanes[2];
+  __builtin_memcpy(&lanes[0], in, sizeof lanes[0]);
+  __builtin_memcpy(&lanes[1], in + 12, sizeof lanes[1]);
+  const Vector bytes = _mm256_inserti128_si256(_mm256_castsi128_si256(lanes[0]), lanes[1], 1);
+  return reinterpret_cast<Pixels>(inOrder(bytes, kPlacesInBytes));
+}
+
+void narrow(uint8_t* out, Pixels pixels) {
+  const Vector bytes = inOrder(reinterpret_cast<Vector>(pixels), kPlacesInWords);
+  const __m128i lanes[] = {_mm256_castsi256_si128(bytes), _mm256_extracti128_si256(bytes, 1)};
+  __builtin_memcpy(out, &lanes[0], sizeof lanes[0]);
+  __builtin_memcpy(out + 12, &lanes[1], sizeof lanes[1]);
+}
+
+#else
+
+// Red and blue exchanged, above them 0.
+Pixels swapped(Pixels p) {
+  const auto redAndBlue = reinterpret_cast<Vector>(p & 0xFF00FF);
+  const Vector exchanged = _mm_shufflehi_epi16(_mm_shufflelo_epi16(redAndBlue, 0xB1), 0xB1);
+  return (p & 0xFF00) | reinterpret_cast<Pixels>(exchanged);
+}
+
+typedef uint64_t Pairs __attribute__((vector_size(16)));
+constexpr uint64_t kFirst = 0xFFFFFF, kSecond = kFirst << 32;
+
+// No bytes can be moved one by one: two pixels in each half are pulled apart by shifts.
+Pixels widened(const uint8_t* in) {
+  Pairs bytes;
+  __builtin_memcpy(&bytes, in, 8);
+  __builtin_memcpy(reinterpret_cast<uint8_t*>(&bytes) + 8, in + 6, 8);
+  return swapped(reinterpret_cast<Pixels>((bytes & kFirst) | (bytes << 8 & kSecond)));
+}
+
+void narrow(uint8_t* out, Pixels pixels) {
+  const auto words = reinterpret_cast<Pairs>(swapped(pixels));
+  const Pairs bytes = (words & kFirst) | (words & kSecond) >> 8;
+  __builtin_memcpy(out, &bytes, 8);
+  __builtin_memcpy(out + 6, reinterpret_cast<const uint8_t*>(&bytes) + 8, 8);
+}
+
+#endif
 
 }  // namespace
 
 void unpackRGB24(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
-  for (; count >= 4; count -= 4, in += 12, out += 4) {
-    const uint32_t a = load(in), b = load(in + 4), c = load(in + 8);
-    out[0] = swapped(a) | top;
-    out[1] = swapped(a >> 24 | b << 8) | top;
-    out[2] = swapped(b >> 16 | c << 16) | top;
-    out[3] = swapped(c >> 8) | top;
-  }
-  for (; count > 0; --count, in += 3) {
+  for (; count * 3 >= kReach; count -= kPixels, in += kPixels * 3, out += kPixels)
+    store(out, widened(in) | top);
+  for (; count > 0; --count, in += 3)
     *out++ = static_cast<uint32_t>(in[0]) << 16 | static_cast<uint32_t>(in[1]) << 8 | in[2] | top;
-  }
 }
 
 void packRGB24(uint8_t* out, const Pixel* in, size_t count) {
-  for (; count >= 4; count -= 4, in += 4, out += 12) {
-    const uint32_t p = __builtin_bswap32(in[0]) >> 8, q = __builtin_bswap32(in[1]) >> 8;
-    const uint32_t r = __builtin_bswap32(in[2]) >> 8, s = __builtin_bswap32(in[3]) >> 8;
-    store(out, p | q << 24);
-    store(out + 4, q >> 8 | r << 16);
-    store(out + 8, r >> 16 | s << 8);
-  }
+  for (; count * 3 >= kReach; count -= kPixels, in += kPixels, out += kPixels * 3) narrow(out, load(in));
   for (; count > 0; --count, out += 3) {
     const uint32_t word = *in++;
     out[0] = static_cast<uint8_t>(word >> 16);

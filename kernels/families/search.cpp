@@ -1,39 +1,27 @@
 // Finding a colour, and comparing spans by colour.
 
-#include "kernels/families/families.h"
+#include "kernels/families/reads.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
-namespace {
-
-// Pixels that are looked at together.
-constexpr size_t kBlock = 64;
-
-// What two pixels differ in, the top byte left out.
-uint32_t difference(uint32_t a, uint32_t b) { return (a ^ b) & 0xFFFFFF; }
-
-bool blockHas(const Pixel* in, uint32_t color) {
-  uint32_t equal = 0;
-  for (size_t i = 0; i < kBlock; ++i) equal |= difference(in[i], color) == 0 ? 1U : 0U;
-  return equal != 0;
-}
-
-}  // namespace
 
 size_t findColor(const Pixel* in, size_t count, uint32_t color) {
-  size_t at = 0;
-  while (count - at >= kBlock && !blockHas(in + at, color)) at += kBlock;
-  while (at < count && difference(in[at], color) != 0) ++at;
+  const Pixels wanted = allOf(color << 8);
+  size_t at = findBlock<kSmallBlock>(
+      in, count, [=](Pixels found, Pixels p) { return found | reinterpret_cast<Pixels>(p << 8 == wanted); },
+      [](Pixels found) { return found; });
+  while (at < count && ((in[at] ^ color) & 0xFFFFFF) != 0) ++at;
   return at;
 }
 
 bool areEqual(const Pixel* in1, const Pixel* in2, size_t count) {
-  for (; count >= kBlock; count -= kBlock, in1 += kBlock, in2 += kBlock) {
+  constexpr size_t kTogether = 64;
+  for (; count >= kTogether; count -= kTogether, in1 += kTogether, in2 += kTogether) {
     uint32_t different = 0;
-    for (size_t i = 0; i < kBlock; ++i) different |= difference(in1[i], in2[i]);
+    for (size_t i = 0; i < kTogether; ++i) different |= (in1[i] ^ in2[i]) & 0xFFFFFF;
     if (different != 0) return false;
   }
   uint32_t different = 0;
-  for (size_t i = 0; i < count; ++i) different |= difference(in1[i], in2[i]);
+  for (size_t i = 0; i < count; ++i) different |= (in1[i] ^ in2[i]) & 0xFFFFFF;
   return different == 0;
 }
 

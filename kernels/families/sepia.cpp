@@ -1,20 +1,18 @@
 // Toned monochrome.
 
-#include "kernels/families/families.h"
+#include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-inline uint32_t limited(uint32_t bits) {
+uint32_t limited(uint32_t bits) {
   const int32_t value = static_cast<int32_t>(bits);
   const int32_t atLeast0 = value < 0 ? 0 : value;
   return static_cast<uint32_t>(atLeast0 > 255 ? 255 : atLeast0);
 }
 
-}  // namespace
-
 // Sums and products of extreme weights and tones wrap, as 32-bit integers do.
-void tone(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning& toning) {
+void toneByAny(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning& toning) {
   const Toning t = toning;
   for (size_t i = 0; i < count; ++i) {
     const uint32_t pixel = in[i];
@@ -26,6 +24,46 @@ void tone(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning&
     out[i] = limited(t.red + brightness) << 16 | limited(t.green + brightness) << 8 |
              limited(t.blue + brightness) | top;
   }
+}
+
+bool isSmall(uint32_t bits) { return bits + 0x8000 < 0x10000; }
+
+// Weights and tones that fit 16 bits: so do all brightnesses, and sums with tones may saturate, because they
+// are limited further anyway.
+void toneBySmall(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning& t) {
+  const Vector redAndBlue = allPixels(t.redWeight << 16 | (t.blueWeight & 0xFFFF));
+  const Vector green = allPixels(t.greenWeight & 0xFFFF);
+  const auto word = [](uint32_t bits) { return static_cast<int16_t>(bits); };
+  const int16_t r = word(t.red), g = word(t.green), b = word(t.blue);
+  const Vector tones = allLanes(_mm_setr_epi16(b, g, r, 0, b, g, r, 0));
+  const Vector color = allPixels(0xFFFFFF), tops = allPixels(top);
+  const auto toned = [&](Vector brightness) __attribute__((always_inline)) {
+    return reinterpret_cast<Words>(ZVR_VECTOR(adds_epi16)(brightness, tones));
+  };
+  mapVectors(
+      out, in, count, [&](Vector pixels) __attribute__((always_inline)) {
+        const auto even = reinterpret_cast<Vector>(reinterpret_cast<Words>(pixels) & 0xFF);
+        const auto odd = reinterpret_cast<Vector>(reinterpret_cast<Words>(pixels) >> 8);
+        const Vector sum = ZVR_VECTOR(add_epi32)(ZVR_VECTOR(madd_epi16)(even, redAndBlue),
+                                                 ZVR_VECTOR(madd_epi16)(odd, green));
+        // Truncated toward zero: of negative sums a little less is to be rounded down.
+        const Vector brightness = ZVR_VECTOR(srai_epi32)(
+            ZVR_VECTOR(add_epi32)(sum, ZVR_VECTOR(srli_epi32)(ZVR_VECTOR(srai_epi32)(sum, 31), 22)), 10);
+        // Each brightness four times.
+        const Vector once = ZVR_VECTOR(packs_epi32)(brightness, brightness),
+                     twice = ZVR_VECTOR(unpacklo_epi16)(once, once);
+        const Vector result = packed(toned(ZVR_VECTOR(unpacklo_epi32)(twice, twice)),
+                                     toned(ZVR_VECTOR(unpackhi_epi32)(twice, twice)));
+        return (result & color) | tops;
+      });
+}
+
+}  // namespace
+
+void tone(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning& t) {
+  const bool areSmall = isSmall(t.redWeight) && isSmall(t.greenWeight) && isSmall(t.blueWeight) &&
+                        isSmall(t.red) && isSmall(t.green) && isSmall(t.blue);
+  (areSmall ? toneBySmall : toneByAny)(out, in, count, top, t);
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

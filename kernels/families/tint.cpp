@@ -1,15 +1,47 @@
 // A pixel's brightness, weighted by one base colour, spread in the proportions of another.
+//
+// What decides are weights rounded to double, extended precision behind them, and truncation. In whole
+// numbers a new channel is n / 65025, with n = N * s, N the weighted sum of the old channels and s the share
+// of the new one. The rounded quotient is another one only where n / 65025 is whole itself: everywhere else
+// it lies 2^26 times further from a whole number than rounding errs. So single precision finds most channels,
+// a test tells what is near a whole number, and the errors of the rounded weights tell there what comes out.
 
-#include "kernels/families/families.h"
+#include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
+
+typedef int32_t Ints __attribute__((vector_size(sizeof(Vector))));
+typedef float Floats __attribute__((vector_size(sizeof(Vector))));
+
+Floats allFloats(float value) { return ZVR_VECTOR(set1_ps)(value); }
+Floats toFloats(Vector ints) { return __builtin_convertvector(reinterpret_cast<Ints>(ints), Floats); }
+
+#if defined(__AVX512VBMI__)
+Floats lesser(Floats a, Floats b) { return _mm512_maskz_min_ps(0xFFFF, a, b); }
+Floats larger(Floats a, Floats b) { return _mm512_maskz_max_ps(0xFFFF, a, b); }
+Vector lesserWords(Vector a, Vector b) { return _mm512_min_epu16(a, b); }
+bool isAnyLowerWordZero(Vector v) { return _mm512_testn_epi16_mask(v, v) & 0x55555555; }
+#elif defined(__AVX2__)
+Floats lesser(Floats a, Floats b) { return _mm256_min_ps(a, b); }
+Floats larger(Floats a, Floats b) { return _mm256_max_ps(a, b); }
+Vector lesserWords(Vector a, Vector b) { return _mm256_min_epu16(a, b); }
+bool isAnyLowerWordZero(Vector v) {
+  return _mm256_movemask_epi8(_mm256_cmpeq_epi16(v, Vector{})) & 0x33333333;
+}
+#else
+Floats lesser(Floats a, Floats b) { return _mm_min_ps(a, b); }
+Floats larger(Floats a, Floats b) { return _mm_max_ps(a, b); }
+Vector lesserWords(Vector a, Vector b) { return _mm_sub_epi16(a, _mm_subs_epu16(a, b)); }
+bool isAnyLowerWordZero(Vector v) { return _mm_movemask_epi8(_mm_cmpeq_epi16(v, Vector{})) & 0x3333; }
+#endif
 
 uint32_t redOf(uint32_t pixel) { return pixel >> 16 & 0xFF; }
 uint32_t greenOf(uint32_t pixel) { return pixel >> 8 & 0xFF; }
 uint32_t blueOf(uint32_t pixel) { return pixel & 0xFF; }
 
-// What decides: the weights rounded to double, everything else in extended precision, truncated.
+// ---- What decides ----
+
 uint32_t shade(long double brightness, uint32_t sepia) {
   const double weight = sepia / 255.0;
   const auto value = static_cast<int32_t>(brightness * weight);
@@ -31,48 +63,145 @@ uint32_t remembered(Tint& tint, uint32_t pixel) {
   return known.result;
 }
 
-// In whole numbers a new channel is n / (255 * 255). The rounded one can differ only where that is whole
-// itself and not clamped away: everywhere else it lies 2^26 times further from a whole number than rounding
-// errs.
-uint32_t wholeShade(uint32_t n, uint32_t& doubt) {
-  const uint32_t value = n / 65025;
-  doubt |= static_cast<uint32_t>(value * 65025 == n) & static_cast<uint32_t>(value - 1 < 255);
-  return value < 255 ? value : 255;
+// ---- What the errors of the weights tell ----
+
+// By how many 2^-60 255ths v / 255 as a double is too large. That is a whole number, since such a double is
+// one in 2^-60, and at most 255 * 2^6 to either side.
+//
+// With e for a weight's error, the product of the rounded weights and the pixel is
+// (n + D * 2^-60 + less than 2^-60) / 65025 with D = s * (R * er + G * eg + B * eb) + N * es. Extended
+// precision errs by less than 3.01 * 2^-64 of it. So where n / 65025 is whole, a D above 0.19 * n + 1 leaves
+// it, one below -(0.19 * n + 1) gives one less, and between them only calculating as stated can tell.
+struct WeightErrors {
+  int16_t of[256];
+  constexpr WeightErrors() : of() {
+    for (int v = 0; v < 256; ++v) {
+      const long double error = static_cast<long double>(v / 255.0) * 255 - v;
+      of[v] = static_cast<int16_t>(error * 0x1p60L);
+    }
+  }
+};
+constexpr WeightErrors kErrors;
+
+uint32_t commonDivisor(uint32_t a, uint32_t b) { return b == 0 ? a : commonDivisor(b, a % b); }
+
+// How to lean, in 65536ths, so that single precision is right near whole numbers, too: towards the side that
+// D is on. That is the same for all pixels where each of its parts is there, and counts where the values that
+// n takes lie far enough apart. 0 where it has to be told for each pixel.
+float leanOf(uint32_t gray, uint32_t sepia) {
+  uint32_t distance = 65025;
+  bool isUp = true, isDown = true, isExact = true;
+  const uint32_t weights[] = {redOf(gray), greenOf(gray), blueOf(gray)};
+  for (const uint32_t weight : weights) {
+    const auto n = static_cast<int32_t>(weight * sepia);
+    const int32_t part =
+        kErrors.of[weight] * static_cast<int32_t>(sepia) + kErrors.of[sepia] * static_cast<int32_t>(weight);
+    isUp = isUp && 4 * part >= n;
+    isDown = isDown && -4 * part >= n;
+    isExact = isExact && kErrors.of[weight] == 0 && kErrors.of[sepia] == 0;
+    distance = commonDivisor(distance, weight * sepia);
+  }
+  if (distance < 25) return 0;
+  const float lean = static_cast<float>(distance) / 4;
+  return isUp || isExact ? lean : isDown ? -lean : 0;
 }
 
-constexpr size_t kBlock = 128;
+// ---- Vectors ----
 
-// Up to kBlock pixels. Those in doubt are noted in `doubtful`, others as 0 there; answers whether there are
-// any.
-bool tintBlock(Pixel* out, const Pixel* in, size_t count, uint32_t top, uint32_t gray, uint32_t sepia,
-               uint32_t* doubtful) {
-  uint32_t any = 0;
-  for (size_t i = 0; i < count; ++i) {
-    const uint32_t pixel = in[i] & 0xFFFFFF;
-    const uint32_t brightness =
-        redOf(pixel) * redOf(gray) + greenOf(pixel) * greenOf(gray) + blueOf(pixel) * blueOf(gray);
-    uint32_t doubt = 0;
-    const uint32_t red = wholeShade(brightness * redOf(sepia), doubt);
-    const uint32_t green = wholeShade(brightness * greenOf(sepia), doubt);
-    const uint32_t blue = wholeShade(brightness * blueOf(sepia), doubt);
-    doubtful[i] = doubt ? pixel : 0;
-    any |= doubt;
-    out[i] = red << 16 | green << 8 | blue | top;
+// Weights as the products of bytes want them.
+struct Weights {
+  Vector redBlue, green;
+
+  Weights(int32_t r, int32_t g, int32_t b)
+      : redBlue(allPixels(static_cast<uint32_t>(r) << 16 | (static_cast<uint32_t>(b) & 0xFFFF))),
+        green(allPixels(static_cast<uint32_t>(g) & 0xFFFF)) {}
+  Floats sum(Vector pixels) const {
+    const Vector greens = reinterpret_cast<Vector>(reinterpret_cast<Words>(pixels) >> 8);
+    return toFloats(ZVR_VECTOR(add_epi32)(ZVR_VECTOR(madd_epi16)(pixels & allPixels(0xFF00FF), redBlue),
+                                          ZVR_VECTOR(madd_epi16)(greens, green)));
   }
-  return any != 0;
+};
+
+// What becomes of a brightness in one channel.
+struct Share {
+  Floats factor, lean, sepia, error;
+
+  Share(uint32_t share, float itsLean)
+      // Up by the roundings that are to come: no value is below the exact one, none 4 above it.
+      : factor(allFloats(static_cast<float>(share * (65536 / 65025.0 * (1 + 0x1p-23))))),
+        lean(allFloats(itsLean)),
+        sepia(allFloats(static_cast<float>(share))),
+        error(allFloats(kErrors.of[share])) {}
+
+  // In 65536ths.
+  Pixels of(Floats brightness) const {
+    const Floats value = lesser(brightness * factor + lean, allFloats(255.5F * 65536));
+    return reinterpret_cast<Pixels>(__builtin_convertvector(value, Ints));
+  }
+  // Whole, with all bits of `unsure` set where it may be one too high or too low.
+  Pixels decided(Floats brightness, Floats weightErrors, Ints& unsure) const {
+    const Pixels value = of(brightness) >> 16;
+    const Floats rest = brightness * sepia - toFloats(reinterpret_cast<Vector>(value)) * 65025;
+    // Where the rest is 0 this is D, give or take 1000; elsewhere it is beyond any D.
+    const Floats side = rest * 0x1p40F + (weightErrors * sepia + brightness * error);
+    constexpr float kSure = 0x1p22F;  // above 0.19 * n for all n that matter
+    unsure |= (side < kSure) & (side > -kSure);
+    return value + reinterpret_cast<Pixels>(side < 0);
+  }
+};
+
+struct Toner {
+  Weights weights, errors;
+  Share red, green, blue;
+
+  explicit Toner(const Tint& t)
+      : weights(static_cast<int32_t>(redOf(t.gray)), static_cast<int32_t>(greenOf(t.gray)),
+                static_cast<int32_t>(blueOf(t.gray))),
+        errors(kErrors.of[redOf(t.gray)], kErrors.of[greenOf(t.gray)], kErrors.of[blueOf(t.gray)]),
+        red(redOf(t.sepia), t.lean[0]),
+        green(greenOf(t.sepia), t.lean[1]),
+        blue(blueOf(t.sepia), t.lean[2]) {}
+
+  // At least 128: what is below gives 0 in all channels, and so does 128, but it is not near a whole number.
+  Floats brightnessOf(Vector pixels) const { return larger(weights.sum(pixels), allFloats(128)); }
+};
+
+// For vectors with channels near whole numbers.
+[[gnu::noinline]] Vector decide(Vector pixels, const Toner& toner, uint32_t top, Tint& tint) {
+  const Floats brightness = toner.brightnessOf(pixels), errors = toner.errors.sum(pixels);
+  Ints unsure{};
+  const Pixels red = toner.red.decided(brightness, errors, unsure);
+  const Pixels green = toner.green.decided(brightness, errors, unsure);
+  const Pixels blue = toner.blue.decided(brightness, errors, unsure);
+  Pixels result = red << 16 | green << 8 | blue | top;
+  for (size_t i = 0; i < kPixels; ++i) {
+    if (unsure[i]) result[i] = remembered(tint, reinterpret_cast<Pixels>(pixels)[i] & 0xFFFFFF) | top;
+  }
+  return reinterpret_cast<Vector>(result);
 }
 
 }  // namespace
 
 void tint(Pixel* out, const Pixel* in, size_t count, uint32_t top, Tint& tint) {
-  uint32_t doubtful[kBlock];
-  for (size_t first = 0; first < count; first += kBlock) {
-    const size_t length = count - first < kBlock ? count - first : kBlock;
-    if (!tintBlock(out + first, in + first, length, top, tint.gray, tint.sepia, doubtful)) continue;
-    for (size_t i = 0; i < length; ++i) {
-      if (doubtful[i]) out[first + i] = remembered(tint, doubtful[i]) | top;
-    }
+  if (!tint.isPrepared) {
+    tint.lean[0] = leanOf(tint.gray, redOf(tint.sepia));
+    tint.lean[1] = leanOf(tint.gray, greenOf(tint.sepia));
+    tint.lean[2] = leanOf(tint.gray, blueOf(tint.sepia));
+    tint.isPrepared = true;
   }
+  const Toner toner(tint);
+  mapVectors(
+      out, in, count, [&](Vector pixels) __attribute__((always_inline)) {
+        const Floats brightness = toner.brightnessOf(pixels);
+        const Pixels red = toner.red.of(brightness), green = toner.green.of(brightness),
+                     blue = toner.blue.of(brightness);
+        const Vector nearest =
+            lesserWords(lesserWords(reinterpret_cast<Vector>(red), reinterpret_cast<Vector>(green)),
+                        reinterpret_cast<Vector>(blue));
+        if (isAnyLowerWordZero(ZVR_VECTOR(subs_epu16)(nearest, allWords(3))))
+          return decide(pixels, toner, top, tint);
+        return reinterpret_cast<Vector>((red & 0xFF0000) | (green >> 8 & 0xFF00) | blue >> 16 | top);
+      });
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

@@ -1,0 +1,280 @@
+// The benchmark: `picturezvr_bench [--json | --tables | --smoke] [FILTER]`.
+
+#include <benchmark/benchmark.h>
+
+#include <iostream>
+#include <map>
+#include <memory>
+#include <regex>
+#include <stdexcept>
+
+#include "bench/allocations.h"
+#include "bench/kernel_runs.h"
+#include "bench/names.h"
+#include "bench/operations.h"
+#include "bench/report.h"
+
+namespace bench {
+namespace {
+
+constexpr Size kLarge{3840, 2160}, kMiddle{1000, 1000}, kSmall{256, 256}, kTiny{16, 16}, kSmoke{70, 40};
+constexpr int kGrowingSides[] = {16, 64, 256, 1024, 4096, 8192};
+constexpr Effort kUsual{7, 400, 0.12}, kQuick{3, 2000, 0.05}, kManyCalls{500, 2000, 0.02, Clock::wall},
+    kOnce{1, 1, 0};
+
+// The library that is measured; others are the same with one instruction set alone.
+const std::string kLibrary = ZVR_PLUGIN;
+const std::string kSse2Library = ZVR_PLUGIN_SSE2;
+
+using Body = std::function<void(benchmark::State&)>;
+
+// Only what bears a fitting name is measured. (The library's own filter sees names with more at their ends.)
+std::regex wanted(".");
+
+int failures = 0;
+
+void add(const std::string& name, const Body& body) {
+  if (!std::regex_search(name, wanted)) return;
+  benchmark::RegisterBenchmark(name.c_str(),
+                               [body](benchmark::State& state) {
+                                 for (auto _ : state) {
+                                   try {
+                                     body(state);
+                                   } catch (const std::exception& e) {
+                                     ++failures;
+                                     state.SkipWithError(e.what());
+                                     return;
+                                   }
+                                 }
+                               })
+      ->Iterations(1)
+      ->UseManualTime()
+      ->Unit(benchmark::kMicrosecond);
+}
+
+double megapixels(size_t items, double seconds) { return static_cast<double>(items) / seconds / 1e6; }
+
+// Called twice, measured once: what the first call looked up is known, what it made can be used again.
+HeapUse heapUseOf(const Prepared& prepared) {
+  prepared.call();
+  prepared.after();
+  startCounting();
+  prepared.call();
+  const HeapUse use = stopCounting();
+  prepared.after();
+  return use;
+}
+
+double timePlugin(const Prepared& prepared) {
+  const double seconds = timeCall(prepared.call).plugin;
+  prepared.after();
+  return seconds;
+}
+
+void runOperation(benchmark::State& state, const Operation& operation, Pixels pixels,
+                  const std::string& library, const Size& size, const Effort& effort) {
+  Stage& stage = Stage::of(pixels, library);
+  const Prepared prepared = operation.prepare(stage, size);
+  const HeapUse use = heapUseOf(prepared);
+  PlainCopy copy(prepared.bytes, prepared.byteCount);
+  std::vector<PlainCopy*> copies{&copy};
+  std::unique_ptr<Memory> words;
+  std::unique_ptr<PlainCopy> wordCopy;
+  if (pixels == Pixels::rgb24 && operation.only.width == 0) {
+    words = std::make_unique<Memory>(prepared.items * 4);
+    wordCopy = std::make_unique<PlainCopy>(words->get(), words->size());
+    copies.push_back(wordCopy.get());
+  }
+  const Medians medians = measure(
+      effort, [&] { return timePlugin(prepared); }, copies);
+  state.SetIterationTime(medians.seconds);
+  state.counters[kMegapixels] = megapixels(prepared.items, medians.seconds);
+  state.counters[kCopies] = medians.inCopies[0];
+  if (wordCopy) state.counters[kWordCopies] = medians.inCopies[1];
+  state.counters[kPeak] = static_cast<double>(use.peak) / 1024;
+}
+
+void runFixed(benchmark::State& state, const Operation& operation, Pixels pixels, const Effort& effort) {
+  Stage& stage = Stage::of(pixels, kLibrary);
+  const Prepared prepared = operation.prepare(stage, kTiny);
+  const HeapUse use = heapUseOf(prepared);
+  const int lookups = host::resolverCalls(), services = host::uses();
+  prepared.call();
+  const int lookedUp = host::resolverCalls() - lookups, used = host::uses() - services;
+  prepared.after();
+  if (lookedUp > 0) throw std::runtime_error("a call that is not the first looks up entry points");
+  double hostSeconds = 0;
+  const Medians whole = measure(effort,
+                                [&] {
+                                  const CallTime time = timeCall(prepared.call);
+                                  prepared.after();
+                                  return time.all;
+                                },
+                                {});
+  const Medians own = measure(effort, [&] { return timePlugin(prepared); }, {});
+  hostSeconds = whole.seconds - own.seconds;
+  state.SetIterationTime(own.seconds);
+  state.counters[kNanoseconds] = own.seconds * 1e9;
+  state.counters[kHostNanoseconds] = hostSeconds * 1e9;
+  state.counters[kServices] = used;
+  state.counters[kLookups] = lookedUp;
+  state.counters[kBlocks] = use.blocks;
+}
+
+void runGrowth(benchmark::State& state, const Operation& operation, const Size& size, const Effort& effort) {
+  const Prepared prepared = operation.prepare(Stage::of(Pixels::words, kLibrary), size);
+  prepared.call();
+  prepared.after();
+  const Medians medians = measure(effort, [&] { return timePlugin(prepared); }, {});
+  state.SetIterationTime(medians.seconds);
+  state.counters[kNanosecondsAPixel] = medians.seconds * 1e9 / static_cast<double>(prepared.items);
+}
+
+void runKernel(benchmark::State& state, const KernelRun& kernel, const kernels::Table& table,
+               const Size& size, const Effort& effort) {
+  static std::unique_ptr<Canvas> canvas;
+  if (!canvas || !(canvas->size == size)) {
+    canvas.reset();
+    canvas = std::make_unique<Canvas>(size);
+  }
+  PlainCopy copy(canvas->photo.get(), canvas->photo.size());
+  const auto once = [&] {
+    const double from = now();
+    runRows(kernel, table, *canvas);
+    return now() - from;
+  };
+  once();
+  const Medians medians = measure(effort, once, {&copy});
+  state.SetIterationTime(medians.seconds);
+  state.counters[kMegapixels] = megapixels(size.pixels(), medians.seconds);
+  state.counters[kCopies] = medians.inCopies[0];
+}
+
+// ---- What is measured ----
+
+void addOperations(Pixels pixels, const std::string& library, const std::string& suffix,
+                   const std::vector<Size>& sizes, const Effort& effort) {
+  for (const Size& size : sizes) {
+    for (const Operation& operation : operations()) {
+      const std::string base = std::string(kOperations) + "/" + operation.name + "/" + nameOf(pixels) + "/";
+      // An operation of its own size stands where the large ones do.
+      if (operation.only.width > 0 && size == kMiddle) continue;
+      if (operation.wordsOnly && pixels != Pixels::words) continue;
+      const Size own = operation.only.width > 0 && size == kLarge ? operation.only : size;
+      add(base + nameOf(own) + suffix, [=, &operation](benchmark::State& state) {
+        runOperation(state, operation, pixels, library, own, effort);
+      });
+    }
+  }
+}
+
+void addFixed(Pixels pixels, const Effort& effort) {
+  for (const Operation& operation : operations()) {
+    if (operation.wordsOnly && pixels != Pixels::words) continue;
+    add(std::string(kFixed) + "/" + operation.name + "/" + nameOf(pixels) + "/" + nameOf(kTiny),
+        [=, &operation](benchmark::State& state) { runFixed(state, operation, pixels, effort); });
+  }
+}
+
+void addGrowth() {
+  for (const int side : kGrowingSides) {
+    const Size size{side, side};
+    Effort effort = kQuick;
+    if (side <= kSmall.width) effort.clock = Clock::wall;
+    for (const Operation& operation : operations()) {
+      if (!operation.grows) continue;
+      add(std::string(kGrowth) + "/" + operation.name + "/" + nameOf(size),
+          [=, &operation](benchmark::State& state) { runGrowth(state, operation, size, effort); });
+    }
+  }
+}
+
+void addKernels(const std::vector<Size>& sizes, const Effort& effort) {
+  const kernels::Tables tables = kernels::supported();
+  for (const Size& size : sizes) {
+    for (const KernelRun& kernel : kernelRuns()) {
+      for (int i = 0; i < tables.count; ++i) {
+        const kernels::Table* table = tables.table[i];
+        add(std::string(kKernels) + "/" + kernel.name + "/" + table->name + "/" + nameOf(size),
+            [=, &kernel](benchmark::State& state) { runKernel(state, kernel, *table, size, effort); });
+      }
+    }
+  }
+}
+
+// Everything once on small pictures, for the tests: does it still run, and do the calls do what they should?
+void addSmoke() {
+  for (const Pixels pixels : {Pixels::words, Pixels::rgb24}) {
+    addOperations(pixels, kLibrary, "", {kSmoke}, kOnce);
+    addFixed(pixels, kOnce);
+  }
+  addOperations(Pixels::words, kSse2Library, "/sse2", {kSmoke}, kOnce);
+  addKernels({kSmoke}, kOnce);
+}
+
+void addAll() {
+  addOperations(Pixels::words, kLibrary, "", {kLarge, kMiddle}, kUsual);
+  addFixed(Pixels::words, kManyCalls);
+  addGrowth();
+  addOperations(Pixels::rgb24, kLibrary, "", {kLarge, kMiddle}, kUsual);
+  addFixed(Pixels::rgb24, kManyCalls);
+  addOperations(Pixels::words, kSse2Library, "/sse2", {kLarge}, kUsual);
+  addKernels({kLarge, kMiddle, kSmall}, kQuick);
+}
+
+struct Arguments {
+  bool json = false, tablesOnly = false, smoke = false;
+  std::string filter = ".";
+};
+
+// Throws std::invalid_argument.
+Arguments parse(int argc, char** argv) {
+  Arguments arguments;
+  const std::map<std::string, bool*> options = {
+      {"--json", &arguments.json}, {"--tables", &arguments.tablesOnly}, {"--smoke", &arguments.smoke}};
+  for (int i = 1; i < argc; ++i) {
+    const std::string argument = argv[i];
+    const auto option = options.find(argument);
+    if (option != options.end()) {
+      *option->second = true;
+    } else if (argument.rfind("-", 0) == 0) {
+      throw std::invalid_argument("Unknown option " + argument + "; there are --json, --tables and --smoke.");
+    } else {
+      arguments.filter = argument;
+    }
+  }
+  return arguments;
+}
+
+int run(const Arguments& arguments, char* program) {
+  wanted = std::regex(arguments.filter);
+  if (arguments.smoke) {
+    addSmoke();
+  } else {
+    addAll();
+  }
+  benchmark::AddCustomContext("machine", machineName());
+  benchmark::AddCustomContext("compiler", compilerName());
+  int count = 1;
+  benchmark::Initialize(&count, &program);
+  benchmark::JSONReporter json;
+  Report report(arguments.tablesOnly ? Report::Style::tablesOnly : Report::Style::lines);
+  benchmark::BenchmarkReporter* chosen = &report;
+  if (arguments.json) chosen = &json;
+  if (benchmark::RunSpecifiedBenchmarks(chosen) > 0) return failures > 0 ? 1 : 0;
+  std::cerr << "Nothing that is measured is called \"" << arguments.filter << "\".\n";
+  return 1;
+}
+
+}  // namespace
+}  // namespace bench
+
+int main(int argc, char** argv) try {
+  return bench::run(bench::parse(argc, argv), argv[0]);
+} catch (const std::regex_error&) {
+  std::cerr << "The filter is no regular expression.\n";
+  return 2;
+} catch (const std::invalid_argument& e) {
+  std::cerr << e.what() << '\n';
+  return 2;
+}

@@ -1,0 +1,18 @@
+# Run as a script after the plug-in is linked: prints the newest version of the C library that LIBRARY needs, and
+# for what. A host's system must have at least that.
+execute_process(COMMAND "${OBJDUMP}" -T "${LIBRARY}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "GLIBC_[0-9.]+\\)? +[A-Za-z0-9_]+" needs "${symbols}")
+set(newest 0)
+foreach(need IN LISTS needs)
+  string(REGEX MATCH "GLIBC_([0-9.]+)\\)? +(.*)" need "${need}")
+  if(CMAKE_MATCH_1 VERSION_GREATER newest)
+    set(newest "${CMAKE_MATCH_1}")
+    set(reasons)
+  endif()
+  if(CMAKE_MATCH_1 VERSION_EQUAL newest)
+    list(APPEND reasons "${CMAKE_MATCH_2}")
+  endif()
+endforeach()
+list(JOIN reasons ", " reasons)
+get_filename_component(name "${LIBRARY}" NAME)
+message("${name} needs the C library of version ${newest} or later (${reasons})")

@@ -1,0 +1,51 @@
+# What `cmake --install` puts where, and the packages that `./dev package` makes of it. zvr finds the plug-in in
+# ../lib, and the sound library with what that needs in ../lib/picturezvr.
+set(ZVR_PRIVATE_LIBRARIES "lib/picturezvr")
+
+install(TARGETS picturezvr LIBRARY DESTINATION lib)
+install(FILES README.md CHANGELOG.md DESTINATION share/doc/picturezvr)
+install(FILES LICENSE DESTINATION share/doc/picturezvr RENAME copyright)
+# As in the sources, so that links stay right.
+install(DIRECTORY docs/manual DESTINATION share/doc/picturezvr/docs)
+
+if(ZVR_BUILD_HOST)
+  set_target_properties(zvr PROPERTIES INSTALL_RPATH "\$ORIGIN/../${ZVR_PRIVATE_LIBRARIES}")
+  install(TARGETS zvr RUNTIME DESTINATION bin)
+  install(CODE "
+    include(\"${CMAKE_SOURCE_DIR}/cmake/runtime.cmake\")
+    zvr_runtime_libraries(libraries \"$<TARGET_FILE:zvr>\" ${ZVR_I386_LIBRARY_DIRS})
+    file(INSTALL \${libraries} DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${ZVR_PRIVATE_LIBRARIES}\" FOLLOW_SYMLINK_CHAIN)")
+  if(ZVR_I386_TREE)
+    # Whose work the shipped libraries are.
+    foreach(package libsndfile1 libflac12 libvorbis0a libvorbisenc2 libopus0 libogg0 libmpg123-0 libmp3lame0
+        libpng16-16 zlib1g libjpeg62-turbo libffi8)
+      install(FILES "${ZVR_I386_TREE}/usr/share/doc/${package}/copyright" OPTIONAL
+        DESTINATION share/doc/picturezvr/third-party RENAME ${package}.copyright)
+    endforeach()
+  endif()
+
+  set(manual_page "${CMAKE_BINARY_DIR}/zvr.1")
+  add_custom_command(OUTPUT "${manual_page}" COMMAND $<TARGET_FILE:zvr> --man-page > "${manual_page}" DEPENDS zvr VERBATIM)
+  add_custom_target(zvr_manual_page ALL DEPENDS "${manual_page}")
+  install(FILES "${manual_page}" DESTINATION share/man/man1)
+  install(FILES host/zvr/completion.bash DESTINATION share/bash-completion/completions RENAME zvr)
+endif()
+
+set(CPACK_GENERATOR TGZ DEB)
+set(CPACK_PACKAGE_NAME picturezvr)
+set(CPACK_PACKAGE_VENDOR "The PictureZVR authors")
+set(CPACK_PACKAGE_CONTACT "The PictureZVR authors <picturezvr@localhost>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Picture-processing plug-in, and a host of its own on the command line")
+set(CPACK_PACKAGE_DESCRIPTION "libpicturezvr.so adds picture methods and filter classes to programs of a BASIC dialect.
+zvr runs any of them on PNG and JPEG files.")
+set(CPACK_PACKAGE_FILE_NAME "picturezvr-${PROJECT_VERSION}-linux-i386")
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE i386)
+set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
+# Opened while zvr runs, by the hosts that it plays; a console host needs neither.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS libcairo2)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS libgtk2.0-0)
+set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_BINARY_DIR}/package_needs.cmake")
+configure_file(cmake/package_needs.cmake.in package_needs.cmake @ONLY)
+include(CPack)

@@ -1,0 +1,12 @@
+// Settings::plainDrawables: a picture is shown as a record of its 3-byte pixels.
+#pragma once
+
+#include <memory>
+
+#include "host/objects_internal.h"
+
+namespace host {
+
+std::unique_ptr<PixelView> viewPlainly(Picture& picture);
+
+}  // namespace host

@@ -1,0 +1,53 @@
+// Calls of the gallery: run, measured, and made into cards.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "host/calls.h"
+#include "host/zvr/chain.h"
+#include "host/zvr/gallery_examples.h"
+#include "host/zvr/gallery_page.h"
+
+namespace zvr::gallery {
+
+// What the calls run on.
+struct Material {
+  std::string photoPath, lookPath;            // as they stand in zvr's lines
+  Image photo;                                // of photoPath
+  std::map<std::string, std::string> fields;  // for the words of examples
+};
+
+// The histograms of a picture by the plug-in's CountColorsZVR; empty when it has none.
+Histogram histogramOf(const host::PictureRef& picture);
+
+class Stage {
+ public:
+  // Keeps the reference.
+  explicit Stage(const Material& material);
+
+  // An example of a registered method, as words of `zvr apply`; nothing when its method is not registered.
+  std::optional<Chain> parse(const Example& example) const;
+  // The last step is shown and measured. What goes wrong in a call becomes the card's problem.
+  Card show(const Chain& chain, const Example& example);
+  // A class, with its example or none.
+  Card show(const host::Class& type, const ClassExample* example);
+  // The quickest plain copy of the photograph's bytes.
+  double copyMilliseconds();
+  // The same into a picture that the host makes anew each time.
+  double newCopyMilliseconds() const;
+
+ private:
+  double copyMilliseconds(size_t bytes);
+  std::vector<std::string> wordsOf(const std::string& words) const;
+  void run(const Chain& chain, Card& card);
+  void measure(Card& card, size_t bytes, const std::function<double()>& once);
+
+  const Material& material_;
+  const Image before_;                    // the photograph as the host keeps it
+  std::map<size_t, double> copies_ = {};  // quickest plain copies by their bytes
+};
+
+}  // namespace zvr::gallery

@@ -1,0 +1,16 @@
+// Lookup tables for the kernels that map channels.
+#pragma once
+
+#include "kernels/kernels.h"
+
+namespace kernels {
+
+// Sets `placed` from the tables of bytes.
+void placeEntries(ChannelTables& tables);
+
+// Finds lines that give every entry of all three tables exactly: kernels draw lines faster than they look up
+// tables. False when there are none or they are hard to find; `lines` is undefined then. Takes some
+// microseconds: not worth it for a handful of pixels.
+bool findLines(const ChannelTables& tables, ChannelLines& lines);
+
+}  // namespace kernels

@@ -1,0 +1,96 @@
+// The widest vectors of the instruction set that a kernel is being compiled for, so that an algorithm is
+// written once. Lanes of each width add, multiply, shift and compare by the usual operators; ZVR_VECTOR names
+// the intrinsics that all instruction sets have in common.
+#pragma once
+
+// GCC 12 takes the undefined vectors that some of its own definitions name for mistakes.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#if !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
+#include <immintrin.h>
+#pragma GCC diagnostic pop
+
+#include "kernels/families/families.h"
+
+#if defined(__AVX512VBMI__)
+#define ZVR_VECTOR(operation) _mm512_##operation
+#elif defined(__AVX2__)
+#define ZVR_VECTOR(operation) _mm256_##operation
+#else
+#define ZVR_VECTOR(operation) _mm_##operation
+#endif
+
+namespace kernels::ZVR_INSTRUCTION_SET {
+
+#if defined(__AVX512VBMI__)
+using Vector = __m512i;
+#elif defined(__AVX2__)
+using Vector = __m256i;
+#else
+using Vector = __m128i;
+#endif
+
+typedef uint8_t Bytes __attribute__((vector_size(sizeof(Vector))));
+typedef uint16_t Words __attribute__((vector_size(sizeof(Vector))));
+typedef uint32_t Pixels __attribute__((vector_size(sizeof(Vector))));
+
+constexpr size_t kPixels = sizeof(Vector) / sizeof(Pixel);
+
+inline Vector allPixels(uint32_t word) { return ZVR_VECTOR(set1_epi32)(static_cast<int32_t>(word)); }
+inline Vector allWords(uint32_t word) { return ZVR_VECTOR(set1_epi16)(static_cast<int16_t>(word)); }
+// The same in each 128 bits.
+inline Vector allLanes(__m128i lane) {
+#if defined(__AVX512VBMI__)
+  return _mm512_maskz_broadcast_i32x4(0xFFFF, lane);
+#elif defined(__AVX2__)
+  return _mm256_broadcastsi128_si256(lane);
+#else
+  return lane;
+#endif
+}
+
+// Words from the lower and the upper half of each 128 bits of `low`, with `high` above; and back, words above
+// 255 as 255.
+inline Words lowerWords(Vector low, Vector high = Vector{}) {
+  return reinterpret_cast<Words>(ZVR_VECTOR(unpacklo_epi8)(low, high));
+}
+inline Words upperWords(Vector low, Vector high = Vector{}) {
+  return reinterpret_cast<Words>(ZVR_VECTOR(unpackhi_epi8)(low, high));
+}
+inline Vector packed(Words lower, Words upper) {
+  return ZVR_VECTOR(packus_epi16)(reinterpret_cast<Vector>(lower), reinterpret_cast<Vector>(upper));
+}
+// The upper halves of the products.
+inline Words upperProducts(Words a, Words b) {
+  return reinterpret_cast<Words>(
+      ZVR_VECTOR(mulhi_epu16)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
+}
+
+// out[i] from in[i] by `map`, from vector to vector. The pixels left over go through it in a vector of their
+// own.
+template <typename Map>
+__attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count,
+                                                      const Map& map) {
+  Vector pixels;
+  for (; count >= kPixels; count -= kPixels, in += kPixels, out += kPixels) {
+    __builtin_memcpy(&pixels, in, sizeof pixels);
+    // Read once: the compiler would rather read memory again, and across cache lines, than spill.
+    __asm__("" : "+x"(pixels));
+    pixels = map(pixels);
+    __builtin_memcpy(out, &pixels, sizeof pixels);
+  }
+  if (count == 0) return;
+#if defined(__AVX512VBMI__)
+  const auto left = static_cast<__mmask16>((1U << count) - 1);
+  _mm512_mask_storeu_epi32(out, left, map(_mm512_maskz_loadu_epi32(left, in)));
+#else
+  pixels = Vector{};
+  __builtin_memcpy(&pixels, in, count * sizeof *in);
+  pixels = map(pixels);
+  __builtin_memcpy(out, &pixels, count * sizeof *out);
+#endif
+}
+
+}  // namespace kernels::ZVR_INSTRUCTION_SET

@@ -1,0 +1,33 @@
+// Pictures through a lookup table for each channel.
+
+#include "operations/tables.h"
+
+namespace {
+
+// So many pixels take longer by tables than the search for lines takes.
+constexpr int64_t kWorthSearching = 128 * 128;
+
+}  // namespace
+
+void mapThroughTables(PictureEditor& result, kernels::ChannelTables& tables, PictureReader& source) {
+  const Region region = Region::whole(source);
+  kernels::ChannelLines lines;
+  if (int64_t{source.width} * source.height >= kWorthSearching && kernels::findLines(tables, lines)) {
+    const auto kernel = kernels::best().mapAlongLines;
+    mapRegion(
+        result, region,
+        [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+          kernel(out, in, count, top, lines);
+        },
+        source);
+  } else {
+    kernels::placeEntries(tables);
+    const auto kernel = kernels::best().mapThroughTables;
+    mapRegion(
+        result, region,
+        [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+          kernel(out, in, count, top, tables);
+        },
+        source);
+  }
+}

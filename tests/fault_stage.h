@@ -1,0 +1,70 @@
+// Hosts in which something is missing or fails, and what one call does in such a host.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+
+#include "tests/every_call.h"
+#include "tests/plugin_memory.h"
+
+// The names of all that the host offers.
+std::vector<std::string> allServices();
+
+// A host of its own with the plug-in loaded afresh, so that each call also looks everything up.
+class Stage {
+ public:
+  using Arm = std::function<void(PluginMemory&)>;
+
+  explicit Stage(double version = 2013.03, const Arm& arm = {});
+  // A host of version 2013.03 without a service.
+  explicit Stage(const std::string& missing);
+  // `arm` is called in the new host before the plug-in is entered.
+  explicit Stage(const host::Settings& settings, const Arm& arm = {});
+
+  PluginMemory& memory() const { return *memory_; }
+  // The services that the plug-in used when it was loaded, and how often all together.
+  const std::set<std::string>& usedServices() const { return usedServices_; }
+  int serviceUses() const { return serviceUses_; }
+
+ private:
+  std::unique_ptr<void, int (*)(void*)> library_;
+  PluginMemory* memory_;
+  std::unique_ptr<host::Plugin> plugin_;  // null when an exception went through its entry
+  std::set<std::string> usedServices_;
+  int serviceUses_;
+};
+
+// What one call did.
+struct Trial {
+  std::string answer;
+  bool answersNull = false, raised = false, unwound = false;
+  std::vector<std::string> before, after;  // contents of what was given
+  int blocks = 0;                          // of plug-in memory, without those given to the host
+  host::Ledger left;                       // once everything that was given is gone
+  std::string held;
+  std::map<std::string, int> uses;  // of the host's services
+  int allocations = 0;
+};
+
+// Makes what the call needs, lets `arm` prepare the fault, calls.
+Trial attempt(const Stage& stage, const Call& call, const std::function<void(Scene&)>& arm = {});
+
+// Expects nothing to be left of a call, but for the locks of pictures with alpha whose surface could not be
+// had.
+void expectNothingHeld(const Call& call, const Trial& trial);
+// Whether a member has something to answer although no pixels of the given pictures can be had.
+bool needsNoPixels(const Call& call);
+
+bool isAnyOf(const std::string& text, std::initializer_list<const char*> some);
+
+// Counts the faults of a test and prints how many there were.
+class FaultTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  std::vector<Call> calls_;  // all members
+  int injected_ = 0;
+  int least_ = 500;  // fewer would mean that hardly anything was tried
+};

@@ -1,0 +1,173 @@
+// Every member of the plug-in is called once for each thing that can go wrong in the host or the heap while
+// it works. No call may crash, answer half a result, or leave anything held but for what is named here.
+
+#include "tests/fault_stage.h"
+
+namespace {
+
+class Faults : public FaultTest {};
+
+// What stays held when a service was missing or failed.
+bool isLeftOnPurpose(const std::string& service, const host::Ledger& left) {
+  host::Ledger allowed;
+  // What can't be released stays.
+  if (service == "REALUnlockObject") allowed.objects = left.objects;
+  if (service == "REALUnlockString") allowed.strings = left.strings;
+  if (service == "PluginDisposeStringData") allowed.stringData = left.stringData;
+  if (service == "unlockPictureDescription") allowed.errors = left.errors;  // pictures that died locked
+  // An instance whose constructor the host does not give is lost, on purpose.
+  if (isAnyOf(service, {"REALLoadObjectMethod", "Constructor(width as integer, height as integer)"}))
+    allowed.objects = left.objects;
+  return left == allowed;
+}
+
+// Answers that are neither null nor those of a sound host.
+bool isPoorerOnPurpose(const Call& call, const std::string& service) {
+  const std::string name = call.name();
+  // Sideways what can't be scrolled counts as scrolled.
+  if (isAnyOf(name, {"ScrollHorizontalZVR", "ScrollZVR"})) return true;
+  // Wide outlines are drawn by the host: what it doesn't draw is missing.
+  if (name == "RenderSamplesZVR" && !call.spare) {
+    return isAnyOf(service, {"RuntimeGraphicsDrawLine", "REALSetPropValueInt", "REALSetPropValueUInt32",
+                             "pluginPictureGraphicsGetter"});
+  }
+  // A picture that can't say that it has alpha has none.
+  if (name == "EmbeddedMaskZVR") return call.alpha && service == "REALGetPropValueBool";
+  // The counts of a block without bytes are lost.
+  return name == "CountColorsZVR" && service == "memoryBlockGetPtr";
+}
+
+// The documented result of a call in which something failed: null, or that of a sound host.
+void expectWhole(const Call& call, const std::string& service, const Trial& trial, const Trial& sound) {
+  // A host that threw did not take the buffer.
+  const bool frees = trial.unwound && service == "REALBuildPictureFromBuffer";
+  EXPECT_EQ(trial.blocks, frees ? -1 : 0);
+  EXPECT_TRUE(isLeftOnPurpose(trial.unwound ? "" : service, trial.left)) << trial.held;
+  // Both ways together were never promised.
+  const bool scrolls = call.name().rfind("Scroll", 0) == 0, scrollsBothWays = call.name() == "ScrollZVR";
+  for (size_t i = 0; i < trial.before.size() && !scrollsBothWays; ++i) {
+    EXPECT_TRUE(trial.after[i] == trial.before[i] || trial.after[i] == sound.after[i])
+        << "what was given is half changed: " << i;
+  }
+  if (trial.unwound) return;
+  EXPECT_TRUE(trial.answersNull || trial.answer == sound.answer || isPoorerOnPurpose(call, service))
+      << trial.answer.substr(0, 200) << "\ninstead of " << sound.answer.substr(0, 200);
+  if (trial.answersNull && !scrolls) {
+    EXPECT_TRUE(trial.after == trial.before || trial.answer == sound.answer) << "no result, but a change";
+  }
+}
+
+// ---- Services ----
+
+TEST_F(Faults, EveryServiceMissing) {
+  std::map<std::string, Trial> sound;
+  for (const Call& call : calls_) sound[call.describe()] = attempt(Stage(), call);
+  const std::set<std::string> registering = Stage().usedServices();
+  for (const std::string& name : allServices()) {
+    const std::vector<Call> known = (Stage(name), everyCall());  // without some fewer members are registered
+    for (const Call& call : known) {
+      // What neither the call nor the registration asks for can't be missed.
+      if (!sound[call.describe()].uses.count(name) && !registering.count(name)) continue;
+      SCOPED_TRACE(call.describe() + " without " + name);
+      const Trial trial = attempt(Stage(name), call, [&](Scene&) { host::removeEntryPoint(name); });
+      ++injected_;
+      expectWhole(call, name, trial, sound[call.describe()]);
+    }
+  }
+}
+
+// Services that answer nothing, and on which the count of references stands: whether they counted up can't be
+// seen.
+const std::set<std::string> kSilent = {"REALLockObject", "REALLockString"};
+// Releasing is what happens while an exception passes: hosts don't throw from there.
+const std::set<std::string> kReleases = {"REALUnlockObject", "REALUnlockString", "unlockPictureDescription",
+                                         "PluginDisposeStringData", "REALPictureClearCache"};
+
+TEST_F(Faults, EveryUseOfEveryServiceFailing) {
+  const auto failInTurn = [&](const Call& call, const Trial& sound, const std::string& name,
+                              host::Fault fault, double version) {
+    const bool unwinds = fault == host::Fault::unwind;
+    for (int nth = 1;; ++nth) {
+      SCOPED_TRACE(call.describe() + ", use " + std::to_string(nth) + " of " + name +
+                   (unwinds ? " unwinds" : " fails") + ", version " + std::to_string(version));
+      Trial trial = attempt(Stage(version), call, [&](Scene&) { host::failAt(name, nth, fault); });
+      if (trial.uses[name] < nth) break;
+      ++injected_;
+      EXPECT_EQ(trial.unwound, unwinds);
+      expectWhole(call, name, trial, sound);
+    }
+  };
+  for (const double version : {2013.03, 2011.5}) {
+    for (const Call& call : calls_) {
+      const Trial sound = attempt(Stage(version), call);
+      for (const auto& [name, uses] : sound.uses) {
+        if (!kSilent.count(name)) failInTurn(call, sound, name, host::Fault::null, version);
+        if (!kReleases.count(name)) failInTurn(call, sound, name, host::Fault::unwind, version);
+      }
+    }
+  }
+}
+
+// ---- Memory ----
+
+TEST_F(Faults, EveryAllocationFailing) {
+  least_ = 40;  // most calls work without memory of their own
+  for (const double version : {2013.03, 2011.5}) {
+    for (const Call& call : calls_) {
+      const Trial sound = attempt(Stage(version), call);
+      for (int nth = 1;; ++nth) {
+        SCOPED_TRACE(call.describe() + ", allocation " + std::to_string(nth));
+        const Stage stage(version);
+        const Trial trial = attempt(stage, call, [&](Scene&) { stage.memory().failAt = nth; });
+        if (trial.allocations < nth) break;
+        ++injected_;
+        expectWhole(call, "", trial, sound);
+      }
+    }
+  }
+}
+
+// ---- Registration ----
+
+// False for a class of the plug-in that was registered without properties.
+bool hasProperties(const std::string& owner) {
+  for (const host::Class& type : host::members().classes) {
+    if (type.name == owner) return !type.properties.empty();
+  }
+  return true;
+}
+
+// Members may be missing then; those that are there work.
+TEST_F(Faults, EveryFaultWhileRegistering) {
+  enum Kind { kNull, kUnwind, kMemory };
+  least_ = 20;
+  for (const double version : {2013.03, 2011.5}) {
+    for (const Kind kind : {kNull, kUnwind, kMemory}) {
+      for (int nth = 1;; ++nth) {
+        SCOPED_TRACE(std::to_string(nth) + (kind == kMemory ? ". allocation" : ". use of a service") +
+                     (kind == kUnwind ? " unwinds" : "") + ", version " + std::to_string(version));
+        const Stage stage(version, [&](PluginMemory& memory) {
+          if (kind == kMemory) {
+            memory.failAt = nth;
+          } else {
+            host::failAnyAt(nth, kind == kNull ? host::Fault::null : host::Fault::unwind);
+          }
+        });
+        if ((kind == kMemory ? stage.memory().uses : stage.serviceUses()) < nth) break;
+        ++injected_;
+        for (const Call& call : everyCall()) {
+          if (!hasProperties(call.owner)) continue;
+          const Trial trial = attempt(stage, call);
+          host::Ledger allowed;
+          // A host that does not tell its version, asked for first, gets failed locks undone as old ones need
+          // it.
+          if (kind == kNull && nth == 1) allowed.errors = trial.left.errors;
+          EXPECT_EQ(trial.left, allowed) << call.describe() << '\n' << trial.held;
+          EXPECT_EQ(trial.blocks, 0) << call.describe();
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
