@@ -8,7 +8,7 @@ kSpeedEnd='<!-- … to here -->'
 kSpeedFilter='^(operation/|growth/|fixed/[^/]*/words)'
 
 runBench() {
-  local argument options=() table= tables
+  local argument options=() table='' tables
   for argument in "$@"; do
     case $argument in
       --table) table=yes ;;

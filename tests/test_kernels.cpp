@@ -364,6 +364,38 @@ INSTANTIATE_TEST_SUITE_P(Kernels, AllColors, ::testing::ValuesIn(casesWhere([](c
                          })),
                          [](const auto& parameter) { return parameter.param->name; });
 
+// A kernel that makes words of words, on spans so long that results may be written past the caches. One input
+// stands for all, and in the second run for the output too.
+class LongSpans : public ::testing::TestWithParam<const Case*> {};
+
+TEST_P(LongSpans, AgreeWithTheirDefinitions) {
+  const Case& c = *GetParam();
+  constexpr size_t kCount = (size_t{1} << 22) + 77;
+  Random random(8);
+  const Bytes contents = drawContents(random, 16384, 30);
+  const Parameters drawn = drawParameters(random, c, {30, random.color()}, 3);
+  const auto run = [&](const Table& table, bool inPlace) {
+    Bytes in(kCount * 4 + 4), out(in.size());
+    for (size_t i = 0; i < in.size(); ++i) in[i] = contents[i % contents.size()];
+    // A word off what memory for so much is aligned to: no cache line starts there.
+    uint8_t *from = in.data() + 4, *to = inPlace ? from : out.data() + 4;
+    Parameters p = drawn;
+    c.run(table, {to, {from, from, from}, kCount}, p);
+    return inPlace ? in : out;
+  };
+  for (const bool inPlace : {false, true}) {
+    if (inPlace && !c.shape.outMayBeIn) break;
+    const Bytes expected = run(plain::kTable, inPlace);
+    for (const Table* table : supportedTables())
+      EXPECT_TRUE(run(*table, inPlace) == expected) << describe(*table, c, drawn);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Kernels, LongSpans, ::testing::ValuesIn(casesWhere([](const Shape& s) {
+                           return s.in[0] == 4 && s.out == 4 && !s.outIsWhole && !s.inIsNumbers;
+                         })),
+                         [](const auto& parameter) { return parameter.param->name; });
+
 // For each distance of red from gray that there is, the darkest and the lightest pixel: between them they
 // show all results that are not clamped. And any pixels.
 std::vector<uint32_t> pixelsOfAllDistances() {
@@ -394,6 +426,33 @@ TEST(Kernels, SaturationByEveryModerateFactor) {
       ASSERT_TRUE(right == expected.end()) << table->name << ", factor " << factor << std::hex << ", pixel "
                                            << in[static_cast<size_t>(right - expected.begin())] << ": got "
                                            << *wrong << ", expected " << *right;
+    }
+  }
+}
+
+// Bases with which many results are at whole numbers: their weights are exact, or err to the same side for
+// all pixels, or to another one for each; and some between.
+TEST(Kernels, TintByBasesOfAllKinds) {
+  const std::pair<uint32_t, uint32_t> bases[] = {
+      {0x555555, 0x704214}, {0x555555, 0xFFFFFF}, {0xFF0000, 0xFFFFFF}, {0xFFFFFF, 0x00FF00},
+      {0x4C961D, 0xFFFFFF}, {0x4C961D, 0xFFF0D1}, {0x336699, 0xFFCC55}, {0x3355CC, 0xAA0133},
+      {0xFF5533, 0xFF66CC}, {0x000000, 0xFFFFFF}, {0x010203, 0x0405FE}, {0x80FE7F, 0x998811},
+  };
+  std::vector<uint32_t> in, expected, got;
+  for (uint32_t color = 0; color < 1U << 24; color += 11) in.push_back(color);
+  expected.resize(in.size());
+  got.resize(in.size());
+  for (const auto& [gray, sepia] : bases) {
+    kernels::Tint tint = {gray, sepia, {}};
+    plain::tint(expected.data(), in.data(), in.size(), 0, tint);
+    for (const Table* table : supportedTables()) {
+      tint = {gray, sepia, {}};
+      table->tint(got.data(), in.data(), in.size(), 0, tint);
+      const auto [right, wrong] = std::mismatch(expected.begin(), expected.end(), got.begin());
+      ASSERT_TRUE(right == expected.end())
+          << table->name << std::hex << ", bases " << gray << " and " << sepia << ", pixel "
+          << in[static_cast<size_t>(right - expected.begin())] << ": got " << *wrong << ", expected "
+          << *right;
     }
   }
 }

@@ -1,9 +1,13 @@
 // Counting pixels: those of one colour, and those of each value of a channel.
 
-#include "kernels/families/reads.h"
+#include <immintrin.h>
+
+#include "kernels/families/families.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
+
+constexpr uint32_t kColor = 0xFFFFFF;
 
 void countPixel(ChannelCounts& counts, size_t lane, uint32_t pixel, uint32_t times) {
   counts.red[lane][pixel >> 16 & 0xFF] += times;
@@ -11,26 +15,41 @@ void countPixel(ChannelCounts& counts, size_t lane, uint32_t pixel, uint32_t tim
   counts.blue[lane][pixel & 0xFF] += times;
 }
 
+// Pixels that are looked at together.
+constexpr size_t kBlock = 8;
+static_assert(kBlock % kCountingLanes == 0);
+
+bool isOneColor(const Pixel* block) {
+  const __m128i first = _mm_set1_epi32(static_cast<int32_t>(block[0]));
+  __m128i halves[2];
+  __builtin_memcpy(halves, block, sizeof halves);
+  const __m128i differing = _mm_and_si128((halves[0] ^ first) | (halves[1] ^ first), _mm_set1_epi32(kColor));
+  return _mm_movemask_epi8(_mm_cmpeq_epi32(differing, _mm_setzero_si128())) == 0xFFFF;
+}
+
 }  // namespace
 
 uint32_t countColor(const Pixel* in, size_t count, uint32_t color) {
-  const Pixels wanted = allOf(color << 8);
-  return countWhere(in, count, ~color, [=](Pixels p) { return p << 8 == wanted; });
+  uint32_t found = 0;
+  for (size_t i = 0; i < count; ++i) found += ((in[i] ^ color) & kColor) == 0;
+  return found;
 }
 
 void countChannels(const Pixel* in, size_t count, ChannelCounts& counts) {
-  static_assert(kCountingLanes == 4);
-  for (; count >= 4; count -= 4, in += 4) {
-    const uint32_t a = in[0], b = in[1], c = in[2], d = in[3];
-    if ((((a ^ b) | (a ^ c) | (a ^ d)) & 0xFFFFFF) == 0) {
-      countPixel(counts, 0, a, 4);
+  // Blocks of one colour are counted when another colour comes.
+  uint32_t color = 0, times = 0;
+  for (; count >= kBlock; count -= kBlock, in += kBlock) {
+    if (!isOneColor(in)) {
+      for (size_t i = 0; i < kBlock; ++i) countPixel(counts, i % kCountingLanes, in[i], 1);
+    } else if (((in[0] ^ color) & kColor) == 0) {
+      times += kBlock;
     } else {
-      countPixel(counts, 0, a, 1);
-      countPixel(counts, 1, b, 1);
-      countPixel(counts, 2, c, 1);
-      countPixel(counts, 3, d, 1);
+      countPixel(counts, 0, color, times);
+      color = in[0];
+      times = kBlock;
     }
   }
+  countPixel(counts, 0, color, times);
   for (; count > 0; --count) countPixel(counts, 0, *in++, 1);
 }
 

@@ -31,15 +31,14 @@ bool isAllGray(const Pixel* in, size_t count, int32_t tolerance) {
 }
 
 uint32_t countColorful(const Pixel* in, size_t count, int32_t threshold) {
-  constexpr uint32_t kDark = 29;
-  const Pixels dark = allOf(kDark * 0x010101), always = allOf(threshold < 0 ? 1U : 0U);
-  const Pixels tolerated = allOf(threshold < 0 ? 0U : static_cast<uint32_t>(threshold) * 0x0101);
+  // Nothing exceeds a byte of FF, which leaves what stands in its place out.
+  const Pixels dark = allOf(0xFF1D1D1D);
+  if (threshold < 0) return countWhere(in, count, 0, [=](Pixels p) { return excess(p, dark) != 0; });
+  const Pixels tolerated = allOf(0xFFFF0000 | static_cast<uint32_t>(threshold) * 0x0101);
   return countWhere(in, count, 0, [=](Pixels p) {
-    const Pixels light = excess(p & 0xFFFFFF, dark);
     // Red and blue are compared only with green, on purpose.
     const Pixels shifted = p >> 8, differences = excess(p, shifted) | excess(shifted, p);
-    const Pixels colored = excess(differences & 0xFFFF, tolerated) | always;
-    return (light != 0) & (colored != 0);
+    return ~((excess(p, dark) == 0) | (excess(differences, tolerated) == 0));
   });
 }
 
