@@ -110,11 +110,11 @@ struct Tint {
 using SpanTint = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, Tint& tint);
 
 // Tetrahedral interpolation in a colour table. Its entries stand for the channel values 0, 17, 34 ... 255;
-// what lies behind counts for nothing. Each channel of a result is the sum of four entries in 17ths, divided by
-// 17, limited to 0..255 and truncated; not-a-number gives 0.
+// what lies behind counts for nothing. Each channel of a result is the sum of four entries in 17ths, divided
+// by 17, limited to 0..255 and truncated; not-a-number gives 0.
 constexpr size_t kCubeSide = 18;  // entries along an axis, of which the first 16 are used
-// `cube`: kCubeSide^3 entries of three doubles (red, green, blue), blue changing fastest, at any address. Up to
-// one double behind the last used entry is read.
+// `cube`: kCubeSide^3 entries of three doubles (red, green, blue), blue changing fastest, at any address. Up
+// to one double behind the last used entry is read.
 using SpanCube = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const double* cube);
 // The same for whole entries from 0 to 255: kWholeCubeSide^3 words.
 constexpr size_t kWholeCubeSide = 16;

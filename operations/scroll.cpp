@@ -1,5 +1,7 @@
 // Scrolling a picture's own pixels in place: sideways, up or down.
 
+#include <numeric>
+
 #include "frame/held.h"
 #include "frame/memory.h"
 #include "operations/operations.h"
@@ -83,41 +85,41 @@ bool moveSideways(PictureEditor& editor, int32_t delta, bool wrap) {
 
 // ---- Up and down ----
 
+// Rows don't overlap. The processor's own copy need not read what it overwrites.
+void copyRow(uint8_t* to, const uint8_t* from, size_t size) {
+  size_t words = size / 4;
+  __asm__ volatile("rep movsl" : "+D"(to), "+S"(from), "+c"(words) : : "memory");
+  MoveMemory(to, from, size % 4);
+}
+
 // Row by row: those of a host bitmap need not lie next to each other.
+void moveRow(PictureEditor& editor, int32_t to, int32_t from) {
+  const size_t target = bytesOfRow(editor, to), source = bytesOfRow(editor, from);
+  copyRow(editor.GetRow(to), editor.GetRow(from), target < source ? target : source);
+}
+
 void moveRows(PictureEditor& editor, int32_t to, int32_t from, int32_t count) {
   for (int32_t i = 0; i < count; ++i) {
     const int32_t step = to < from ? i : count - 1 - i;
-    const size_t target = bytesOfRow(editor, to + step), source = bytesOfRow(editor, from + step);
-    MoveMemory(editor.GetRow(to + step), editor.GetRow(from + step), target < source ? target : source);
+    moveRow(editor, to + step, from + step);
   }
 }
 
-uint8_t* savedRow(const PictureEditor& editor, uint8_t* saved, int32_t i) {
-  return saved + ptrdiff_t{editor.rowBytes} * i;
-}
-
-void saveRows(PictureEditor& editor, int32_t from, int32_t count, uint8_t* saved) {
-  for (int32_t i = 0; i < count; ++i)
-    MoveMemory(savedRow(editor, saved, i), editor.GetRow(from + i), bytesOfRow(editor, from + i));
-}
-
-void restoreRows(PictureEditor& editor, int32_t to, int32_t count, uint8_t* saved) {
-  for (int32_t i = 0; i < count; ++i)
-    MoveMemory(editor.GetRow(to + i), savedRow(editor, saved, i), bytesOfRow(editor, to + i));
-}
-
-// The first `first` rows go behind the others. Only the fewer of the two are saved: most of `saved`, which
-// has room for the first, is never touched, and so never becomes memory.
+// The first `first` rows go behind the others. Each row goes straight to its place, just after what stood
+// there has gone to its own; so of `saved`, which has room for many, one row is touched.
 void rotateRows(PictureEditor& editor, int32_t first, uint8_t* saved) {
-  const int32_t others = editor.height - first;
-  if (first <= others) {
-    saveRows(editor, 0, first, saved);
-    moveRows(editor, 0, first, others);
-    restoreRows(editor, others, first, saved);
-  } else {
-    saveRows(editor, first, others, saved);
-    moveRows(editor, others, 0, first);
-    restoreRows(editor, 0, others, saved);
+  const int32_t others = editor.height - first, rings = std::gcd(first, others);
+  for (int32_t start = 0; start < rings; ++start) {
+    const size_t size = bytesOfRow(editor, start);
+    copyRow(saved, editor.GetRow(start), size);
+    int32_t to = start;
+    const auto next = [=](int32_t y) { return y < others ? y + first : y - others; };
+    for (int32_t from = next(to); from != start; from = next(to)) {
+      moveRow(editor, to, from);
+      to = from;
+    }
+    const size_t target = bytesOfRow(editor, to);
+    copyRow(editor.GetRow(to), saved, target < size ? target : size);
   }
 }
 

@@ -44,10 +44,10 @@ class RowSource {
   void at(const uint8_t* row);
 
   PictureEditor& editor_;
-  ptrdiff_t offset_;         // of the left column, bytes
-  const uint8_t* start_;     // left column of the current row
-  ptrdiff_t available_ = 0;  // bytes from there to the end of what can be read
-  kernels::Pixel tile_[kTile];
+  ptrdiff_t offset_;                        // of the left column, bytes
+  const uint8_t* start_;                    // left column of the current row
+  ptrdiff_t available_ = 0;                 // bytes from there to the end of what can be read
+  alignas(64) kernels::Pixel tile_[kTile];  // vectors in it don't cross cache lines
 };
 
 // The row that an editor writes, likewise.
@@ -68,7 +68,7 @@ class RowTarget {
   PictureEditor& editor_;
   ptrdiff_t offset_;
   uint8_t* start_;
-  kernels::Pixel tile_[RowSource::kTile];
+  alignas(64) kernels::Pixel tile_[RowSource::kTile];
 };
 
 namespace rows {

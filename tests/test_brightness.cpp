@@ -112,6 +112,27 @@ TEST_F(Brightness, NeutralArgumentsChangeNothing) {
   }
 }
 
+// Large pictures go another way than small ones, unless the values wrap or the curve is odd.
+TEST_F(Brightness, SizeMakesNoDifference) {
+  Random random(1);
+  const Pixels large = random.pixels(257, 70);
+  const auto picture = makePicture(large);
+  for (const Case& c : kCases) {
+    const std::vector<host::Value> arguments(c.arguments.begin(), c.arguments.end());
+    const Pixels result = colorsOf(callPicture(c.method, picture, arguments));
+    for (int y = 1; y < large.height; y += 23) {
+      Pixels row(large.width, 2, Rgb{0});
+      for (int x = 0; x < large.width; ++x) row.at(x, 1) = large.at(x, y);
+      const Pixels mappedRow = colorsOf(callPicture(c.method, makePicture(row), arguments));
+      for (int x = 0; x < large.width; ++x) {
+        ASSERT_EQ(result.at(x, y), mappedRow.at(x, 1))
+            << c.method << "(" << ::testing::PrintToString(c.arguments) << ") of " << std::hex
+            << row.at(x, 1);
+      }
+    }
+  }
+}
+
 // White stays white and black black however far the other end is moved.
 TEST_F(Brightness, LinearBrightnessKeepsOneEnd) {
   for (int brightness = 0; brightness <= 255; ++brightness) {

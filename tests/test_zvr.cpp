@@ -155,11 +155,37 @@ TEST_F(Zvr, leavesNothingHalfWritten) {
   fs::create_directory(folder_ / "taken.png");
   EXPECT_EQ(run({"apply", "photo.png", "InvertZVR", "-o", "taken.png/x.png/"}).status, 0);
   EXPECT_EQ(filesIn(folder_ / "taken.png/x.png"), std::vector<std::string>{"photo-InvertZVR.png"});
-  // No room on the way: the old file stays as it was, and no other is left.
+  // No room on the way (nor for what it says): the old file stays as it was, and no other is left.
   const Bytes before = readBytes(folder_ / "photo.png");
   const Finished done = run({"apply", "photo.png", "InvertZVR", "-o", "photo.png"}, "ulimit -f 0 &&");
-  EXPECT_NE(done.status, 0);
+  EXPECT_EQ(done.status, 1);
   EXPECT_EQ(readBytes(folder_ / "photo.png"), before);
+  EXPECT_EQ(filesIn(folder_), (std::vector<std::string>{"photo.png", "taken.png"}));
+}
+
+TEST_F(Zvr, saysWhyAnOutputCantBeWritten) {
+  writeBytes(folder_ / "file", {1});
+  const std::string longName = std::string(300, 'x') + ".png";
+  const std::pair<std::string, const char*> outputs[] = {{"file/out.png", "Not a directory"},
+                                                         {longName, "File name too long"},
+                                                         {"/proc/out.png", "No such file or directory"}};
+  for (const auto& [output, problem] : outputs) {
+    const Finished done = run({"apply", "photo.png", "InvertZVR", "-o", output});
+    EXPECT_EQ(done.status, 1) << output;
+    EXPECT_TRUE(contains(done.errors, output + ": ") && contains(done.errors, problem)) << done.errors;
+    EXPECT_EQ(done.output, "") << output;
+  }
+  EXPECT_EQ(filesIn(folder_), (std::vector<std::string>{"file", "photo.png"}));
+}
+
+TEST_F(Zvr, refusesFilesThatAreTooLarge) {
+  for (const uintmax_t size : {uintmax_t{600} << 20, uintmax_t{3} << 30}) {  // sparse: they take no room
+    writeBytes(folder_ / "large.png", {1});
+    fs::resize_file(folder_ / "large.png", size);
+    const Finished done = run({"apply", "large.png", "InvertZVR"});
+    EXPECT_EQ(done.status, 1);
+    EXPECT_TRUE(contains(done.errors, "large.png: File too large")) << done.errors;
+  }
 }
 
 struct Refused {

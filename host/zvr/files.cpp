@@ -78,11 +78,12 @@ class TemporaryFile {
 std::vector<uint8_t> readFile(const std::string& path) {
   constexpr size_t kLargest = size_t{512} << 20, kPiece = size_t{1} << 18;
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.number() < 0) fail(path, errno);
+  // Past 2 GB a 32-bit program can't open a file at all.
+  if (file.number() < 0) fail(path, errno == EOVERFLOW ? EFBIG : errno);
   std::vector<uint8_t> bytes;
   for (;;) {
     const size_t size = bytes.size();
-    if (size > kLargest) throw Failure(path + ": larger than 512 MB");
+    if (size > kLargest) fail(path, EFBIG);
     bytes.resize(size + kPiece);
     const ssize_t count = read(file.number(), bytes.data() + size, kPiece);
     if (count < 0 && errno != EINTR) fail(path, errno);

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <csignal>
 #include <cstdio>
 
 #include "host/zvr/command_line.h"
@@ -130,4 +131,8 @@ int main(const std::vector<std::string>& words) {
 }  // namespace
 }  // namespace zvr
 
-int main(int count, char** words) { return zvr::main({words + 1, words + count}); }
+int main(int count, char** words) {
+  // Past the limit of a file's size writing fails, as for any other reason, rather than ending the program.
+  std::signal(SIGXFSZ, SIG_IGN);
+  return zvr::main({words + 1, words + count});
+}

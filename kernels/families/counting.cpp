@@ -1,8 +1,6 @@
 // Counting pixels: those of one colour, and those of each value of a channel.
 
-#include <immintrin.h>
-
-#include "kernels/families/families.h"
+#include "kernels/families/reads.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
@@ -30,9 +28,8 @@ bool isOneColor(const Pixel* block) {
 }  // namespace
 
 uint32_t countColor(const Pixel* in, size_t count, uint32_t color) {
-  uint32_t found = 0;
-  for (size_t i = 0; i < count; ++i) found += ((in[i] ^ color) & kColor) == 0;
-  return found;
+  const Pixels wanted = allOf(color << 8);
+  return countWhere(in, count, ~color, [=](Pixels p) { return p << 8 == wanted; });
 }
 
 void countChannels(const Pixel* in, size_t count, ChannelCounts& counts) {

@@ -5,16 +5,6 @@
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
-constexpr size_t kLine = 64;  // bytes of a cache line
-// What fetches ahead by itself stops at the end of a page; this is far enough to have the next ones at hand.
-constexpr size_t kAhead = 16384;
-// From this many pixels on a result is written past the caches. Smaller ones are faster in them.
-constexpr size_t kStreamedPixels = 3 << 20;
-
-inline void fetchAhead(const void* at) {
-  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + kAhead));
-}
-
 inline Pixels allOf(uint32_t word) { return Pixels{} + word; }
 
 inline Pixels load(const void* from) {
@@ -39,18 +29,6 @@ inline Pixels smallerBytes(Pixels a, Pixels b) {
 inline Pixels excess(Pixels a, Pixels b) {
   return reinterpret_cast<Pixels>(
       ZVR_VECTOR(subs_epu8)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
-}
-
-// Past the caches, to an address that is a multiple of the vector's size.
-inline void stream(void* to, Pixels pixels) {
-  const auto vector = reinterpret_cast<Vector>(pixels);
-#if defined(__AVX512VBMI__)
-  _mm512_stream_si512(static_cast<Vector*>(to), vector);
-#elif defined(__AVX2__)
-  _mm256_stream_si256(static_cast<Vector*>(to), vector);
-#else
-  _mm_stream_si128(static_cast<Vector*>(to), vector);
-#endif
 }
 
 // out[i] = map({in[0][i], in[1][i] ...}), vector by vector.
@@ -87,7 +65,7 @@ inline void mapLightly(Pixel* out, const Pixel* const (&in)[n], size_t count, co
     for (size_t part = at; part < at + kLinePixels; part += kPixels) {
       Pixels pixels[n];
       for (size_t k = 0; k < n; ++k) pixels[k] = load(in[k] + part);
-      stream(out + part, map(pixels));
+      stream(out + part, reinterpret_cast<Vector>(map(pixels)));
     }
   }
   _mm_sfence();  // other threads see the result in order

@@ -20,7 +20,7 @@ void lookUp(Pixel* out, const Pixel* in, size_t count, uint32_t top, const uint8
   __asm__("" : "+x"(first), "+x"(second), "+x"(third), "+x"(fourth));  // to be kept in registers
   const Vector color = allPixels(0xFFFFFF), tops = allPixels(top);
   mapVectors(
-      out, in, count, [&](Vector pixels) __attribute__((always_inline)) {
+      out, in, count, false, [&](Vector pixels) __attribute__((always_inline)) {
         const Vector lower = _mm512_permutex2var_epi8(first, pixels, second);
         const Vector upper = _mm512_permutex2var_epi8(third, pixels, fourth);
         const Vector found = _mm512_mask_blend_epi8(_mm512_movepi8_mask(pixels), lower, upper);

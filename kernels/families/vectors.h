@@ -68,29 +68,72 @@ inline Words upperProducts(Words a, Words b) {
       ZVR_VECTOR(mulhi_epu16)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
 }
 
-// out[i] from in[i] by `map`, from vector to vector. The pixels left over go through it in a vector of their
-// own.
-template <typename Map>
-__attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count,
-                                                      const Map& map) {
-  Vector pixels;
-  for (; count >= kPixels; count -= kPixels, in += kPixels, out += kPixels) {
-    __builtin_memcpy(&pixels, in, sizeof pixels);
-    // Read once: the compiler would rather read memory again, and across cache lines, than spill.
-    __asm__("" : "+x"(pixels));
-    pixels = map(pixels);
-    __builtin_memcpy(out, &pixels, sizeof pixels);
-  }
-  if (count == 0) return;
+constexpr size_t kLine = 64;  // bytes of a cache line
+// What fetches ahead by itself stops at the end of a page; this is far enough to have the next ones at hand.
+constexpr size_t kAhead = 16384;
+// From this many pixels on a result is written past the caches. Smaller ones are faster in them.
+constexpr size_t kStreamedPixels = 3 << 20;
+
+inline void fetchAhead(const void* at) {
+  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + kAhead));
+}
+
+// Past the caches, to an address that is a multiple of the vector's size.
+inline void stream(void* to, Vector vector) {
 #if defined(__AVX512VBMI__)
-  const auto left = static_cast<__mmask16>((1U << count) - 1);
-  _mm512_mask_storeu_epi32(out, left, map(_mm512_maskz_loadu_epi32(left, in)));
+  _mm512_stream_si512(static_cast<Vector*>(to), vector);
+#elif defined(__AVX2__)
+  _mm256_stream_si256(static_cast<Vector*>(to), vector);
 #else
-  pixels = Vector{};
+  _mm_stream_si128(static_cast<Vector*>(to), vector);
+#endif
+}
+
+// Fewer pixels than a vector has, through `map` in a vector of their own.
+template <typename Map>
+__attribute__((always_inline)) inline void mapFew(Pixel* out, const Pixel* in, size_t count, const Map& map) {
+#if defined(__AVX512VBMI__)
+  const auto few = static_cast<__mmask16>((1U << count) - 1);
+  _mm512_mask_storeu_epi32(out, few, map(_mm512_maskz_loadu_epi32(few, in)));
+#else
+  Vector pixels{};
   __builtin_memcpy(&pixels, in, count * sizeof *in);
   pixels = map(pixels);
   __builtin_memcpy(out, &pixels, count * sizeof *out);
 #endif
+}
+
+// out[i] from in[i] by `map`, from vector to vector; `past` the caches, where `out` begins with a line.
+template <typename Map>
+__attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count, bool past,
+                                                      const Map& map) {
+  for (; count >= kPixels; count -= kPixels, in += kPixels, out += kPixels) {
+    Vector pixels;
+    __builtin_memcpy(&pixels, in, sizeof pixels);
+    // Read once: the compiler would rather read memory again, and across cache lines, than spill.
+    __asm__("" : "+x"(pixels));
+    pixels = map(pixels);
+    if (past) {
+      fetchAhead(in);
+      stream(out, pixels);
+    } else {
+      __builtin_memcpy(out, &pixels, sizeof pixels);
+    }
+  }
+  if (count > 0) mapFew(out, in, count, map);
+}
+
+// The same, past the caches where that is faster: while there is something to calculate, only if much is
+// written and one vector is a whole line.
+template <typename Map>
+__attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count,
+                                                      const Map& map) {
+  const uintptr_t misplaced = reinterpret_cast<uintptr_t>(out) % kLine;
+  const bool past = sizeof(Vector) == kLine && count >= kStreamedPixels && misplaced % sizeof(Pixel) == 0;
+  const size_t head = past ? (kLine - misplaced) % kLine / sizeof(Pixel) : 0;
+  if (head > 0) mapFew(out, in, head, map);
+  mapVectors(out + head, in + head, count - head, past, map);
+  if (past) _mm_sfence();  // other threads see the result in order
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET
