@@ -61,13 +61,15 @@ TEST_P(Kernels, WholeTablesGiveWhatTheirDoublesGive) {
 // Sums around 17 * k, where kernels may calculate otherwise than by dividing.
 TEST_P(Kernels, EntriesAtAndJustBelowEachWholeNumber) {
   std::vector<uint32_t> in, out, expected;
-  for (uint32_t gray = 0; gray < 64; ++gray) in.insert(in.end(), {gray * 0x010101, gray << 16 | 17, gray * 3});
+  for (uint32_t gray = 0; gray < 64; ++gray)
+    in.insert(in.end(), {gray * 0x010101, gray << 16 | 17, gray * 3});
   out.resize(in.size());
   expected.resize(in.size());
   for (int k = 1; k <= 256; ++k) {
     const double below = std::nextafter(k, 0), farBelow = std::nextafter(below, 0);
-    const std::vector<double> cube =
-        makeCube([&](const auto&, size_t x) { return x == 0 ? k : x == 1 ? below : farBelow; });
+    const std::vector<double> cube = makeCube([&](const auto&, size_t x) {
+      return x == 0 ? k : x == 1 ? below : farBelow;
+    });
     plain::mapThroughCube(pixels(expected), pixels(in), in.size(), 0, cube.data());
     table_->mapThroughCube(pixels(out), pixels(in), in.size(), 0, cube.data());
     ASSERT_EQ(out, expected) << k;
