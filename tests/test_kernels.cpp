@@ -1,6 +1,7 @@
 // Every kernel of every instruction set that this processor has, against its plain definition: all short
 // lengths, all alignments, memory that ends where the spans end, adversarial contents and parameters.
 
+#include <cpuid.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -84,6 +85,19 @@ void reportFault(int signal) {
   [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, static_cast<size_t>(length));
 }
 
+// Whether vector registers hold more than SSE code knows of, which slows such code down; false where the
+// processor doesn't tell.
+bool areUpperHalvesInUse() {
+  unsigned a = 0, b, c = 0, d;
+  __cpuid(1, a, b, c, d);
+  if ((c & bit_OSXSAVE) == 0) return false;
+  __cpuid_count(0xD, 1, a, b, c, d);
+  if ((a & 1U << 2) == 0) return false;
+  constexpr unsigned kAvx = 1U << 2, kAvx512 = 1U << 6;
+  __asm__ volatile("xgetbv" : "=a"(a), "=d"(d) : "c"(1));
+  return (a & (kAvx | kAvx512)) != 0;
+}
+
 std::string describe(const Table& table, const Case& c, const Parameters& p) {
   std::ostringstream text;
   text << table.name << ' ' << c.name << " with number " << p.number << std::hex << ", top " << p.top
@@ -111,6 +125,7 @@ class Duel {
     const uint64_t right = case_.run(plain::kTable, definitions_, expected);
     running = {table_.name, case_.name.c_str(), count, remainder(kernels_.in[0]), remainder(kernels_.out)};
     const uint64_t result = cut ? runParts(got), right : case_.run(table_, kernels_, got);
+    if (areUpperHalvesInUse()) ADD_FAILURE() << table_.name << ' ' << case_.name << " leaves them in use";
     if (result != right) {
       ADD_FAILURE() << describe(table_, case_, got) << where() << std::hex << "got " << result
                     << ", expected " << right << inputs();

@@ -12,7 +12,7 @@ void invertGray(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
   mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) {
     // Gray when each channel equals the one above it.
     const Pixels differing = (p[0] ^ p[0] >> 8) & 0xFFFF;
-    return ((differing == 0 ? ~p[0] : p[0]) & 0xFFFFFF) | top;
+    return ((p[0] ^ reinterpret_cast<Pixels>(differing == 0)) & 0xFFFFFF) | top;
   });
 }
 

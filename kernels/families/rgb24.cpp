@@ -42,13 +42,13 @@ alignas(64) constexpr Order kPlacesInBytes = placesInBytes(), kPlacesInWords = p
 // A vector of words, with top bytes of 0, from 3-byte pixels; and back.
 #if defined(__AVX512VBMI__)
 
-Pixels widened(const uint8_t* in) {
+Pixels widened(const void* in) {
   const auto bytes = reinterpret_cast<Vector>(load(in));
   const auto order = reinterpret_cast<Vector>(load(&kPlacesInBytes));
-  return reinterpret_cast<Pixels>(_mm512_maskz_permutexvar_epi8(0x7777777777777777, order, bytes));
+  return reinterpret_cast<Pixels>(_mm512_permutexvar_epi8(order, bytes)) & 0xFFFFFF;
 }
 
-void narrow(uint8_t* out, Pixels pixels) {
+void narrow(void* out, Pixels pixels) {
   const auto order = reinterpret_cast<Vector>(load(&kPlacesInWords));
   store(out, reinterpret_cast<Pixels>(_mm512_permutexvar_epi8(order, reinterpret_cast<Vector>(pixels))));
 }
@@ -106,23 +106,68 @@ void narrow(uint8_t* out, Pixels pixels) {
 
 #endif
 
-}  // namespace
+// The last pixels, fewer than `widened` and `narrow` can do without reaching too far.
+#if defined(__AVX512VBMI__)
 
-void unpackRGB24(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
-  for (; count * 3 >= kReach; count -= kPixels, in += kPixels * 3, out += kPixels)
-    store(out, widened(in) | top);
+// Of so many pixels. From a table: a mask that was shifted together from 32-bit halves has to wait in memory.
+struct ByteMasks {
+  __mmask64 of[kPixels + 1];
+  constexpr ByteMasks() : of() {
+    for (size_t i = 0; i <= kPixels; ++i) of[i] = (1ULL << i * 3) - 1;
+  }
+};
+constexpr ByteMasks kFirstBytes;
+
+void unpackRest(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
+  for (size_t length; count > 0; count -= length, in += length * 3, out += length) {
+    length = count < kPixels ? count : kPixels;
+    const Vector bytes = _mm512_maskz_loadu_epi8(kFirstBytes.of[length], in);
+    _mm512_mask_storeu_epi32(out, static_cast<__mmask16>((1U << length) - 1),
+                             reinterpret_cast<Vector>(widened(&bytes) | top));
+  }
+}
+
+void packRest(uint8_t* out, const Pixel* in, size_t count) {
+  for (size_t length; count > 0; count -= length, in += length, out += length * 3) {
+    length = count < kPixels ? count : kPixels;
+    Vector bytes;
+    narrow(&bytes, reinterpret_cast<Pixels>(
+                       _mm512_maskz_loadu_epi32(static_cast<__mmask16>((1U << length) - 1), in)));
+    _mm512_mask_storeu_epi8(out, kFirstBytes.of[length], bytes);
+  }
+}
+
+#else
+
+void unpackRest(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
   for (; count > 0; --count, in += 3)
     *out++ = static_cast<uint32_t>(in[0]) << 16 | static_cast<uint32_t>(in[1]) << 8 | in[2] | top;
 }
 
-void packRGB24(uint8_t* out, const Pixel* in, size_t count) {
-  for (; count * 3 >= kReach; count -= kPixels, in += kPixels, out += kPixels * 3) narrow(out, load(in));
+void packRest(uint8_t* out, const Pixel* in, size_t count) {
   for (; count > 0; --count, out += 3) {
     const uint32_t word = *in++;
     out[0] = static_cast<uint8_t>(word >> 16);
     out[1] = static_cast<uint8_t>(word >> 8);
     out[2] = static_cast<uint8_t>(word);
   }
+}
+
+#endif
+
+}  // namespace
+
+void unpackRGB24(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
+  for (; count * 3 >= kReach; count -= kPixels, in += kPixels * 3, out += kPixels) {
+    __builtin_prefetch(in + 4096);
+    store(out, widened(in) | top);
+  }
+  unpackRest(out, in, count, top);
+}
+
+void packRGB24(uint8_t* out, const Pixel* in, size_t count) {
+  for (; count * 3 >= kReach; count -= kPixels, in += kPixels, out += kPixels * 3) narrow(out, load(in));
+  packRest(out, in, count);
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

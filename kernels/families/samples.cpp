@@ -1,32 +1,22 @@
 // Sums over sound samples, and the bars that are drawn from them.
 
-#include <immintrin.h>
-
-#include "kernels/families/families.h"
+#include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-// The widest vectors that pay: 64 bytes at once are slower, most loads then straddle cache lines.
-#ifdef __AVX2__
-using Vector = __m256i;
-#define ZVR_VECTOR(operation) _mm256_##operation
-#else
-using Vector = __m128i;
-#define ZVR_VECTOR(operation) _mm_##operation
-#endif
-
 // Sums in 32-bit lanes.
 struct Lanes {
-  Vector negative = {}, positive = {};
+  Vector all = {}, positive = {};
 };
 
 // Of values of 16 bits.
 struct WordLanes : Lanes {
   void add(Vector values) {
-    const Vector one = ZVR_VECTOR(set1_epi16)(1), isNegative = ZVR_VECTOR(srai_epi16)(values, 15);
-    negative = ZVR_VECTOR(add_epi32)(negative, ZVR_VECTOR(madd_epi16)(values & isNegative, one));
-    positive = ZVR_VECTOR(add_epi32)(positive, ZVR_VECTOR(madd_epi16)(values & ~isNegative, one));
+    const Vector one = allWords(1);
+    all = ZVR_VECTOR(add_epi32)(all, ZVR_VECTOR(madd_epi16)(values, one));
+    positive =
+        ZVR_VECTOR(add_epi32)(positive, ZVR_VECTOR(madd_epi16)(ZVR_VECTOR(max_epi16)(values, Vector{}), one));
   }
 };
 
@@ -34,8 +24,8 @@ struct WordLanes : Lanes {
 struct ByteLanes : Lanes {
   void add(Vector values) {
     const Vector middle = ZVR_VECTOR(set1_epi8)(-128), zero = {};
-    negative =
-        ZVR_VECTOR(sub_epi32)(negative, ZVR_VECTOR(sad_epu8)(ZVR_VECTOR(subs_epu8)(middle, values), zero));
+    const Vector offset = ZVR_VECTOR(sad_epu8)(middle, zero);
+    all = ZVR_VECTOR(add_epi32)(all, ZVR_VECTOR(sub_epi32)(ZVR_VECTOR(sad_epu8)(values, zero), offset));
     positive =
         ZVR_VECTOR(add_epi32)(positive, ZVR_VECTOR(sad_epu8)(ZVR_VECTOR(subs_epu8)(values, middle), zero));
   }
@@ -48,37 +38,49 @@ uint32_t total(Vector lanes) {
   return sum;
 }
 
-// `flip` turns samples into the values that the lanes take, and `silence` into their 0.
+// Four bytes of `flips` turn samples into the values that the lanes take, and of `silences` into their 0.
 template <typename SampleLanes>
-Excursions sum(const uint8_t* in, size_t bytes, Vector flip, Vector silence) {
+Excursions sum(const uint8_t* in, size_t bytes, uint32_t flips, uint32_t silences) {
+  const Vector flip = allPixels(flips), silence = allPixels(silences);
   SampleLanes lanes;
-  for (; bytes >= sizeof(Vector); bytes -= sizeof(Vector), in += sizeof(Vector)) {
-    Vector samples;
-    __builtin_memcpy(&samples, in, sizeof samples);
-    lanes.add(samples ^ flip);
+  const auto addFew = [&](size_t count) __attribute__((always_inline)) {
+    Vector few = silence;
+    __builtin_memcpy(&few, in, count);
+    lanes.add(few ^ flip);
+    in += count;
+    bytes -= count;
+  };
+  // Vectors then don't cross cache lines, unless samples do.
+  const size_t head = (0 - reinterpret_cast<uintptr_t>(in)) % sizeof(Vector) & ~size_t{1};
+  if (head > 0 && head < bytes) addFew(head);
+  while (bytes >= kLine) {
+    fetchAhead(in);
+    for (size_t i = 0; i < kLine / sizeof(Vector); ++i, in += sizeof(Vector), bytes -= sizeof(Vector)) {
+      Vector samples;
+      __builtin_memcpy(&samples, in, sizeof samples);
+      lanes.add(samples ^ flip);
+      __asm__("" : "+x"(lanes.all), "+x"(lanes.positive));  // kept in registers
+    }
   }
-  __builtin_memcpy(&silence, in, bytes);
-  lanes.add(silence ^ flip);
-  return {total(lanes.negative), total(lanes.positive)};
+  while (bytes > 0) addFew(bytes < sizeof(Vector) ? bytes : sizeof(Vector));
+  const uint32_t positive = total(lanes.positive);
+  return {total(lanes.all) - positive, positive};
 }
 
 }  // namespace
 
 Excursions sumInt8(const uint8_t* samples, size_t count) {
-  return sum<ByteLanes>(samples, count, ZVR_VECTOR(set1_epi8)(-128), Vector{});
+  return sum<ByteLanes>(samples, count, 0x80808080, 0);
 }
 
 Excursions sumUInt8(const uint8_t* samples, size_t count) {
-  return sum<ByteLanes>(samples, count, Vector{}, ZVR_VECTOR(set1_epi8)(-128));
+  return sum<ByteLanes>(samples, count, 0, 0x80808080);
 }
 
-Excursions sumInt16(const uint8_t* samples, size_t count) {
-  return sum<WordLanes>(samples, count * 2, Vector{}, Vector{});
-}
+Excursions sumInt16(const uint8_t* samples, size_t count) { return sum<WordLanes>(samples, count * 2, 0, 0); }
 
 Excursions sumUInt16(const uint8_t* samples, size_t count) {
-  const Vector middle = ZVR_VECTOR(set1_epi16)(-32768);
-  return sum<WordLanes>(samples, count * 2, middle, middle);
+  return sum<WordLanes>(samples, count * 2, 0x80008000, 0x80008000);
 }
 
 void bars(Pixel* out, const int32_t* first, const int32_t* last, size_t count, int32_t row, uint32_t inside,

@@ -8,39 +8,52 @@ namespace kernels::ZVR_INSTRUCTION_SET {
 
 namespace {
 
-// Looks up the bytes that `where` says and sets the top bytes. A table is four vectors, and an instruction
-// looks up in two of them.
-void lookUp(Pixel* out, const Pixel* in, size_t count, uint32_t top, const uint8_t* entries,
-            __mmask64 where) {
-  Vector first, second, third, fourth;
-  __builtin_memcpy(&first, entries, sizeof first);
-  __builtin_memcpy(&second, entries + 64, sizeof second);
-  __builtin_memcpy(&third, entries + 128, sizeof third);
-  __builtin_memcpy(&fourth, entries + 192, sizeof fourth);
-  __asm__("" : "+x"(first), "+x"(second), "+x"(third), "+x"(fourth));  // to be kept in registers
-  const Vector color = allPixels(0xFFFFFF), tops = allPixels(top);
-  mapVectors(
-      out, in, count, false, [&](Vector pixels) __attribute__((always_inline)) {
-        const Vector lower = _mm512_permutex2var_epi8(first, pixels, second);
-        const Vector upper = _mm512_permutex2var_epi8(third, pixels, fourth);
-        const Vector found = _mm512_mask_blend_epi8(_mm512_movepi8_mask(pixels), lower, upper);
-        return (_mm512_mask_blend_epi8(where, pixels, found) & color) | tops;
-      });
+// The bytes at a place that `right` has become those of b, n bits further left; and those that are given up
+// for them go to b.
+void exchange(Vector& a, Vector& b, uint32_t n, __mmask64 right) {
+  const Vector left = _mm512_maskz_slli_epi32(0xFFFF, b, n);
+  b = _mm512_mask_blend_epi8(right, _mm512_maskz_srli_epi32(0xFFFF, a, n), b);
+  a = _mm512_mask_blend_epi8(right, a, left);
+}
+
+// Byte j of each word of vector i and byte i of each word of vector j change places: pixels become channels,
+// and channels pixels.
+void transpose(Vector (&v)[4]) {
+  constexpr __mmask64 kOdd = 0xAAAAAAAAAAAAAAAA, kUpper = 0xCCCCCCCCCCCCCCCC;
+  exchange(v[0], v[1], 8, kOdd);
+  exchange(v[2], v[3], 8, kOdd);
+  exchange(v[0], v[2], 16, kUpper);
+  exchange(v[1], v[3], 16, kUpper);
+}
+
+// The entries for 64 bytes. A table is four vectors, and an instruction looks up in two of them.
+Vector lookUp(const uint8_t* table, Vector bytes) {
+  __asm__(
+      ""
+      : "+r"(table));  // read where it lies: the compiler would rather bring all tables to the stack first
+  const auto quarter = [=](size_t i) {
+    Vector entries;
+    __builtin_memcpy(&entries, table + i * sizeof entries, sizeof entries);
+    return entries;
+  };
+  const Vector lower = _mm512_permutex2var_epi8(quarter(0), bytes, quarter(1));
+  const Vector upper = _mm512_permutex2var_epi8(quarter(2), bytes, quarter(3));
+  return _mm512_mask_blend_epi8(_mm512_movepi8_mask(bytes), lower, upper);
 }
 
 }  // namespace
 
-// Channel by channel: one table fits the registers, three don't.
 void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables) {
-  constexpr size_t kTile = 512;
-  constexpr __mmask64 kBlue = 0x1111111111111111, kGreen = kBlue << 1, kRed = kBlue << 2;
-  alignas(64) Pixel tile[kTile];
-  for (size_t length; count > 0; count -= length, in += length, out += length) {
-    length = count < kTile ? count : kTile;
-    lookUp(tile, in, length, top, tables.red, kRed);
-    lookUp(tile, tile, length, top, tables.green, kGreen);
-    lookUp(out, tile, length, top, tables.blue, kBlue);
-  }
+  const Vector tops = allPixels(top | top >> 8 | top >> 16 | top >> 24);
+  mapBlocks<4>(
+      out, in, count, [&](Vector(&block)[4]) __attribute__((always_inline)) {
+        transpose(block);
+        block[0] = lookUp(tables.blue, block[0]);
+        block[1] = lookUp(tables.green, block[1]);
+        block[2] = lookUp(tables.red, block[2]);
+        block[3] = tops;
+        transpose(block);
+      });
 }
 
 #else

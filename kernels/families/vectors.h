@@ -89,51 +89,68 @@ inline void stream(void* to, Vector vector) {
 #endif
 }
 
-// Fewer pixels than a vector has, through `map` in a vector of their own.
-template <typename Map>
+// Pixels go through maps in blocks of n vectors: map(Vector (&)[n]) changes them.
+//
+// Fewer pixels than a block has, through `map` in a block of their own.
+template <size_t n, typename Map>
 __attribute__((always_inline)) inline void mapFew(Pixel* out, const Pixel* in, size_t count, const Map& map) {
+  Vector block[n] = {};
 #if defined(__AVX512VBMI__)
-  const auto few = static_cast<__mmask16>((1U << count) - 1);
-  _mm512_mask_storeu_epi32(out, few, map(_mm512_maskz_loadu_epi32(few, in)));
-#else
-  Vector pixels{};
-  __builtin_memcpy(&pixels, in, count * sizeof *in);
-  pixels = map(pixels);
-  __builtin_memcpy(out, &pixels, count * sizeof *out);
+  if constexpr (n == 1) {
+    const auto few = static_cast<__mmask16>((1U << count) - 1);
+    block[0] = _mm512_maskz_loadu_epi32(few, in);
+    map(block);
+    return _mm512_mask_storeu_epi32(out, few, block[0]);
+  }
 #endif
+  __builtin_memcpy(block, in, count * sizeof *in);
+  map(block);
+  __builtin_memcpy(out, block, count * sizeof *out);
 }
 
-// out[i] from in[i] by `map`, from vector to vector; `past` the caches, where `out` begins with a line.
-template <typename Map>
-__attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count, bool past,
-                                                      const Map& map) {
-  for (; count >= kPixels; count -= kPixels, in += kPixels, out += kPixels) {
-    Vector pixels;
-    __builtin_memcpy(&pixels, in, sizeof pixels);
-    // Read once: the compiler would rather read memory again, and across cache lines, than spill.
-    __asm__("" : "+x"(pixels));
-    pixels = map(pixels);
-    if (past) {
-      fetchAhead(in);
-      stream(out, pixels);
-    } else {
-      __builtin_memcpy(out, &pixels, sizeof pixels);
+// out[i] from in[i], block by block; `past` the caches, where `out` begins with a line.
+template <size_t n, typename Map>
+__attribute__((always_inline)) inline void mapBlocks(Pixel* out, const Pixel* in, size_t count, bool past,
+                                                     const Map& map) {
+  for (; count >= n * kPixels; count -= n * kPixels, in += n * kPixels, out += n * kPixels) {
+    Vector block[n];
+    for (size_t i = 0; i < n; ++i) {
+      __builtin_memcpy(&block[i], in + i * kPixels, sizeof block[i]);
+      // Read once: the compiler would rather read memory again, and across cache lines, than spill.
+      __asm__("" : "+x"(block[i]));
+      if (past) fetchAhead(in + i * kPixels);
+    }
+    map(block);
+    for (size_t i = 0; i < n; ++i) {
+      if (past) {
+        stream(out + i * kPixels, block[i]);
+      } else {
+        __builtin_memcpy(out + i * kPixels, &block[i], sizeof block[i]);
+      }
     }
   }
-  if (count > 0) mapFew(out, in, count, map);
+  if (count > 0) mapFew<n>(out, in, count, map);
 }
 
 // The same, past the caches where that is faster: while there is something to calculate, only if much is
 // written and one vector is a whole line.
-template <typename Map>
-__attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count,
-                                                      const Map& map) {
+template <size_t n, typename Map>
+__attribute__((always_inline)) inline void mapBlocks(Pixel* out, const Pixel* in, size_t count,
+                                                     const Map& map) {
   const uintptr_t misplaced = reinterpret_cast<uintptr_t>(out) % kLine;
   const bool past = sizeof(Vector) == kLine && count >= kStreamedPixels && misplaced % sizeof(Pixel) == 0;
   const size_t head = past ? (kLine - misplaced) % kLine / sizeof(Pixel) : 0;
-  if (head > 0) mapFew(out, in, head, map);
-  mapVectors(out + head, in + head, count - head, past, map);
+  if (head > 0) mapFew<n>(out, in, head, map);
+  mapBlocks<n>(out + head, in + head, count - head, past, map);
   if (past) _mm_sfence();  // other threads see the result in order
+}
+
+// Blocks of one vector: map(pixels) gives the new ones.
+template <typename Map>
+__attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count,
+                                                      const Map& map) {
+  mapBlocks<1>(
+      out, in, count, [&](Vector(&block)[1]) __attribute__((always_inline)) { block[0] = map(block[0]); });
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET
