@@ -2,6 +2,8 @@
 
 #include "kernels/channel_tables.h"
 
+#include <string.h>
+
 namespace kernels {
 namespace {
 
@@ -98,10 +100,16 @@ void placeEntries(ChannelTables& tables) {
 }
 
 bool findLines(const ChannelTables& tables, ChannelLines& lines) {
+  const bool areSame = memcmp(tables.red, tables.green, sizeof tables.red) == 0 &&
+                       memcmp(tables.red, tables.blue, sizeof tables.red) == 0;
   for (uint32_t shift = 8; shift > 2; --shift) {  // up to 32 times as steep as the identity
     Fit fit = LineSearch(tables.red, shift).find(lines.red);
-    if (fit == Fit::kFound) fit = LineSearch(tables.green, shift).find(lines.green);
-    if (fit == Fit::kFound) fit = LineSearch(tables.blue, shift).find(lines.blue);
+    if (areSame) {
+      lines.green = lines.blue = lines.red;
+    } else {
+      if (fit == Fit::kFound) fit = LineSearch(tables.green, shift).find(lines.green);
+      if (fit == Fit::kFound) fit = LineSearch(tables.blue, shift).find(lines.blue);
+    }
     lines.shift = shift;
     if (fit != Fit::kTooSteep) return fit == Fit::kFound;
   }

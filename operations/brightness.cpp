@@ -1,6 +1,8 @@
 // Brightness, contrast and custom linear maps. A channel's new value depends on its old one alone, so each
 // channel's curve is worked out once, in double, for all 256 values.
 
+#include <string.h>
+
 #include "kernels/convert.h"
 #include "operations/operations.h"
 #include "operations/tables.h"
@@ -33,20 +35,38 @@ void fillTable(uint8_t (&table)[256], const Curve& curve) {
   for (int v = 0; v < 256; ++v) table[v] = curve(double(v));
 }
 
-// A new picture like the source, each channel through its curve: uint8_t curve(double).
-template <typename Curve>
-REALpictureStruct* throughCurves(REALpictureStruct* picture, const Curve& red, const Curve& green,
-                                 const Curve& blue) {
+// A new picture like the source, through tables that `fill` fills in.
+template <typename Fill>
+REALpictureStruct* throughTables(REALpictureStruct* picture, const Fill& fill) {
   PictureReader source;
   if (!source.GetPictureReader(picture)) return nullptr;
   PictureWriter result;
   if (!result.NewPictureWriter(source)) return nullptr;
   kernels::ChannelTables tables;
-  fillTable(tables.red, red);
-  fillTable(tables.green, green);
-  fillTable(tables.blue, blue);
+  fill(tables);
   mapThroughTables(result, tables, source);
   return result.RenderPictureWriter();
+}
+
+// Each channel through its curve: uint8_t curve(double).
+template <typename Curve>
+REALpictureStruct* throughCurves(REALpictureStruct* picture, const Curve& red, const Curve& green,
+                                 const Curve& blue) {
+  return throughTables(picture, [&](kernels::ChannelTables& tables) {
+    fillTable(tables.red, red);
+    fillTable(tables.green, green);
+    fillTable(tables.blue, blue);
+  });
+}
+
+// All channels through one.
+template <typename Curve>
+REALpictureStruct* throughCurve(REALpictureStruct* picture, const Curve& curve) {
+  return throughTables(picture, [&](kernels::ChannelTables& tables) {
+    fillTable(tables.red, curve);
+    memcpy(tables.green, tables.red, sizeof tables.red);
+    memcpy(tables.blue, tables.red, sizeof tables.red);
+  });
 }
 
 auto linearCurve(double brightness) {
@@ -76,7 +96,7 @@ auto contrastAbsoluteCurve(double contrast, double brightness) {
 }  // namespace
 
 REALpictureStruct* LinBrightnessPicture1(REALpictureStruct* picture, double brightness) {
-  return LinBrightnessPicture3(picture, brightness, brightness, brightness);
+  return throughCurve(picture, linearCurve(brightness));
 }
 
 REALpictureStruct* LinBrightnessPicture3(REALpictureStruct* picture, double red, double green, double blue) {
@@ -84,7 +104,7 @@ REALpictureStruct* LinBrightnessPicture3(REALpictureStruct* picture, double red,
 }
 
 REALpictureStruct* AbsBrightnessPicture1(REALpictureStruct* picture, double brightness) {
-  return AbsBrightnessPicture3(picture, brightness, brightness, brightness);
+  return throughCurve(picture, absoluteCurve(brightness));
 }
 
 REALpictureStruct* AbsBrightnessPicture3(REALpictureStruct* picture, double red, double green, double blue) {
@@ -92,7 +112,7 @@ REALpictureStruct* AbsBrightnessPicture3(REALpictureStruct* picture, double red,
 }
 
 REALpictureStruct* ContrastPicture1(REALpictureStruct* picture, double contrast) {
-  return ContrastPicture3(picture, contrast, contrast, contrast);
+  return throughCurve(picture, contrastCurve(contrast));
 }
 
 REALpictureStruct* ContrastPicture3(REALpictureStruct* picture, double red, double green, double blue) {
@@ -101,8 +121,7 @@ REALpictureStruct* ContrastPicture3(REALpictureStruct* picture, double red, doub
 
 REALpictureStruct* ContrastLinBrightnessPicture1(REALpictureStruct* picture, double contrast,
                                                  double brightness) {
-  return ContrastLinBrightnessPicture3(picture, contrast, contrast, contrast, brightness, brightness,
-                                       brightness);
+  return throughCurve(picture, contrastLinearCurve(contrast, brightness));
 }
 
 REALpictureStruct* ContrastLinBrightnessPicture3(REALpictureStruct* picture, double contrastRed,
@@ -116,8 +135,7 @@ REALpictureStruct* ContrastLinBrightnessPicture3(REALpictureStruct* picture, dou
 
 REALpictureStruct* ContrastAbsBrightnessPicture1(REALpictureStruct* picture, double contrast,
                                                  double brightness) {
-  return ContrastAbsBrightnessPicture3(picture, contrast, contrast, contrast, brightness, brightness,
-                                       brightness);
+  return throughCurve(picture, contrastAbsoluteCurve(contrast, brightness));
 }
 
 REALpictureStruct* ContrastAbsBrightnessPicture3(REALpictureStruct* picture, double contrastRed,
@@ -130,6 +148,5 @@ REALpictureStruct* ContrastAbsBrightnessPicture3(REALpictureStruct* picture, dou
 }
 
 REALpictureStruct* TransformPicture(REALpictureStruct* picture, double a, double b) {
-  const auto curve = [a, b](double v) { return clamped(v * a + b); };
-  return throughCurves(picture, curve, curve, curve);
+  return throughCurve(picture, [a, b](double v) { return clamped(v * a + b); });
 }
