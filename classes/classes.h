@@ -35,6 +35,7 @@ static_assert(offsetof(PictureSepiaData, source) == 24 && offsetof(PictureSepiaD
 
 // ---- lut3d.cpp ----
 
+// Nothing to do: a new table is all 0.
 void Lut3DConstructor(REALobjectStruct* object);
 // Releases source and destination and sets both to nil. Also the destructor.
 void Lut3DClose(REALobjectStruct* object);
@@ -55,7 +56,7 @@ void SepiaClose(REALobjectStruct* object);
 // Makes a new destination from the source; false when that can't be. The old destination is not released, on
 // purpose: a program that runs twice without Close loses it.
 RBBoolean SepiaRun(REALobjectStruct* object);
-// The weights of red, green and blue.
+// The weights of red, green and blue in a pixel's brightness, 1 for all of it. `parameter` is not looked at.
 double GetFactorR(REALobjectStruct* object, uint32_t parameter);
 double GetFactorG(REALobjectStruct* object, uint32_t parameter);
 double GetFactorB(REALobjectStruct* object, uint32_t parameter);

@@ -3,10 +3,10 @@
 set(ZVR_PRIVATE_LIBRARIES "lib/picturezvr")
 
 install(TARGETS picturezvr LIBRARY DESTINATION lib)
-install(FILES README.md CHANGELOG.md DESTINATION share/doc/picturezvr)
 install(FILES LICENSE DESTINATION share/doc/picturezvr RENAME copyright)
 # As in the sources, so that links stay right.
-install(DIRECTORY docs/manual DESTINATION share/doc/picturezvr/docs)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION share/doc/picturezvr)
+install(DIRECTORY docs DESTINATION share/doc/picturezvr)
 
 if(ZVR_BUILD_HOST)
   set_target_properties(zvr PROPERTIES INSTALL_RPATH "\$ORIGIN/../${ZVR_PRIVATE_LIBRARIES}")
@@ -24,8 +24,9 @@ if(ZVR_BUILD_HOST)
     endforeach()
   endif()
 
-  set(manual_page "${CMAKE_BINARY_DIR}/zvr.1")
-  add_custom_command(OUTPUT "${manual_page}" COMMAND $<TARGET_FILE:zvr> --man-page > "${manual_page}" DEPENDS zvr VERBATIM)
+  set(manual_page "${CMAKE_BINARY_DIR}/zvr.1.gz")
+  add_custom_command(OUTPUT "${manual_page}"
+    COMMAND $<TARGET_FILE:zvr> --man-page | gzip -9n > "${manual_page}" DEPENDS zvr VERBATIM)
   add_custom_target(zvr_manual_page ALL DEPENDS "${manual_page}")
   install(FILES "${manual_page}" DESTINATION share/man/man1)
   install(FILES host/zvr/completion.bash DESTINATION share/bash-completion/completions RENAME zvr)
@@ -36,8 +37,8 @@ set(CPACK_PACKAGE_NAME picturezvr)
 set(CPACK_PACKAGE_VENDOR "The PictureZVR authors")
 set(CPACK_PACKAGE_CONTACT "The PictureZVR authors <picturezvr@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Picture-processing plug-in, and a host of its own on the command line")
-set(CPACK_PACKAGE_DESCRIPTION "libpicturezvr.so adds picture methods and filter classes to programs of a BASIC dialect.
-zvr runs any of them on PNG and JPEG files.")
+set(CPACK_PACKAGE_DESCRIPTION "libpicturezvr.so adds picture methods and filter classes to programs of a
+BASIC dialect. zvr runs any of them on PNG and JPEG files.")
 set(CPACK_PACKAGE_FILE_NAME "picturezvr-${PROJECT_VERSION}-linux-i386")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

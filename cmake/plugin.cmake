@@ -4,6 +4,13 @@ file(GLOB ZVR_PLUGIN_SOURCES CONFIGURE_DEPENDS
   "${CMAKE_SOURCE_DIR}/operations/*.cpp" "${CMAKE_SOURCE_DIR}/classes/*.cpp")
 add_library(picturezvr_objects OBJECT ${ZVR_PLUGIN_SOURCES})
 target_link_libraries(picturezvr_objects PUBLIC zvr_options zvr_kernels)
+target_compile_options(picturezvr_objects PRIVATE ${ZVR_QUICKER_IF_SANITIZED})
+
+# For libraries that need the C runtime alone, and no newer one than they must: what opens libraries lay in one of its
+# own, and the unwinder's questions for threads, of which the plug-in has none, go to names that nobody has.
+set(ZVR_C_RUNTIME_ALONE -static-libgcc -static-libstdc++ -Wl,--hash-style=both
+  -Wl,--push-state,--no-as-needed -l:libdl.so.2 -Wl,--pop-state
+  -Wl,--wrap=pthread_once -Wl,--wrap=__pthread_key_create)
 
 add_library(picturezvr SHARED "${CMAKE_SOURCE_DIR}/cmake/exports.map")
 set_target_properties(picturezvr PROPERTIES LINKER_LANGUAGE CXX
@@ -13,8 +20,7 @@ target_link_options(picturezvr PRIVATE
   -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map
   -Wl,--no-undefined -Wl,-z,relro -Wl,-z,now -Wl,-z,text -Wl,--gc-sections)
 if(NOT ZVR_SANITIZE)
-  # Needs the C runtime alone.
-  target_link_options(picturezvr PRIVATE -static-libgcc -static-libstdc++)
+  target_link_options(picturezvr PRIVATE ${ZVR_C_RUNTIME_ALONE})
 else()
   # Sanitizer run times are found in the program that loads the library.
   target_link_options(picturezvr PRIVATE -Wl,-z,undefs)

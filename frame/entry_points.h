@@ -78,8 +78,8 @@ bool REALGetPropValueUInt16(REALobjectStruct* object, const char* name, uint16_t
 bool REALGetPropValueInt16(REALobjectStruct* object, const char* name, int16_t* value);
 bool REALGetPropValueInt8(REALobjectStruct* object, const char* name, int8_t* value);
 bool REALGetPropValueSingle(REALobjectStruct* object, const char* name, float* value);
-bool REALGetPropValueUInt8(REALobjectStruct* object, const char* name,
-                           uint8_t* value);  // the host's boolean getter
+// By the host's boolean getter.
+bool REALGetPropValueUInt8(REALobjectStruct* object, const char* name, uint8_t* value);
 bool REALSetPropValueInt32(REALobjectStruct* object, const char* name, int32_t value);
 bool REALSetPropValueString(REALobjectStruct* object, const char* name, REALstringStruct* value);
 bool REALSetPropValueDouble(REALobjectStruct* object, const char* name, double value);
@@ -90,8 +90,8 @@ bool REALSetPropValueInt64(REALobjectStruct* object, const char* name, int64_t v
 bool REALSetPropValueInt16(REALobjectStruct* object, const char* name, int16_t value);
 bool REALSetPropValueUInt16(REALobjectStruct* object, const char* name, uint16_t value);
 bool REALSetPropValueInt8(REALobjectStruct* object, const char* name, int8_t value);
-bool REALSetPropValueUInt8(REALobjectStruct* object, const char* name,
-                           uint8_t value);  // the host's boolean setter
+// By the host's boolean setter.
+bool REALSetPropValueUInt8(REALobjectStruct* object, const char* name, uint8_t value);
 bool REALSetPropValueBoolean(REALobjectStruct* object, const char* name, bool value);
 
 // ---- Variants ----
@@ -160,8 +160,8 @@ bool REALLockPictureDescription(REALpictureStruct* picture, REALpictureDescripti
 bool REALLockPictureDescription(REALpictureStruct* picture, REALpictureDescription* description,
                                 int32_t pictureType);
 void REALUnlockPictureDescription(REALpictureStruct* picture);
-void REALPictureClearCache(
-    REALpictureStruct* picture);  // the pixels changed: drop the host's cached rendering
+// The pixels changed: drops the host's cached rendering.
+void REALPictureClearCache(REALpictureStruct* picture);
 // The mask, made when there is none and `create` is set.
 REALpictureStruct* REALGetPictureMask(REALpictureStruct* picture, bool create);
 REALgraphicsStruct* REALGetPictureGraphics(REALpictureStruct* picture);

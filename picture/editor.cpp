@@ -26,9 +26,11 @@ const PixelLayout& layoutOf(int32_t format) {
 // Before this host version a failed lock must be undone.
 constexpr double kCleanLockVersion = 2012.0;
 
-// Whether a bitmap record is whole and not smaller than it was described (a host may leave its size at 0); a
-// row that is missing would be found only when it is touched.
+// Whether a bitmap record is whole and not smaller than it was described (a host may leave its size at 0),
+// and described as something that fits into memory; a row that is missing would be found only when it is
+// touched.
 bool isUsable(const REALbitmapRecord* bitmap, int32_t width, int32_t height) {
+  if (width < 0 || width > INT32_MAX / 4 || height < 0) return false;
   if (!bitmap || bitmap->kind != 0 || !bitmap->rowTable || !bitmap->required) return false;
   if (bitmap->width != 0 && bitmap->width < width) return false;
   if (bitmap->height != 0 && bitmap->height < height) return false;
@@ -192,7 +194,11 @@ int32_t PictureEditor::GetBlueOffset() const { return layoutOf(format).blue; }
 PictureWriter::~PictureWriter() { FreeMemoryNow(buffer); }
 
 bool PictureWriter::openFor(REALpictureStruct* target, int32_t newWidth, int32_t newHeight) {
-  if (!GetPictureEditor(target, false, true) || width < newWidth || height < newHeight) return false;
+  if (!GetPictureEditor(target, false, true)) return false;
+  if (width < newWidth || height < newHeight) {
+    clear();  // while the picture lives: on a host that can't count the caller's reference is the only one
+    return false;
+  }
   width = newWidth;
   height = newHeight;
   return true;

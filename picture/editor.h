@@ -29,7 +29,7 @@ class PictureEditor {
   PictureEditor(const PictureEditor&) = delete;
   PictureEditor& operator=(const PictureEditor&) = delete;
 
-  // Locks a picture's pixels. `readAccess`: the pixels it has are needed; `writeAccess`: they will be
+  // Locks a picture's pixels. `needsPixels`: those it has will be read; `changesPixels`: they will be
   // changed, and the host is told so when the editor is cleared. False for a null picture and for one whose
   // pixels can't be had.
   bool GetPictureEditor(REALpictureStruct* source, bool needsPixels, bool changesPixels);

@@ -135,14 +135,23 @@ bool GraphicsDrawPicture(REALpictureStruct* destination, REALpictureStruct* sour
 
 namespace {
 
+// The bitmap that was locked; null for one that can't be copied row by row.
+const REALbitmapRecord* bitmapOf(const REALpictureDescription& description) {
+  const auto* bitmap = static_cast<const REALbitmapRecord*>(description.handle);
+  if (description.pictureType != kPictureTypeBitmap || !bitmap || bitmap->kind != 0 || !bitmap->rowTable ||
+      bitmap->width < 0) {
+    return nullptr;
+  }
+  for (int32_t y = 0; y < bitmap->height; ++y) {
+    if (!bitmap->rowTable[y]) return nullptr;
+  }
+  return bitmap;
+}
+
 // The bitmaps' own sizes decide how much is copied.
 bool copyBitmap(const REALpictureDescription& destination, const REALpictureDescription& source) {
-  const auto* to = static_cast<const REALbitmapRecord*>(destination.handle);
-  const auto* from = static_cast<const REALbitmapRecord*>(source.handle);
-  if (!to || !from || to->kind != 0 || from->kind != 0 || to->width != from->width ||
-      to->height != from->height || !to->rowTable || !from->rowTable || from->width < 0) {
-    return false;
-  }
+  const REALbitmapRecord *to = bitmapOf(destination), *from = bitmapOf(source);
+  if (!to || !from || to->width != from->width || to->height != from->height) return false;
   for (int32_t y = 0; y < from->height; ++y) {
     memcpy(to->rowTable[y], from->rowTable[y], static_cast<size_t>(from->width) * 4);
   }

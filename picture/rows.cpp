@@ -46,6 +46,8 @@ RowSource::RowSource(PictureEditor& editor, const Region& region)
 
 void RowSource::at(const uint8_t* row) {
   start_ = row + offset_;
+  available_ = 0;
+  if (!row) return;  // there is none in a picture without rows
   // Rows of a host bitmap may lie anywhere; the others lie in one block that ends with the last row's pixels.
   const uint8_t* lastRow = editor_.format == kFormatHostBitmap
                                ? row
@@ -62,10 +64,9 @@ size_t RowSource::readable(size_t first, size_t count) const {
 
 const kernels::Pixel* RowSource::span(size_t first, size_t count) {
   const size_t whole = readable(first, count);
-  if (editor_.hasWords()) {
-    const auto* words = reinterpret_cast<const kernels::Pixel*>(start_) + first;
-    if (whole == count) return words;
-    memcpy(tile_, words, whole * sizeof *tile_);
+  if (editor_.hasWords() && whole == count) return reinterpret_cast<const kernels::Pixel*>(start_) + first;
+  if (whole > 0 && editor_.hasWords()) {
+    memcpy(tile_, start_ + first * sizeof *tile_, whole * sizeof *tile_);
   } else if (whole > 0) {
     kernels::best().unpackRGB24(tile_, start_ + first * 3, whole, 0);
   }

@@ -5,6 +5,10 @@
 #include <dlfcn.h>
 #include <stddef.h>
 
+// By their first versions, which old C libraries have as well as new ones.
+asm(".symver dlopen, dlopen@GLIBC_2.1");
+asm(".symver dlsym, dlsym@GLIBC_2.0");
+
 uint8_t* (*_gdk_pixbuf_get_pixels)(const GdkPixbuf*);
 int (*_gdk_pixbuf_get_rowstride)(const GdkPixbuf*);
 GdkPixbuf* (*_gdk_pixbuf_get_from_drawable)(GdkPixbuf*, GdkDrawable*, void*, int, int, int, int, int, int);

@@ -1,5 +1,5 @@
 # What the plug-in does to a real photograph and to real speech. Sourced by dev.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154 # cacheFolder comes from setup.sh
 
 kOwnPhoto='Any picture of yours does as well: ./dev demo PHOTO'
 
@@ -18,7 +18,7 @@ fetchFile() {
     removeOnExit "$work"
     rm -rf "$work"
     mkdir "$work"
-    cd "$work"
+    cd "$work" || exit
     preparePrivateApt "$kOwnPhoto"
     quietly privateApt download "$1" || fail "Could not fetch it. $kOwnPhoto"
     dpkg-deb -x "$1"_*.deb .

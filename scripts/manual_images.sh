@@ -23,6 +23,13 @@ shows() {
   quietly zvr apply "${@:2}" -o "$output" --quality 85
 }
 
+# answers LINES INPUT WORD…: fails unless zvr prints these lines, which the manual quotes.
+answers() {
+  local printed
+  printed=$(zvr apply "${@:2}" | grep -v '^wrote ')
+  [[ $printed == "$1" ]] || fail "The manual says \"$1\" where ${*:3} answers \"$printed\"."
+}
+
 # shellcheck disable=SC2154 # fetchPhoto leaves it
 djpeg -scale 1/8 -ppm "$photo" | cjpeg -quality 88 > "$images/photo.jpg"
 cp "$images/photo.jpg" photo.jpg
@@ -64,6 +71,29 @@ shows ChangeSaturationZVR.jpg photo.jpg ChangeSaturationZVR 120
 shows ChangeSaturationZVR-gray.jpg photo.jpg ChangeSaturationZVR -255
 shows TintPictureZVR.jpg photo.jpg TintPictureZVR @ '&c555555' '&cFFD08C'
 shows ExtractColorRectangleMaskZVR.png "$images/two-on-page.png" ExtractColorRectangleMaskZVR
+shows EmbeddedMaskZVR.jpg photo.jpg EmbeddedMaskZVR false = "$images/half-turned.jpg"
+
+# The gallery cuts out a part to look for.
+quietly zvr gallery "$images/page.png" -o gallery
+cp gallery/files/part.png "$images/FindPictureZVR-pic.png"
+answers $'FindPictureZVR = true\nx = 102\ny = 38' "$images/page.png" FindPictureZVR "$images/FindPictureZVR-pic.png"
+answers 'CountColorZVR = 19269' "$images/page.png" CountColorZVR '&cFFFFFF'
+answers $'red = MemoryBlock of 1024 bytes: 256 of 256 entries are not 0, sum 32768, largest 9793 (entry 0)
+blue = MemoryBlock of 1024 bytes: 256 of 256 entries are not 0, sum 32768, largest 4890 (entry 0)
+green = MemoryBlock of 1024 bytes: 256 of 256 entries are not 0, sum 32768, largest 3631 (entry 50)
+count = 32768' photo.jpg CountColorsZVR
+answers 'isWhiteZVR = false' "$images/page.png" isWhiteZVR
+answers 'isWhiteZVR = true' "$images/page.png" isWhiteZVR 166 0 -1 -1
+answers 'isBlackZVR = false' "$images/InvertGrayZVR.png" isBlackZVR
+answers 'isBlackZVR = true' "$images/InvertGrayZVR.png" isBlackZVR 166 0 -1 -1
+answers 'isGrayZVR = false' photo.jpg isGrayZVR 5
+answers 'isGrayZVR = true' "$images/ChangeSaturationZVR-gray.jpg" isGrayZVR 5
+answers 'ColornessZVR = 0.758148193359375' photo.jpg ColornessZVR
+answers 'ColornessZVR = 0' "$images/ChangeSaturationZVR-gray.jpg" ColornessZVR
+quietly zvr apply photo.jpg PicturetoBinaryStringZVR -o photo.ppic
+[[ $(stat -c %s photo.ppic) -eq 98344 && $(head -c 43 photo.ppic | od -An -v -tx1 | tr -d ' \n') == \
+  5050494300018028000001000000008000000020000000280000000000000000*fffeff ]] ||
+  fail 'The manual tells of other bytes of a binary string.'
 
 # Some syllables, as signed bytes: a tone under swelling hulls.
 LC_ALL=C awk 'BEGIN {

@@ -1,6 +1,6 @@
 # Valgrind's memcheck on the release build: values that were never set, which the sanitizers don't see.
 # Sourced by dev.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154 # cacheFolder comes from setup.sh
 
 # Programs and which of their tests. Left out is what computes in long double, which valgrind rounds to double
 # (tint and waveforms), and what takes minutes there.
@@ -40,7 +40,7 @@ fetchSymbols() {
     symbols=$(readelf -p .gnu_debuglink "$library" | grep -o '[0-9a-f]*\.debug') || continue
     cp "$partial"/usr/lib/debug/.build-id/??/"$symbols" "$partial/.debug"
   done
-  rm -rf "$partial"/{*.deb,etc,lib,usr}
+  rm -rf "${partial:?}"/{*.deb,etc,lib,usr}
   mv -T "$partial" "$folder"
 }
 

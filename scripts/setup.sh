@@ -3,7 +3,7 @@
 # shellcheck shell=bash
 
 # A changed list, or a changed version, makes a new tree.
-kTreeVersion=1
+kTreeVersion=2
 kTreePackages=(libgtk2.0-dev libcairo2-dev libgtest-dev libbenchmark-dev libffi-dev libpng-dev
   libjpeg62-turbo-dev libsndfile1-dev libcli11-dev)
 # Left out of the tree: the C library and the compiler's run time, which must be those of this machine's
@@ -143,6 +143,7 @@ END
 privateApt() { apt-get -c "$cacheFolder/apt/apt.conf" "$@"; }
 
 # debianSuite: prints the suite's name on Debian, nothing elsewhere.
+# shellcheck disable=SC1091 # not of this tree
 debianSuite() { (. /etc/os-release && [[ $ID != debian ]] || echo "${VERSION_CODENAME:-}"); }
 
 # debianSource SUITE: prints "ADDRESS|FILE:LINE" of where this machine gets that suite from and where that is

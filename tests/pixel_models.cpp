@@ -6,28 +6,32 @@
 #include <cmath>
 #include <iterator>
 
+#include "tests/plain_kernels.h"
+
 namespace {
 
 using Values = std::vector<host::Value>;
 
 Values noArguments(Random&, Rgb) { return {}; }
 
-// ---- Invert ----
-
-Rgb invert(const Rgb* source, const Values&) {
-  return rgb(255 - red(*source), 255 - green(*source), 255 - blue(*source));
+// A pixel by the definition of a kernel.
+template <auto kernel, typename... Parameters>
+Rgb by(const Rgb* source, Parameters&&... parameters) {
+  Rgb result;
+  kernel(&result, source, 1, 0, parameters...);
+  return result;
 }
 
-Rgb invertGray(const Rgb* source, const Values& arguments) {
-  const bool isGray = red(*source) == green(*source) && green(*source) == blue(*source);
-  return isGray ? invert(source, arguments) : *source;
-}
+// ---- Invert, merge and replace channels ----
 
-// ---- Merge and replace channels ----
+Rgb invert(const Rgb* source, const Values&) { return by<plain::invert>(source); }
+
+Rgb invertGray(const Rgb* source, const Values&) { return by<plain::invertGray>(source); }
 
 Rgb brighter(const Rgb* source, const Values&) {
-  return rgb(std::max(red(source[0]), red(source[1])), std::max(green(source[0]), green(source[1])),
-             std::max(blue(source[0]), blue(source[1])));
+  Rgb result;
+  plain::brighter(&result, source, source + 1, 1, 0);
+  return result;
 }
 
 // Sources: red, blue, green.
@@ -35,16 +39,9 @@ Rgb combine(const Rgb* source, const Values&) {
   return rgb(red(source[0]), green(source[2]), blue(source[1]));
 }
 
-Rgb replaceRed(const Rgb* source, const Values&) {
-  return rgb(red(source[1]), green(source[0]), blue(source[0]));
-}
-
-Rgb replaceGreen(const Rgb* source, const Values&) {
-  return rgb(red(source[0]), green(source[1]), blue(source[0]));
-}
-
-Rgb replaceBlue(const Rgb* source, const Values&) {
-  return rgb(red(source[0]), green(source[0]), blue(source[1]));
+template <Rgb channel>
+Rgb replace(const Rgb* source, const Values&) {
+  return (source[0] & ~channel) | (source[1] & channel);
 }
 
 // ---- Lookup tables ----
@@ -139,13 +136,12 @@ Values colorsNear(Random& random, Rgb hint, int others) {
 Values twoColors(Random& random, Rgb hint) { return colorsNear(random, hint, 1); }
 Values threeColors(Random& random, Rgb hint) { return colorsNear(random, hint, 2); }
 
-Rgb replaceColor(const Rgb* source, const Values& arguments) {
-  return *source == (colorOf(arguments[0]) & 0xFFFFFF) ? colorOf(arguments[1]) & 0xFFFFFF : *source;
+Rgb replaceColor(const Rgb* source, const Values& colors) {
+  return by<plain::replaceColor>(source, colorOf(colors[0]), colorOf(colors[1]));
 }
 
-Rgb extractColor(const Rgb* source, const Values& arguments) {
-  const bool found = *source == (colorOf(arguments[0]) & 0xFFFFFF);
-  return colorOf(arguments[found ? 1 : 2]) & 0xFFFFFF;
+Rgb extractColor(const Rgb* source, const Values& colors) {
+  return by<plain::extractColor>(source, colorOf(colors[0]), colorOf(colors[1]), colorOf(colors[2]));
 }
 
 // ---- Saturation ----
@@ -156,24 +152,12 @@ Values saturationAmount(Random& random, Rgb) {
       0,       -255,    -256,      255,       0x7EFF,          0x7F00,          0x7F01,        -0x80FE,
       -0x80FF, -0x8100, INT32_MIN, INT32_MAX, INT32_MAX - 255, INT32_MAX - 254, 8421504 - 255, 200000,
       -200000, 8421505, -8421505};
-  switch (random.between(0, 2)) {
-    case 0:
-      return {edges[random.between(0, static_cast<int>(std::size(edges)) - 1)]};
-    case 1:
-      return {int64_t{random.between(-600, 600)}};
-    default:
-      return {int64_t{static_cast<int32_t>(random.word())}};
-  }
+  const int64_t edge = edges[random.word() % std::size(edges)], any = static_cast<int32_t>(random.word());
+  return {random.chance(33) ? edge : random.chance(50) ? random.between(-600, 600) : any};
 }
 
 Rgb saturate(const Rgb* source, const Values& arguments) {
-  const auto k = static_cast<int32_t>(std::get<int64_t>(arguments[0]) + 255);
-  const int gray = (red(*source) + 2 * green(*source) + blue(*source)) / 4;
-  const auto moved = [&](int value) {
-    const auto product = static_cast<int32_t>(int64_t{value - gray} * k);
-    return std::clamp(product / 255 + gray, 0, 255);
-  };
-  return rgb(moved(red(*source)), moved(green(*source)), moved(blue(*source)));
+  return by<plain::saturate>(source, static_cast<int32_t>(std::get<int64_t>(arguments[0]) + 255));
 }
 
 // ---- Tint ----
@@ -189,44 +173,37 @@ Values tintBases(Random& random, Rgb) {
   return arguments;
 }
 
-Rgb tint(const Rgb* source, const Values& arguments) {
-  const RBColor gray = colorOf(arguments[0]), sepia = colorOf(arguments[1]);
-  const double weights[] = {red(gray) / 255.0, green(gray) / 255.0, blue(gray) / 255.0};
-  const double shares[] = {red(sepia) / 255.0, green(sepia) / 255.0, blue(sepia) / 255.0};
-  long double brightness = static_cast<long double>(red(*source)) * weights[0];
-  brightness += static_cast<long double>(green(*source)) * weights[1];
-  brightness += static_cast<long double>(blue(*source)) * weights[2];
-  const auto shade = [&](double share) { return std::min(static_cast<int>(brightness * share), 255); };
-  return rgb(shade(shares[0]), shade(shares[1]), shade(shares[2]));
+Rgb tint(const Rgb* source, const Values& colors) {
+  return by<plain::tint>(source, kernels::Tint{colorOf(colors[0]), colorOf(colors[1]), {}});
 }
 
 }  // namespace
 
 const std::vector<PixelModel>& pixelModels() {
   static const std::vector<PixelModel> models = {
-      {"InvertZVR", false, 1, noArguments, invert},
-      {"InvertGrayZVR", false, 1, noArguments, invertGray},
-      {"MergePictureZVR", true, 2, noArguments, brighter},
-      {"CombinePicturesZVR", true, 3, noArguments, combine},
-      {"ReplaceRedChannelZVR", false, 2, noArguments, replaceRed},
-      {"ReplaceGreenChannelZVR", false, 2, noArguments, replaceGreen},
-      {"ReplaceBlueChannelZVR", false, 2, noArguments, replaceBlue},
-      {"TransformColorsZVR", false, 1, tables, transform},
-      {"ChangeBrightnessLinearZVR", false, 1, doubles<1>, byFormula<linear, 1>},
-      {"ChangeBrightnessLinearZVR", false, 1, doubles<3>, byFormula<linear, 1>},
-      {"ChangeBrightnessAbsoluteZVR", false, 1, doubles<1>, byFormula<absolute, 1>},
-      {"ChangeBrightnessAbsoluteZVR", false, 1, doubles<3>, byFormula<absolute, 1>},
-      {"ChangeContrastZVR", false, 1, doubles<1>, byFormula<contrast, 1>},
-      {"ChangeContrastZVR", false, 1, doubles<3>, byFormula<contrast, 1>},
-      {"ChangeContrastBrightnessLinearZVR", false, 1, doubles<2>, byFormula<contrastLinear, 2>},
-      {"ChangeContrastBrightnessLinearZVR", false, 1, doubles<6>, byFormula<contrastLinear, 2>},
-      {"ChangeContrastBrightnessAbsoluteZVR", false, 1, doubles<2>, byFormula<contrastAbsolute, 2>},
-      {"ChangeContrastBrightnessAbsoluteZVR", false, 1, doubles<6>, byFormula<contrastAbsolute, 2>},
-      {"ChangeCustomZVR", false, 1, doubles<2>, byFormula<custom, 2>},
-      {"ReplaceColorZVR", false, 1, twoColors, replaceColor},
-      {"ExtractColorZVR", false, 1, threeColors, extractColor},
-      {"ChangeSaturationZVR", false, 1, saturationAmount, saturate},
-      {"TintPictureZVR", true, 1, tintBases, tint},
+      {"InvertZVR", false, true, 1, noArguments, invert},
+      {"InvertGrayZVR", false, true, 1, noArguments, invertGray},
+      {"MergePictureZVR", true, false, 2, noArguments, brighter},
+      {"CombinePicturesZVR", true, false, 3, noArguments, combine},
+      {"ReplaceRedChannelZVR", false, false, 2, noArguments, replace<0xFF0000>},
+      {"ReplaceGreenChannelZVR", false, false, 2, noArguments, replace<0x00FF00>},
+      {"ReplaceBlueChannelZVR", false, false, 2, noArguments, replace<0x0000FF>},
+      {"TransformColorsZVR", false, false, 1, tables, transform},
+      {"ChangeBrightnessLinearZVR", false, true, 1, doubles<1>, byFormula<linear, 1>},
+      {"ChangeBrightnessLinearZVR", false, true, 1, doubles<3>, byFormula<linear, 1>},
+      {"ChangeBrightnessAbsoluteZVR", false, true, 1, doubles<1>, byFormula<absolute, 1>},
+      {"ChangeBrightnessAbsoluteZVR", false, true, 1, doubles<3>, byFormula<absolute, 1>},
+      {"ChangeContrastZVR", false, true, 1, doubles<1>, byFormula<contrast, 1>},
+      {"ChangeContrastZVR", false, true, 1, doubles<3>, byFormula<contrast, 1>},
+      {"ChangeContrastBrightnessLinearZVR", false, true, 1, doubles<2>, byFormula<contrastLinear, 2>},
+      {"ChangeContrastBrightnessLinearZVR", false, true, 1, doubles<6>, byFormula<contrastLinear, 2>},
+      {"ChangeContrastBrightnessAbsoluteZVR", false, true, 1, doubles<2>, byFormula<contrastAbsolute, 2>},
+      {"ChangeContrastBrightnessAbsoluteZVR", false, true, 1, doubles<6>, byFormula<contrastAbsolute, 2>},
+      {"ChangeCustomZVR", false, true, 1, doubles<2>, byFormula<custom, 2>},
+      {"ReplaceColorZVR", false, true, 1, twoColors, replaceColor},
+      {"ExtractColorZVR", false, false, 1, threeColors, extractColor},
+      {"ChangeSaturationZVR", false, true, 1, saturationAmount, saturate},
+      {"TintPictureZVR", true, true, 1, tintBases, tint},
   };
   return models;
 }

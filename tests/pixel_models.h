@@ -7,9 +7,9 @@
 
 struct PixelModel {
   const char* method;
-  bool isGlobal;  // a global method takes all its pictures as arguments; a method of Picture is called on the
-                  // first
-  int sources;    // pictures of equal size, first among the arguments
+  bool isGlobal;    // takes all its pictures as arguments; a method of Picture is called on the first
+  bool keepsAlpha;  // the result has an alpha channel when the source has one
+  int sources;      // pictures of equal size, first among the arguments
   // The arguments behind the pictures: often ordinary, sometimes adversarial. `hint` is a colour of the first
   // picture.
   std::vector<host::Value> (*arguments)(Random& random, Rgb hint);

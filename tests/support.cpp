@@ -1,5 +1,6 @@
 #include "tests/support.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iostream>
 #include <stdexcept>
@@ -72,19 +73,32 @@ Rgb unwrittenColor() { return road() == host::Road::gdk ? 0 : kFreshColor; }
 
 uint32_t opaqueTopByte() { return road() == host::Road::console ? 0 : 0xFF; }
 
+std::vector<host::Value> numbers(std::initializer_list<int64_t> values) {
+  return {values.begin(), values.end()};
+}
+
+std::optional<Rgb> seenInRectangle(const Pixels& source, int left, int x, int y) {
+  if (road() != host::Road::gdk) return source.at(x, y);
+  const auto byte = [&](size_t at) { return source.colors[at / 3] >> (16 - 8 * (at % 3)) & 0xFF; };
+  const auto at = static_cast<size_t>(y * source.width * 3 + left * 4 + (x - left) * 3);
+  if (at + 3 > source.colors.size() * 3) return {};
+  return byte(at) << 16 | byte(at + 1) << 8 | byte(at + 2);
+}
+
+void expectNilException(const host::Outcome& outcome, const std::string& message) {
+  EXPECT_FALSE(std::get<host::PictureRef>(outcome.result)) << message;
+  ASSERT_TRUE(outcome.exception) << message;
+  EXPECT_EQ(outcome.exception->className, "NilObjectException");
+  EXPECT_EQ(outcome.exception->message, message);
+}
+
 Rgb Random::color() {
-  switch (between(0, 5)) {
-    case 0:
-      return chance(50) ? 0 : 0xFFFFFF;
-    case 1:
-      return static_cast<Rgb>(between(0, 255)) * 0x10101;  // gray
-    case 2:
-      return static_cast<Rgb>(between(0, 255)) * 0x10101 ^ (1u << between(0, 23));  // nearly gray
-    case 3:
-      return rgb(chance(50) * 255, chance(50) * 255, chance(50) * 255);  // a corner of the cube
-    default:
-      return word() & 0xFFFFFF;
-  }
+  const int kind = between(0, 5);
+  if (kind == 0) return chance(50) ? 0 : 0xFFFFFF;
+  if (kind == 1) return static_cast<Rgb>(between(0, 255)) * 0x10101;                           // gray
+  if (kind == 2) return static_cast<Rgb>(between(0, 255)) * 0x10101 ^ (1u << between(0, 23));  // nearly gray
+  if (kind == 3) return rgb(chance(50) * 255, chance(50) * 255, chance(50) * 255);  // a corner of the cube
+  return word() & 0xFFFFFF;
 }
 
 Pixels Random::pixels(int width, int height) {
@@ -103,22 +117,23 @@ Pixels Random::pixels(int width, int height) {
 }
 
 int Random::side() {
-  switch (between(0, 3)) {
-    case 0:
-      return 1;
-    case 1:
-      return between(1, 20);
-    case 2:
-      return between(60, 70);
-    default:
-      return chance(80) ? between(1, 200) : between(500, 530);
-  }
+  const int kind = between(0, 3);
+  if (kind == 0) return 1;
+  if (kind == 1) return between(1, 20);
+  if (kind == 2) return between(60, 70);
+  return chance(80) ? between(1, 200) : between(500, 530);
 }
 
 void HostTest::begin(const host::Settings& settings) {
   plugin_.reset();
   host::start(settings);
   plugin_ = std::make_unique<host::Plugin>(ZVR_PLUGIN);
+}
+
+void HostTest::beginAt(std::optional<double> version) {
+  host::Settings settings = settingsForRoad();
+  settings.version = version;
+  begin(settings);
 }
 
 void HostTest::TearDown() {
@@ -150,18 +165,17 @@ host::PictureRef HostTest::callPicture(const std::string& name, const host::Pict
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
+  const std::pair<const char*, host::Road> roads[] = {{"--road=cairo", host::Road::cairo},
+                                                      {"--road=gdk", host::Road::gdk},
+                                                      {"--road=console", host::Road::console}};
   for (int i = 1; i < argc; ++i) {
-    const std::string argument = argv[i];
-    if (argument == "--road=cairo")
-      roadOfProcess = host::Road::cairo;
-    else if (argument == "--road=gdk")
-      roadOfProcess = host::Road::gdk;
-    else if (argument == "--road=console")
-      roadOfProcess = host::Road::console;
-    else {
-      std::cerr << "unknown argument " << argument << ", expected --road=cairo, gdk or console\n";
+    const auto found = std::find_if(std::begin(roads), std::end(roads),
+                                    [&](const auto& one) { return one.first == std::string(argv[i]); });
+    if (found == std::end(roads)) {
+      std::cerr << "unknown argument " << argv[i] << ", expected --road=cairo, gdk or console\n";
       return 2;
     }
+    roadOfProcess = found->second;
   }
   return RUN_ALL_TESTS();
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -64,6 +65,14 @@ Rgb unwrittenColor();
 // The top byte of a word that was written on this road's picture (0 on the console road, else 255).
 uint32_t opaqueTopByte();
 
+// Whole numbers as arguments.
+std::vector<host::Value> numbers(std::initializer_list<int64_t> values);
+// What a rectangle that begins at column `left` shows at (x, y), in rows without padding: on 3-byte rows the
+// left column is counted in steps of 4 bytes, and nothing lies past the last row's end.
+std::optional<Rgb> seenInRectangle(const Pixels& source, int left, int x, int y);
+// Expects a call to have answered nil and raised a NilObjectException with this message.
+void expectNilException(const host::Outcome& outcome, const std::string& message);
+
 // Random contents that find what uniform noise does not: runs and clusters of 00 and FF, grays, near misses,
 // few colours.
 class Random {
@@ -89,6 +98,8 @@ class HostTest : public ::testing::Test {
   void TearDown() override;
   // Begins the host anew with other settings and loads the plug-in afresh.
   void begin(const host::Settings& settings);
+  // The same with the usual settings but for the version; nullopt: a host that tells none.
+  void beginAt(std::optional<double> version);
   void unloadPlugin() { plugin_.reset(); }
 
   // Calls a registered method; the overload is chosen by the number of arguments. A failure of the test when

@@ -1,28 +1,24 @@
 // The mask of rectangles over coloured areas, against a search that starts over after every rectangle.
 
-#include "tests/support.h"
+#include "tests/plain_kernels.h"
 
 namespace {
 
 using Values = std::vector<host::Value>;
 
-// A map with a gray ring around it; pixel (x, y) lies at (x + 1, y + 1).
-class Map {
- public:
-  Map(int width, int height) : width_(width + 2), cells_(static_cast<size_t>(width_ * (height + 2))) {}
-  char& at(int x, int y) { return cells_[static_cast<size_t>((y + 1) * width_ + x + 1)]; }
+// Which pixels are coloured; those outside are not.
+struct Map {
+  explicit Map(const Pixels& picture) : cells(picture.width, picture.height, Rgb{0}) {}
+  Rgb& at(int x, int y) { return cells.at(x, y); }
   bool any(int left, int top, int right, int bottom) {
-    for (int y = top; y <= bottom; ++y) {
-      for (int x = left; x <= right; ++x) {
+    for (int y = std::max(top, 0); y <= std::min(bottom, cells.height - 1); ++y) {
+      for (int x = std::max(left, 0); x <= std::min(right, cells.width - 1); ++x) {
         if (at(x, y)) return true;
       }
     }
     return false;
   }
-
- private:
-  int width_;
-  std::vector<char> cells_;
+  Pixels cells;
 };
 
 void growAndFill(Map& colored, Pixels& mask, int x, int y) {
@@ -45,13 +41,13 @@ void growAndFill(Map& colored, Pixels& mask, int x, int y) {
 // `seen(column, row)`: the colour that a picture shows there.
 template <typename Seen>
 Pixels maskOf(const Pixels& source, int left, int top, int width, int height, const Seen& seen) {
-  Map colored(source.width, source.height);
+  Map colored(source);
   const int right = std::min(left + (width < 0 ? source.width : width), source.width);
   const int bottom = std::min(top + (height < 0 ? source.height : height), source.height);
   for (int y = std::max(top, 0); y < bottom; ++y) {
     for (int x = std::max(left, 0); x < right; ++x) {
       const Rgb c = seen(x, y - std::max(top, 0));  // rows count from the picture's first
-      colored.at(x, y) = red(c) != green(c) || blue(c) != red(c);
+      colored.at(x, y) = !plain::isGray(c);
     }
   }
   Pixels mask(source.width, source.height, Rgb{0xFFFFFF});
@@ -68,8 +64,8 @@ Pixels maskOf(const Pixels& source, int left, int top, int width, int height, co
   return mask;
 }
 
-Pixels maskOf(const Pixels& source, int left = 0, int top = 0, int width = -1, int height = -1) {
-  return maskOf(source, left, top, width, height, [&](int x, int y) { return source.at(x, y); });
+Pixels maskOf(const Pixels& source) {
+  return maskOf(source, 0, 0, -1, -1, [&](int x, int y) { return source.at(x, y); });
 }
 
 // A picture drawn in characters: '.' is gray, anything else coloured.
@@ -89,17 +85,6 @@ Pixels masked(const std::vector<std::string>& rows) {
   return asWritten(result);
 }
 
-// Angles nested in one another: each box covers all the ones before, the dearest shape there is.
-Pixels nestedAngles(int side) {
-  Pixels result(side, side, Rgb{0x202020});
-  for (int y = 0; y < side; ++y) {
-    for (int x = 0; x < side; ++x) {
-      if (std::max(x, y) % 2 == 0) result.at(x, y) = 0x0000FF;
-    }
-  }
-  return result;
-}
-
 class ColorMask : public HostTest {
  protected:
   Pixels mask(const Pixels& source, Values rectangle = {}) {
@@ -107,12 +92,9 @@ class ColorMask : public HostTest {
   }
 };
 
-struct ShapeCase {
+const struct {
   std::vector<std::string> picture, mask;
-};
-
-const ShapeCase kShapes[] = {
-    {{"......", "......", "......"}, {"......", "......", "......"}},
+} kShapes[] = {
     {{"......", "....#.", "......"}, {"......", "....#.", "......"}},
     // An angle takes in its whole box; areas apart stay apart.
     {{"#....#", "#....#", "###..."}, {"###..#", "###..#", "###..."}},
@@ -125,7 +107,7 @@ const ShapeCase kShapes[] = {
 };
 
 TEST_F(ColorMask, Shapes) {
-  for (const ShapeCase& c : kShapes) {
+  for (const auto& c : kShapes) {
     const Pixels source = drawn(c.picture);
     EXPECT_EQ(mask(source), masked(c.mask)) << c.picture[1];
     EXPECT_EQ(asWritten(maskOf(source)), masked(c.mask)) << "the model itself";
@@ -148,7 +130,14 @@ TEST_F(ColorMask, GrowsAsARestartingSearchDoes) {
     for (int x = 0; x < length; ++x) angles.at(1 + x, 8) = angles.at(43 - x, 19) = 0xFF00;
     ASSERT_EQ(mask(angles), asWritten(maskOf(angles))) << length;
   }
-  for (int side : {8, 9, 40}) EXPECT_EQ(mask(nestedAngles(side)), asWritten(maskOf(nestedAngles(side))));
+  // Nested in one another: each box covers all the ones before, the dearest shape there is.
+  for (int side : {8, 9, 40}) {
+    Pixels angles(side, side, Rgb{0x202020});
+    for (int i = 0; i < side * side; ++i) {
+      if (std::max(i % side, i / side) % 2 == 0) angles.at(i % side, i / side) = 0x0000FF;
+    }
+    EXPECT_EQ(mask(angles), asWritten(maskOf(angles)));
+  }
 }
 
 // Rows are the picture's from row 0 on, wherever the rectangle lies; and on 3-byte rows the left column is
@@ -162,23 +151,17 @@ TEST_F(ColorMask, Rectangles) {
     }
     const int left = random.between(-4, source.width), top = random.between(-4, source.height);
     const int w = random.between(-1, source.width + 4), h = random.between(-1, source.height + 4);
-    const auto seen = [&](int x, int y) -> Rgb {
-      if (road() != host::Road::gdk) return source.at(x, y);
-      const auto byte = [&](size_t i) { return source.colors[i / 3] >> (16 - 8 * (i % 3)) & 0xFF; };
-      const auto at = static_cast<size_t>(y * source.width * 3 + std::max(left, 0) + x * 3);
-      if (at + 3 > source.colors.size() * 3) return 0;  // past the last row: not coloured
-      return byte(at) << 16 | byte(at + 1) << 8 | byte(at + 2);
+    const auto seen = [&](int x, int y) {
+      return seenInRectangle(source, std::max(left, 0), x, y).value_or(0);
     };
-    ASSERT_EQ(mask(source, {int64_t{left}, int64_t{top}, int64_t{w}, int64_t{h}}),
-              asWritten(maskOf(source, left, top, w, h, seen)))
+    ASSERT_EQ(mask(source, numbers({left, top, w, h})), asWritten(maskOf(source, left, top, w, h, seen)))
         << source.width << 'x' << source.height << " at " << left << ' ' << top << ' ' << w << ' ' << h;
   }
 }
 
 TEST_F(ColorMask, ResultIsOpaqueAndNilGivesNil) {
   EXPECT_FALSE(callPicture("ExtractColorRectangleMaskZVR", {}));
-  const auto result = callPicture("ExtractColorRectangleMaskZVR", makePicture(drawn({"#..", "#.."}), true));
-  ASSERT_TRUE(result);
+  const auto result = callPicture("ExtractColorRectangleMaskZVR", makePicture({2, 2, Rgb{1}}, true));
   EXPECT_FALSE(host::pictureHasAlpha(result.get()));
 }
 

@@ -9,16 +9,12 @@
 
 namespace {
 
-class Frame : public LinkedTest {};
+using Frame = LinkedTest;
 
 // ---- Memory ----
 
 bool isZero(const void* memory, size_t size) {
-  const auto* bytes = static_cast<const uint8_t*>(memory);
-  for (size_t i = 0; i < size; ++i) {
-    if (bytes[i]) return false;
-  }
-  return true;
+  return std::string(static_cast<const char*>(memory), size) == std::string(size, '\0');
 }
 
 TEST_F(Frame, BlocksAreZeroFilledAndLimited) {
@@ -81,15 +77,6 @@ REALarrayStruct* arrayOf(const host::ObjectRef& object) {
   return static_cast<REALarrayStruct*>(object.get());
 }
 
-// Up to 2013.9 elements are read where they lie; later hosts are asked.
-struct AccessCase {
-  double version;
-  bool asksHost;
-};
-const AccessCase kAccesses[] = {{2009, false}, {2013.9, false}, {2013.91, true}, {2014.1, true}};
-const char* const kGet = "RuntimeArrayDirectGetGetProc";
-const char* const kSet = "RuntimeArrayDirectGetSetProc";
-
 template <typename T>
 void expectElements(int32_t type, T first, T second) {
   const auto object = host::newArray(type, 4);
@@ -104,10 +91,23 @@ void expectElements(int32_t type, T first, T second) {
   }
 }
 
+// 8- and 16-bit signed elements can only be set.
+template <typename T>
+void expectStored(int32_t type, T value) {
+  const auto object = host::newArray(type, 2);
+  REALSetArrayValue(arrayOf(object), 1, value);
+  const auto* elements = reinterpret_cast<T* const*>(object.get())[2];
+  EXPECT_EQ(std::vector<T>(elements, elements + 3), (std::vector<T>{0, value, 0})) << type;
+}
+
+// Up to 2013.9 elements are read where they lie; later hosts are asked.
+constexpr double kVersions[] = {2009, 2013.9, 2013.91, 2014.1};
+const char* const kGet = "RuntimeArrayDirectGetGetProc";
+
 TEST_F(Frame, NumbersInArraysOfEveryType) {
-  for (const AccessCase& c : kAccesses) {
-    SCOPED_TRACE(c.version);
-    beginAt(c.version);
+  for (double version : kVersions) {
+    SCOPED_TRACE(version);
+    beginAt(version);
     expectElements<int32_t>(0, -5, INT32_MAX);
     expectElements<float>(1, 0.5f, -3.25f);
     expectElements<double>(2, 0.1, -1e300);
@@ -116,66 +116,52 @@ TEST_F(Frame, NumbersInArraysOfEveryType) {
     expectElements<uint32_t>(9, 0xFFFFFFFF, 1);
     expectElements<uint64_t>(10, UINT64_MAX, 1);
     expectElements<int64_t>(11, INT64_MIN, 1);
-    EXPECT_EQ(host::uses(kGet) > 0, c.asksHost);
-    EXPECT_EQ(host::uses(kSet) > 0, c.asksHost);
-  }
-}
-
-// 8- and 16-bit signed elements can only be set.
-template <typename T>
-T storedThrough(int32_t type, T value) {
-  const auto object = host::newArray(type, 2);
-  REALSetArrayValue(arrayOf(object), 1, value);
-  const auto* elements = reinterpret_cast<T* const*>(object.get())[2];
-  return elements[0] == 0 && elements[2] == 0 ? elements[1] : T{};
-}
-
-TEST_F(Frame, SmallSignedElementsCanBeSet) {
-  for (const AccessCase& c : kAccesses) {
-    beginAt(c.version);
-    EXPECT_EQ(storedThrough<int8_t>(5, -100), -100) << c.version;
-    EXPECT_EQ(storedThrough<int16_t>(6, -10000), -10000) << c.version;
+    expectStored<int8_t>(5, -100);
+    expectStored<int16_t>(6, -10000);
+    EXPECT_EQ(host::uses(kGet) > 0, version > 2013.9);
+    EXPECT_EQ(host::uses("RuntimeArrayDirectGetSetProc") > 0, version > 2013.9);
   }
 }
 
 // Every element and every reader has a reference of its own.
-TEST_F(Frame, StringsAndObjectsInArraysAreCounted) {
-  for (const AccessCase& c : kAccesses) {
-    SCOPED_TRACE(c.version);
-    beginAt(c.version);
-    const auto one = host::newString("one"), two = host::newString("two");
-    const auto strings = host::newArray(3, 1);
-    REALSetArrayValue(arrayOf(strings), 1, one.get());
-    EXPECT_EQ(host::references(one.get()), 2);
-    REALSetArrayValue(arrayOf(strings), 1, two.get());
-    EXPECT_EQ(host::references(one.get()), 1);
-    EXPECT_EQ(host::references(two.get()), 2);
-    REALSetArrayValue(arrayOf(strings), 1, two.get());  // by itself
-    EXPECT_EQ(host::references(two.get()), 2);
-    REALstringStruct* read = nullptr;
-    REALGetArrayValue(arrayOf(strings), 1, &read);
-    EXPECT_EQ(host::StringRef::adopt(read).get(), two.get());
-    EXPECT_EQ(host::StringRef::adopt(REALGetArrayString(arrayOf(strings), 1)).get(), two.get());
-    REALGetArrayValue(arrayOf(strings), 0, &read);
-    EXPECT_EQ(read, nullptr);
-    EXPECT_EQ(host::references(two.get()), 2);
+template <typename Ref, typename Element>
+void expectCounted(int32_t type, const Ref& first, const Ref& second,
+                   Element* (*getOld)(REALarrayStruct*, int32_t)) {
+  Element *one = first.get(), *two = second.get();
+  const auto owner = host::newArray(type, 1);
+  REALarrayStruct* array = arrayOf(owner);
+  REALSetArrayValue(array, 1, one);
+  EXPECT_EQ(host::references(one), 2);
+  for (int times = 0; times < 2; ++times) {  // the second time by itself
+    REALSetArrayValue(array, 1, two);
+    EXPECT_EQ(host::references(one), 1);
+    EXPECT_EQ(host::references(two), 2);
+  }
+  Element* read = nullptr;
+  REALGetArrayValue(array, 1, &read);
+  EXPECT_EQ(Ref::adopt(read).get(), two);
+  EXPECT_EQ(Ref::adopt(getOld(array, 1)).get(), two);
+  REALGetArrayValue(array, 0, &read);
+  EXPECT_EQ(read, nullptr);
+  EXPECT_EQ(host::references(two), 2);
+  REALSetArrayValue(array, 1, static_cast<Element*>(nullptr));
+  EXPECT_EQ(host::references(two), 1);
+}
 
-    const auto block = host::newMemoryBlock("x", 1);
-    const auto objects = host::newArray(4, 0);
-    REALSetArrayValue(arrayOf(objects), 0, static_cast<REALobjectStruct*>(block.get()));
-    EXPECT_EQ(host::references(block.get()), 2);
-    REALobjectStruct* object = nullptr;
-    REALGetArrayValue(arrayOf(objects), 0, &object);
-    EXPECT_EQ(host::ObjectRef::adopt(object).get(), block.get());
-    EXPECT_EQ(host::ObjectRef::adopt(REALGetArrayObject(arrayOf(objects), 0)).get(), block.get());
-    REALSetArrayValue(arrayOf(objects), 0, static_cast<REALobjectStruct*>(nullptr));
-    EXPECT_EQ(host::references(block.get()), 1);
+TEST_F(Frame, StringsAndObjectsInArraysAreCounted) {
+  for (double version : kVersions) {
+    SCOPED_TRACE(version);
+    beginAt(version);
+    const auto text = host::newString("one"), other = host::newString("two");
+    expectCounted(3, text, other, REALGetArrayString);
+    const host::ObjectRef array = host::newArray(0, 0), another = host::newArray(0, 0);
+    expectCounted(4, array, another, REALGetArrayObject);
   }
 }
 
 TEST_F(Frame, ArraysGrowByInsertion) {
-  for (const AccessCase& c : kAccesses) {
-    beginAt(c.version);
+  for (double version : kVersions) {
+    beginAt(version);
     const auto numbers = host::ObjectRef::adopt(REALCreateArrayInteger(-1));
     EXPECT_EQ(REALGetArrayUBound(arrayOf(numbers)), -1);
     REALInsertArrayValue(arrayOf(numbers), 0, int32_t{5});
@@ -217,56 +203,52 @@ TEST_F(Frame, AnArrayWithoutStorageIsAskedFor) {
 
 // ---- Errors ----
 
-void expectRaised(const std::string& className, const std::string& message) {
-  const auto raised = host::takeException();
-  ASSERT_TRUE(raised) << "expected " << className << ": " << message;
-  EXPECT_EQ(raised->className, className);
-  EXPECT_EQ(raised->message, message);
+// The pending exception as "Class: message".
+std::string raised() {
+  const auto exception = host::takeException();
+  return exception ? exception->className + ": " + exception->message : "none";
 }
 
 TEST_F(Frame, ExceptionsInEveryForm) {
   const auto a = host::newString("a"), b = host::newString("b"), c = host::newString("c");
-  RaiseException("NilObjectException", a.get());
-  expectRaised("NilObjectException", "a");
-  RaiseException("OutOfMemoryException", static_cast<REALstringStruct*>(nullptr));
-  expectRaised("OutOfMemoryException", "");
-  RaiseException("NilObjectException", "picture is nil", kEncodingASCII);
-  expectRaised("NilObjectException", "picture is nil");
-  RaiseException("NilObjectException", static_cast<const char*>(nullptr), kEncodingASCII);
-  expectRaised("NilObjectException", "");
-  RaiseException("NilObjectException", a.get(), b.get(), c.get());
-  expectRaised("NilObjectException", "abc");
-  RaiseException("NilObjectException", a.get(), nullptr, c.get());
-  expectRaised("NilObjectException", "ac");
-  RaiseException("NilObjectException", "one ", "two ", "three", kEncodingASCII);
-  expectRaised("NilObjectException", "one two three");
-  RaiseException("NilObjectException", "one", nullptr, nullptr, kEncodingASCII);
-  expectRaised("NilObjectException", "one");
+  const auto expect = [](const std::string& text, auto... parts) {
+    RaiseException("NilObjectException", parts...);
+    EXPECT_EQ(raised(), "NilObjectException: " + text);
+  };
+  const char* const none = nullptr;
+  expect("a", a.get());
+  expect("", static_cast<REALstringStruct*>(nullptr));
+  expect("picture is nil", "picture is nil", kEncodingASCII);
+  expect("", none, kEncodingASCII);
+  expect("abc", a.get(), b.get(), c.get());
+  expect("ac", a.get(), static_cast<REALstringStruct*>(nullptr), c.get());
+  expect("one two three", "one ", "two ", "three", kEncodingASCII);
+  expect("one", "one", none, none, kEncodingASCII);
   RaiseException("NoSuchException", "still said", kEncodingASCII);
-  expectRaised("RuntimeException", "still said");
+  EXPECT_EQ(raised(), "RuntimeException: still said");
 }
 
 TEST_F(Frame, ExceptionsThatCantBeMadeAreNone) {
-  for (const char* service : {"PluginNewInstance", "RuntimeRaiseException"}) {
-    host::failAt(service, 1);
+  const struct {
+    const char* service;
+    int nth;
+    const char* raises;
+  } cases[] = {{"PluginNewInstance", 1, "RuntimeException: text"},
+               {"PluginNewInstance", 2, "none"},  // neither the class nor the one in its stead
+               {"RuntimeRaiseException", 1, "none"}};
+  for (const auto& c : cases) {
+    host::failAt(c.service, c.nth);
     RaiseException("NoSuchException", "text", kEncodingASCII);
-    const bool second = std::strcmp(service, "PluginNewInstance") == 0;
-    EXPECT_EQ(host::takeException().has_value(), second) << service;
+    EXPECT_EQ(raised(), c.raises) << c.service;
     host::clearFaults();
   }
-  // Neither the class nor the one in its stead.
-  host::failAt("PluginNewInstance", 2);
-  RaiseException("NoSuchException", "text", kEncodingASCII);
-  EXPECT_FALSE(host::takeException());
 }
 
-struct RangeCase {
-  int64_t value, minimum, limit;
-  const char *parameter, *method, *message;
-};
-
 TEST_F(Frame, OutOfBoundsSaysTheRange) {
-  const RangeCase cases[] = {
+  const struct {
+    int64_t value, minimum, limit;
+    const char *parameter, *method, *message;
+  } cases[] = {
       {5, 10, 20, "x", "M", "Parameter x to method M is too small. Range is 10 to 19, but value is 5."},
       {25, 10, 20, "x", "M", "Parameter x to method M is too big. Range is 10 to 19, but value is 25."},
       {10, 10, 20, "x", "M", "Parameter x to method M is too big. Range is 10 to 19, but value is 10."},
@@ -275,14 +257,14 @@ TEST_F(Frame, OutOfBoundsSaysTheRange) {
        "Parameter  to method Run is too big. Range is -9223372036854775808 to 9223372036854775806, but value "
        "is 9223372036854775807."},
   };
-  for (const RangeCase& c : cases) {
+  for (const auto& c : cases) {
     RaiseOutOfBoundsException(c.value, c.minimum, c.limit, c.parameter, c.method);
-    expectRaised("OutOfBoundsException", c.message);
+    EXPECT_EQ(raised(), "OutOfBoundsException: " + std::string(c.message));
   }
   const std::string longName(3000, 'n');
   RaiseOutOfBoundsException(0, 1, 2, longName.c_str(), longName.c_str());
-  expectRaised("OutOfBoundsException", "Parameter " + longName + " to method " + longName +
-                                           " is too small. Range is 1 to 1, but value is 0.");
+  EXPECT_EQ(raised(), "OutOfBoundsException: Parameter " + longName + " to method " + longName +
+                          " is too small. Range is 1 to 1, but value is 0.");
 }
 
 TEST_F(Frame, MemoryBlocksFromBytes) {
@@ -298,7 +280,7 @@ TEST_F(Frame, MemoryBlocksFromBytes) {
 
   host::failAt("newMemoryBlock", 1);
   EXPECT_EQ(REALBuildMemoryblock("0123", 4), nullptr);
-  expectRaised("OutOfMemoryException", "Failed to allocate a memoryblock with 4 bytes in size.");
+  EXPECT_EQ(raised(), "OutOfMemoryException: Failed to allocate a memoryblock with 4 bytes in size.");
   host::failAt("memoryBlockGetPtr", 1);
   EXPECT_EQ(REALBuildMemoryblock("0123", 4), nullptr);
   EXPECT_FALSE(host::takeException());

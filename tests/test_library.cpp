@@ -72,8 +72,24 @@ TEST(LibraryFile, NeedsTheCRuntimeAlone) {
   }
   EXPECT_TRUE(isDynamicSection);
   EXPECT_EQ(needed.count("libc.so.6"), 1u);
-  for (const char* allowed : {"libc.so.6", "libm.so.6", "ld-linux.so.2"}) needed.erase(allowed);
+  for (const char* allowed : {"libc.so.6", "libdl.so.2", "libm.so.6", "ld-linux.so.2"}) needed.erase(allowed);
   EXPECT_EQ(needed, std::set<std::string>());
+}
+
+TEST(LibraryFile, AsksForNothingThatOldCLibrariesLack) {
+#ifdef ZVR_SANITIZED
+  GTEST_SKIP() << "sanitizers ask for more";
+#endif
+  int count = 0;
+  for (const std::string& line : linesFrom("readelf -VW")) {
+    const size_t name = line.find("Name: GLIBC_");
+    if (name == std::string::npos) continue;
+    int major = 0, minor = 0;
+    ASSERT_EQ(sscanf(line.c_str() + name, "Name: GLIBC_%d.%d", &major, &minor), 2) << line;
+    EXPECT_LE(major * 100 + minor, 203) << line;
+    ++count;
+  }
+  EXPECT_GT(count, 0);
 }
 
 TEST(LibraryFile, HasNoExecutableStackNorWritableCode) {

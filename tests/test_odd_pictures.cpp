@@ -32,6 +32,8 @@ const Oddity kOddities[] = {
     {"described as higher", [](Oddities& o) { o.describedHeight = 4096; }},
     {"described as huge", [](Oddities& o) { o.describedWidth = o.describedHeight = INT32_MAX; }},
     {"described as empty", [](Oddities& o) { o.describedWidth = o.describedHeight = 0; }},
+    {"described without rows", [](Oddities& o) { o.describedHeight = 0; }},
+    {"described with a width below 0", [](Oddities& o) { o.describedWidth = -2; }},
     {"described as less than empty", [](Oddities& o) { o.describedWidth = o.describedHeight = INT32_MIN; }},
     {"claims to be larger", [](Oddities& o) { o.claimedWidth = o.claimedHeight = 4096; }},
     {"claims to be smaller", [](Oddities& o) { o.claimedWidth = o.claimedHeight = 2; }},
@@ -70,15 +72,21 @@ TEST_F(OddPictures, EachAloneAndAllTogether) {
   }
 }
 
+// Also on a host that can't count references.
 TEST_F(OddPictures, NewPicturesOfAnotherSize) {
   for (const int more : {-4, -1, 1, 100}) {
     host::Settings settings = settingsForRoad();
     settings.newPicturesGrowBy = more;
-    for (const Call& call : calls_) {
-      SCOPED_TRACE(call.describe() + ", new pictures of " + std::to_string(more) + " pixels more");
-      const Trial trial = attempt(Stage(settings), call);
-      ++injected_;
-      expectNothingHeld(call, trial);
+    for (const bool counts : {true, false}) {
+      for (const Call& call : calls_) {
+        SCOPED_TRACE(call.describe() + ", new pictures of " + std::to_string(more) + " pixels more" +
+                     (counts ? "" : ", no REALLockObject"));
+        const Trial trial = attempt(Stage(settings), call, [&](Scene&) {
+          if (!counts) host::removeEntryPoint("REALLockObject");
+        });
+        ++injected_;
+        expectNothingHeld(call, trial);
+      }
     }
   }
 }

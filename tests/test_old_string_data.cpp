@@ -17,22 +17,21 @@ class OldStringData : public LinkedTest {
   }
 };
 
+// The text in the encoding that is wanted of a string.
 struct Case {
-  const char* name;
   std::string bytes;
   uint32_t encoding, wanted;
   std::string expected;
 };
 
 const Case kCases[] = {
-    {"its own, unnamed", "caf\xE9", kEncodingWindows, kEncodingNone, "caf\xE9"},
-    {"its own, named", "caf\xE9", kEncodingWindows, kEncodingWindows, "caf\xE9"},
-    {"another", "caf\xE9", kEncodingWindows, kEncodingUTF8, "caf\xC3\xA9"},
-    {"another, wider", "ab", kEncodingASCII, kEncodingUTF16, std::string("a\0b\0", 4)},
-    {"raw bytes as they are", std::string("\0\xFF\0", 3), kEncodingNone, kEncodingNone,
-     std::string("\0\xFF\0", 3)},
-    {"empty", "", kEncodingUTF8, kEncodingNone, ""},
-    {"empty, converted", "", kEncodingUTF8, kEncodingMacRoman, ""},
+    {"caf\xE9", kEncodingWindows, kEncodingNone, "caf\xE9"},
+    {"caf\xE9", kEncodingWindows, kEncodingWindows, "caf\xE9"},
+    {"caf\xE9", kEncodingWindows, kEncodingUTF8, "caf\xC3\xA9"},
+    {"ab", kEncodingASCII, kEncodingUTF16, std::string("a\0b\0", 4)},
+    {std::string("\0\xFF\0", 3), kEncodingNone, kEncodingNone, std::string("\0\xFF\0", 3)},
+    {"", kEncodingUTF8, kEncodingNone, ""},
+    {"", kEncodingUTF8, kEncodingMacRoman, ""},
 };
 
 // First of all, while neither service is known. (An address that was found is not asked for again.)
@@ -54,7 +53,7 @@ TEST_F(OldStringData, NeedsBothServices) {
 
 TEST_F(OldStringData, CopiesTheBytesWithFourZerosBehind) {
   for (const Case& c : kCases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(&c - kCases);
     const auto string = host::newString(c.bytes, c.encoding, /*terminated=*/false);
     REALstringData record = {};
     ASSERT_TRUE(REALGetStringData(string.get(), c.wanted, &record));
@@ -71,15 +70,16 @@ TEST_F(OldStringData, CopiesTheBytesWithFourZerosBehind) {
 // that one.
 TEST_F(OldStringData, TheLengthThatStandsInTheRecordCounts) {
   const auto string = host::newString("caf\xE9", kEncodingWindows);
-  struct LengthCase {
+  const struct {
     uint32_t encoding;
     int32_t standing;
     size_t atLeast, below;
-  };
-  for (const LengthCase& c :
-       {LengthCase{kEncodingNone, 0, 8, 1000}, LengthCase{kEncodingNone, 2, 8, 1000},
-        LengthCase{kEncodingNone, 5000, 5004, 6000}, LengthCase{kEncodingNone, INT32_MIN, 8, 1000},
-        LengthCase{kEncodingWindows, 5000, 8, 1000}, LengthCase{kEncodingUTF8, 5000, 9, 1000}}) {
+  } cases[] = {{kEncodingNone, 2, 8, 1000},
+               {kEncodingNone, 5000, 5004, 6000},
+               {kEncodingNone, INT32_MIN, 8, 1000},
+               {kEncodingWindows, 5000, 8, 1000},
+               {kEncodingUTF8, 5000, 9, 1000}};
+  for (const auto& c : cases) {
     REALstringData record = {nullptr, c.standing, 0};
     ASSERT_TRUE(REALGetStringData(string.get(), c.encoding, &record));
     EXPECT_EQ(record.length, c.encoding == kEncodingUTF8 ? 5 : 4);

@@ -36,12 +36,23 @@ TEST_P(EveryPixel, IsAsDefined) {
     ASSERT_TRUE(result) << "round " << round;
     ASSERT_EQ(colorsOf(result), asWritten(expected)) << "round " << round;
     if (road() != host::Road::gdk) {
+      EXPECT_EQ(host::pictureHasAlpha(result.get()),
+                model.keepsAlpha && host::pictureHasAlpha(pictures[0].get()));
       for (uint32_t word : wordsOf(result)) ASSERT_EQ(word >> 24, opaqueTopByte()) << "round " << round;
     }
     for (size_t s = 0; s < sources.size(); ++s) {
       ASSERT_EQ(colorsOf(pictures[s]), sources[s]) << "a source changed in round " << round;
     }
   }
+}
+
+TEST_P(EveryPixel, NilGivesNil) {
+  const PixelModel& model = GetParam();
+  Random random(1);
+  std::vector<host::Value> arguments(static_cast<size_t>(model.sources - !model.isGlobal),
+                                     host::PictureRef());
+  for (const host::Value& value : model.arguments(random, 0)) arguments.push_back(value);
+  EXPECT_FALSE(std::get<host::PictureRef>(call(model.method, nullptr, arguments).result));
 }
 
 INSTANTIATE_TEST_SUITE_P(Methods, EveryPixel, ::testing::ValuesIn(pixelModels()), [](const auto& tested) {

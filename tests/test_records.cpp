@@ -9,7 +9,7 @@
 
 namespace {
 
-class Records : public LinkedTest {};
+using Records = LinkedTest;
 
 TEST_F(Records, MarkersBecomeFlagsOnHostsThatKnowThem) {
   struct Case {
@@ -20,36 +20,32 @@ TEST_F(Records, MarkersBecomeFlagsOnHostsThatKnowThem) {
                         Case{0x40100, 0x104, 0x100}, Case{0xFFE3FFF3, 0xFFE3FFF3, 0xFFE3FFF3}}) {
     for (double version : {0.0, 2010.028, 2010.029, 2013.03}) {
       beginAt(version);
-      const uint32_t expected = version >= 2010.029 ? c.known : c.unknown;
-      REALmethodDefinition methods[2] = {}, shared[1] = {}, globals[2] = {}, alone = {}, ofModule[1] = {};
-      REALproperty properties[2] = {}, sharedProperties[1] = {}, propertiesOfModule[1] = {};
+      // Arrays of two each, and all on their own.
+      REALmethodDefinition methods[2] = {}, shared[2] = {}, globals[2] = {}, ofModule[2] = {}, alone = {};
+      REALproperty properties[2] = {}, sharedProperties[2] = {}, propertiesOfModule[2] = {};
       REALclassDefinition type = {};
       REALmoduleDefinition module = {};
-      uint32_t* const flags[] = {
-          &methods[0].flags,          &methods[1].flags,    &shared[0].flags,
-          &globals[0].flags,          &globals[1].flags,    &alone.flags,
-          &ofModule[0].flags,         &properties[0].flags, &properties[1].flags,
-          &sharedProperties[0].flags, &type.flags,          &propertiesOfModule[0].flags};
+      std::vector<uint32_t*> flags = {&alone.flags, &type.flags};
+      for (auto* array : {methods, shared, globals, ofModule})
+        flags.insert(flags.end(), {&array[0].flags, &array[1].flags});
+      for (auto* array : {properties, sharedProperties, propertiesOfModule})
+        flags.insert(flags.end(), {&array[0].flags, &array[1].flags});
       for (uint32_t* word : flags) *word = c.marked;
       type.methods = methods;
-      type.methodCount = 2;
       type.sharedMethods = shared;
-      type.sharedMethodCount = 1;
       type.properties = properties;
-      type.propertyCount = 2;
       type.sharedProperties = sharedProperties;
-      type.sharedPropertyCount = 1;
       module.methods = ofModule;
       module.properties = propertiesOfModule;
-      module.methodCount = module.propertyCount = 1;
+      type.methodCount = type.sharedMethodCount = type.propertyCount = type.sharedPropertyCount = 2;
+      module.methodCount = module.propertyCount = 2;
       FixConsoleFlags(&type);
       FixConsoleFlags(globals, 2);
       FixConsoleFlags(&alone);
       FixConsoleFlags(&module);
-      for (uint32_t* word : flags) {
-        EXPECT_EQ(*word, expected) << std::hex << c.marked << " at " << version << ", word "
-                                   << word - flags[0];
-      }
+      for (size_t i = 0; i < flags.size(); ++i)
+        EXPECT_EQ(*flags[i], version >= 2010.029 ? c.known : c.unknown)
+            << std::hex << c.marked << ", word " << i;
     }
   }
   REALclassDefinition empty = {};
@@ -106,42 +102,38 @@ void expectShortened(const void* copies, const Record* sources, size_t count) {
 
 TEST_F(Records, OldHostsGetShorterRecords) {
   CurrentREALControlVersion = 9;
-  REALproperty properties[3], shared[2];
-  REALmethodDefinition methods[3], sharedMethods[2];
+  REALproperty properties[3], shared[3];
+  REALmethodDefinition methods[3], sharedMethods[3];
   REALconstant constants[3];
-  REALevent events[2];
+  REALevent events[3];
   number(properties, 3, 100);
-  number(shared, 2, 200);
+  number(shared, 3, 200);
   number(methods, 3, 300);
-  number(sharedMethods, 2, 400);
+  number(sharedMethods, 3, 400);
   number(constants, 3, 500);
-  number(events, 2, 600);
-  const REALevent eventsBefore[2] = {events[0], events[1]};
+  number(events, 3, 600);
+  const REALevent eventsBefore[3] = {events[0], events[1], events[2]};
 
   REALclassDefinition type;
   number(&type, 1, 1);
   type.properties = properties;
-  type.propertyCount = 3;
   type.sharedProperties = shared;
-  type.sharedPropertyCount = 2;
   type.methods = methods;
-  type.methodCount = 3;
   type.sharedMethods = sharedMethods;
-  type.sharedMethodCount = 2;
   type.constants = constants;
-  type.constantCount = 3;
   type.events = events;
-  type.eventCount = 2;
+  type.propertyCount = type.sharedPropertyCount = type.methodCount = type.sharedMethodCount = 3;
+  type.constantCount = type.eventCount = 3;
 
   REALclassDefinition* old = FixClass(&type);
   ASSERT_TRUE(old);
   expectShortened<REALproperty, REALoldProperty>(old->properties, properties, 3);
-  expectShortened<REALproperty, REALoldProperty>(old->sharedProperties, shared, 2);
+  expectShortened<REALproperty, REALoldProperty>(old->sharedProperties, shared, 3);
   expectShortened<REALmethodDefinition, REALoldMethodDefinition>(old->methods, methods, 3);
-  expectShortened<REALmethodDefinition, REALoldMethodDefinition>(old->sharedMethods, sharedMethods, 2);
+  expectShortened<REALmethodDefinition, REALoldMethodDefinition>(old->sharedMethods, sharedMethods, 3);
   expectShortened<REALconstant, REALoldConstant>(old->constants, constants, 3);
-  expectShortened<REALevent, REALoldEvent>(old->events, eventsBefore, 2);
-  for (size_t i = 0; i < 2; ++i)
+  expectShortened<REALevent, REALoldEvent>(old->events, eventsBefore, 3);
+  for (size_t i = 0; i < 3; ++i)
     EXPECT_EQ(events[i].forOldHosts, reinterpret_cast<REALoldEvent*>(old->events) + i);
   // Everything else as it was, but for the version and the obsolete words.
   const auto* words = reinterpret_cast<const uint32_t*>(old);
@@ -151,11 +143,7 @@ TEST_F(Records, OldHostsGetShorterRecords) {
   EXPECT_EQ(words[17], 0u);
   for (size_t i : {1u, 2u, 3u, 4u, 5u, 6u, 8u, 10u, 12u, 13u, 14u, 15u, 19u, 20u, 22u, 24u})
     EXPECT_EQ(words[i], before[i]) << "word " << i;
-
-  for (void* array : {static_cast<void*>(old->properties), static_cast<void*>(old->sharedProperties),
-                      static_cast<void*>(old->methods), static_cast<void*>(old->sharedMethods),
-                      static_cast<void*>(old->constants), static_cast<void*>(old->events)})
-    FreeMemoryNow(array);
+  for (size_t array : {7u, 9u, 11u, 18u, 21u, 23u}) FreeMemoryNow(reinterpret_cast<void* const*>(old)[array]);
   FreeMemoryNow(old);
 }
 

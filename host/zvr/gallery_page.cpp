@@ -17,6 +17,9 @@ struct Fineness {
 };
 constexpr Fineness kFinenesses[] = {{kShownSide, 85}, {kShownSide, 70}, {480, 70}, {360, 60}, {240, 50}};
 
+// In copies; few calls take longer, and all others would have short bars for their sake.
+constexpr int kLongestBar = 10;
+
 std::string number(double value) {
   if (value > 0 && value < 0.005) return "< 0.01";
   char text[32];
@@ -95,16 +98,22 @@ std::string curvePlot(const Bytes& table) {
 
 // ---- Cards ----
 
+// As HTML; a long name may be broken before its capitals.
+std::string breakable(const std::string& name) {
+  const auto isLower = [](char c) { return c >= 'a' && c <= 'z'; };
+  const auto isUpper = [](char c) { return c >= 'A' && c <= 'Z'; };
+  std::string html;
+  for (size_t i = 0; i < name.size(); ++i) {
+    if (i > 0 && isLower(name[i - 1]) && isUpper(name[i])) html += "<wbr>";
+    html += escaped(name.substr(i, 1));
+  }
+  return html;
+}
+
 class Writer {
  public:
   Writer(const Exhibition& exhibition, const Fineness& fineness)
-      : exhibition_(exhibition), fineness_(fineness) {
-    for (const Group& group : exhibition.groups) {
-      for (const Card& card : group.cards) {
-        if (card.timing) slowest_ = std::max(slowest_, card.timing->copies);
-      }
-    }
-  }
+      : exhibition_(exhibition), fineness_(fineness) {}
 
   std::string page() {
     std::string contents, groups;
@@ -126,11 +135,7 @@ class Writer {
          {"contents", contents},
          {"groups", groups},
          {"timings", timingRows()},
-         {"timingNote",
-          "The quickest of several calls, in this run, on the photograph of " +
-              std::to_string(exhibition_.width) + " × " + std::to_string(exhibition_.height) +
-              " pixels; what a call answers is made anew each time, as the second row shows. Calls "
-              "without the photograph are compared with a copy of what they answer."},
+         {"longestBar", std::to_string(kLongestBar)},
          {"version", ZVR_VERSION},
          {"host", exhibition_.host}});
   }
@@ -141,7 +146,7 @@ class Writer {
     std::string entries, cards, previous;
     for (const Card& card : group.cards) {
       if (card.name != previous) {
-        entries += fill("entry", {{"anchor", anchorOf(card)}, {"name", card.name}});
+        entries += fill("entry", {{"anchor", anchorOf(card)}, {"name", breakable(card.name)}});
       }
       previous = card.name;
       cards += cardHtml(card);
@@ -159,7 +164,7 @@ class Writer {
   }
 
   std::string cardHtml(const Card& card) {
-    std::string calls, timing;
+    std::string calls;
     const auto addCall = [&](const char* language, const std::string& code) {
       calls += fill("call", {{"language", language}, {"code", code}, {"name", card.name}});
     };
@@ -167,44 +172,45 @@ class Writer {
     std::string basic;
     for (const std::string& line : card.basicLines) basic += (basic.empty() ? "" : "\n") + line;
     if (!basic.empty()) addCall("BASIC", basic);
-    if (card.timing) {
-      timing = fill("timing", {{"milliseconds", number(card.timing->milliseconds)},
-                               {"copies", number(card.timing->copies)},
-                               {"newCopies", newCopiesText(card)},
-                               {"bar", bar(*card.timing)}});
-    }
     return fill("card",
                 {{"anchor", anchorOf(card)},
-                 {"name", card.name},
+                 {"name", breakable(card.name)},
                  {"signature", card.signature},
                  {"says", card.says + (card.isConsoleSafe ? "" : " Registered for desktop hosts alone.")},
                  {"shown", shownHtml(card)},
-                 {"calls", calls},
-                 {"timing", timing}});
+                 {"facts", factsHtml(card)},
+                 {"calls", calls}});
   }
 
-  // New memory is what costs most: how a call compares with a copy that also gets some.
-  std::string newCopiesText(const Card& card) const {
-    if (!card.isComparable || exhibition_.newCopyMilliseconds <= 0) return "";
-    return ", " + number(card.timing->milliseconds / exhibition_.newCopyMilliseconds) +
-           " × a copy into a new picture";
-  }
-
+  // What there is to look at; else what was answered.
   std::string shownHtml(const Card& card) const {
     std::string html = pictureHtml(card);
     if (card.place) html += placeHtml(*card.place);
     if (!card.problem.empty()) html += fill("problem", {{"text", card.problem}});
+    if (!html.empty()) return html;
+    return answersHtml(card) +
+           plot(card.histogram, "What it counted: red, green and blue, 0 to 255", 100, "");
+  }
+
+  // What there is to know besides.
+  std::string factsHtml(const Card& card) const {
+    std::string html = card.after || card.place ? answersHtml(card) : "";
+    if (!card.swatches.empty()) html += swatchesHtml(card.swatches);
+    for (const Bytes& curve : card.curves) html += curvePlot(curve);
+    if (card.isComparable) html += plot(card.histogram, "Its histogram", 60, "small");
+    if (!card.timing) return html;
+    return html + fill("timing", {{"milliseconds", number(card.timing->milliseconds)},
+                                  {"copies", number(card.timing->copies)},
+                                  {"bar", bar(*card.timing)}});
+  }
+
+  static std::string answersHtml(const Card& card) {
     std::string lines;
     for (const std::string& answer : card.answers) {
       const size_t sign = answer.find(" = ") + 3;
       lines += fill("answer", {{"name", answer.substr(0, sign)}, {"value", answer.substr(sign)}});
     }
-    if (!lines.empty()) html += fill("answers", {{"lines", lines}});
-    if (!card.swatches.empty()) html += swatchesHtml(card.swatches);
-    for (const Bytes& curve : card.curves) html += curvePlot(curve);
-    if (card.after && !card.isComparable) return html;
-    if (card.after) return html + plot(card.histogram, "Its histogram", 60, "small");
-    return html + plot(card.histogram, "What it counted: red, green and blue, 0 to 255", 100, "");
+    return lines.empty() ? "" : fill("answers", {{"lines", lines}});
   }
 
   std::string pictureHtml(const Card& card) const {
@@ -234,17 +240,11 @@ class Writer {
     return fill("swatches", {{"entries", entries}});
   }
 
-  std::string bar(const Timing& timing) const {
-    const double share = slowest_ > 0 ? std::min(1.0, timing.copies / slowest_) : 0;
-    return fill("bar", {{"length", std::to_string(std::lround(share * 1000))}});
-  }
-
-  std::string copyRow(const char* name, double time) const {
-    const Timing timing{time, exhibition_.copyMilliseconds > 0 ? time / exhibition_.copyMilliseconds : 0};
-    return fill("copyRow", {{"name", name},
-                            {"bar", bar(timing)},
-                            {"milliseconds", number(timing.milliseconds)},
-                            {"copies", number(timing.copies)}});
+  static std::string bar(const Timing& timing) {
+    const auto length = [](double copies) {
+      return std::to_string(std::lround(std::min(copies / kLongestBar, 1.0) * 1000));
+    };
+    return fill("bar", {{"length", length(timing.copies)}, {"copy", length(1)}});
   }
 
   // The slowest first.
@@ -255,14 +255,13 @@ class Writer {
         if (card.timing) timed.push_back(&card);
       }
     }
-    std::stable_sort(timed.begin(), timed.end(), [](const Card* a, const Card* b) {
-      return a->timing->milliseconds > b->timing->milliseconds;
-    });
-    std::string rows = copyRow("A plain copy of the photograph's bytes", exhibition_.copyMilliseconds) +
-                       copyRow("The same into a new picture of the host", exhibition_.newCopyMilliseconds);
+    std::stable_sort(timed.begin(), timed.end(),
+                     [](const Card* a, const Card* b) { return a->timing->copies > b->timing->copies; });
+    const Timing copy{exhibition_.copyMilliseconds, 1};
+    std::string rows = fill("copyRow", {{"bar", bar(copy)}, {"milliseconds", number(copy.milliseconds)}});
     for (const Card* card : timed) {
       rows += fill("row", {{"anchor", anchorOf(*card)},
-                           {"name", card->call},
+                           {"name", breakable(card->call)},
                            {"bar", bar(*card->timing)},
                            {"milliseconds", number(card->timing->milliseconds)},
                            {"copies", number(card->timing->copies)}});
@@ -272,7 +271,6 @@ class Writer {
 
   const Exhibition& exhibition_;
   const Fineness fineness_;
-  double slowest_ = 0;
   int groupCount_ = 0;
   std::map<const Card*, std::string> anchors_;
   std::map<std::string, int> uses_;

@@ -60,13 +60,12 @@ struct Group {
 };
 
 struct Exhibition {
-  std::string input;               // as given
-  Image photo;                     // no larger than kShownSide
-  int width = 0, height = 0;       // of the photograph that the calls ran on
-  std::string notes;               // sentences on what the calls ran on
-  std::string host;                // "cairo, version 2013.03"
-  double copyMilliseconds = 0;     // of the photograph's bytes
-  double newCopyMilliseconds = 0;  // the same into a picture that the host makes anew each time
+  std::string input;            // as given
+  Image photo;                  // no larger than kShownSide
+  int width = 0, height = 0;    // of the photograph that the calls ran on
+  std::string notes;            // sentences on what the calls ran on
+  std::string host;             // "cairo, version 2013.03"
+  double copyMilliseconds = 0;  // of the photograph's bytes
   Histogram histogram;
   std::vector<Group> groups;
 };

@@ -14,9 +14,11 @@ namespace zvr {
 namespace {
 
 void addOptions(CLI::App& program, Options& options) {
-  program.add_option("--host", options.host, "The host that is played: cairo, gdk or console")
-      ->check(CLI::IsMember({"cairo", "gdk", "console"}))
-      ->capture_default_str();
+  program
+      .add_option("--host", options.host,
+                  "The host that is played: cairo, gdk or console; without it cairo, or console where there "
+                  "is no cairo")
+      ->check(CLI::IsMember({"cairo", "gdk", "console"}));
   program.add_option("--host-version", options.hostVersion, "Its version, or none for one that reports none")
       ->capture_default_str();
   program.add_option("--plugin", options.plugin,

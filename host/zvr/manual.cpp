@@ -19,7 +19,11 @@ using Lines = std::vector<std::string>;
 Lines manualText() {
   Lines lines;
   std::istringstream text(kManual);
-  for (std::string line; std::getline(text, line);) lines.push_back(line);
+  const std::string wayBack = "[All methods](README.md)";  // of no use here
+  for (std::string line; std::getline(text, line);) {
+    if (const size_t at = line.find(wayBack); at != std::string::npos) line.erase(at, wayBack.size());
+    lines.push_back(line);
+  }
   return lines;
 }
 

@@ -1,6 +1,7 @@
 // The manual's Markdown in a terminal.
 
 #include <algorithm>
+#include <cctype>
 
 #include "host/zvr/manual.h"
 #include "host/zvr/terminal.h"
@@ -11,7 +12,9 @@ namespace {
 using terminal::Style;
 using terminal::styled;
 using Lines = std::vector<std::string>;
-using Row = std::vector<std::string>;  // cells of a table, or words
+using Row = std::vector<std::string>;  // cells of a table
+
+constexpr size_t kGap = 2;  // before each column of a table
 
 // Characters that are seen of UTF-8 text without styles.
 size_t widthOf(const std::string& text) {
@@ -19,19 +22,22 @@ size_t widthOf(const std::string& text) {
       text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-struct Word {
+// A word or a line.
+struct Piece {
   std::string text;  // styled
-  size_t width = 0;
+  size_t width = 0;  // as seen
 };
 
-// Words of a line of Markdown: bold and code are styled, links leave their text, a backslash protects.
+bool isMark(char c) { return std::ispunct(static_cast<unsigned char>(c)) != 0; }
+
+// Words of a line of Markdown: bold and code are styled, links leave their text, a backslash protects a mark.
 class Words {
  public:
   explicit Words(const std::string& line) {
     for (size_t i = 0; i < line.size(); ++i) take(line, i);
     endWord();
   }
-  std::vector<Word> all;
+  std::vector<Piece> all;
 
  private:
   void take(const std::string& line, size_t& i) {
@@ -45,7 +51,7 @@ class Words {
     } else if (line[i] == ' ') {
       endWord();
     } else if (isCode_ || line[i] != '[') {
-      if (!isCode_ && line[i] == '\\' && i + 1 < line.size()) ++i;
+      if (!isCode_ && line[i] == '\\' && i + 1 < line.size() && isMark(line[i + 1])) ++i;
       run_ += line[i];
     }
   }
@@ -66,22 +72,20 @@ class Words {
 
   bool isBold_ = false, isCode_ = false;
   std::string run_;
-  Word word_;
+  Piece word_;
 };
 
-Lines filled(const std::string& text, size_t width, const std::string& indent) {
-  Lines lines;
-  size_t used = 0;
-  for (const Word& word : Words(text).all) {
-    if (lines.empty() || used + 1 + word.width > width) {
-      lines.push_back(lines.empty() ? "" : indent);
-      used = lines.back().size();
+std::vector<Piece> filled(const std::string& text, size_t width, const std::string& indent) {
+  std::vector<Piece> lines;
+  for (const Piece& word : Words(text).all) {
+    if (lines.empty() || lines.back().width + 1 + word.width > width) {
+      lines.push_back(lines.empty() ? Piece() : Piece{indent, indent.size()});
     } else {
-      lines.back() += ' ';
-      ++used;
+      lines.back().text += ' ';
+      ++lines.back().width;
     }
-    lines.back() += word.text;
-    used += word.width;
+    lines.back().text += word.text;
+    lines.back().width += word.width;
   }
   return lines;
 }
@@ -101,36 +105,59 @@ Row cellsOf(const std::string& line) {
   return cells;
 }
 
-size_t shownWidth(const std::string& cell) {
-  size_t width = 0;
-  for (const Word& word : Words(cell).all) width += word.width + 1;
-  return width == 0 ? 0 : width - 1;
+// How wide the cells of a table's column are: in one line each, and folded as far as words allow.
+struct Column {
+  size_t width = 0, narrowest = 0;
+};
+
+std::vector<Column> columnsFor(const std::vector<Row>& rows, size_t width) {
+  std::vector<Column> columns;
+  for (const Row& row : rows) {
+    columns.resize(std::max(columns.size(), row.size()));
+    for (size_t i = 0; i < row.size(); ++i) {
+      Column& column = columns[i];
+      for (const Piece& line : filled(row[i], std::string::npos / 2, ""))
+        column.width = std::max(column.width, line.width);
+      for (const Piece& word : Words(row[i]).all) column.narrowest = std::max(column.narrowest, word.width);
+    }
+  }
+  size_t sum = kGap * columns.size();
+  for (const Column& column : columns) sum += column.width;
+  for (; sum > width; --sum) {
+    Column* widest = nullptr;
+    for (Column& column : columns) {
+      if (column.width > column.narrowest && (!widest || column.width > widest->width)) widest = &column;
+    }
+    if (!widest) break;
+    --widest->width;
+  }
+  return columns;
 }
 
-// Columns side by side, the last one filled. Tables of pictures have nothing to show here.
+// Columns side by side; where there is no room the widest ones are folded. Tables of pictures have nothing to
+// show here.
 void addTable(const Lines& lines, size_t width, Lines& to) {
   std::vector<Row> rows;
-  std::vector<size_t> widths;
   for (const std::string& line : lines) {
     if (line.find("![") != std::string::npos) return;
-    if (line.find_first_not_of("|- ") == std::string::npos) continue;
-    rows.push_back(cellsOf(line));
-    widths.resize(std::max(widths.size(), rows.back().size()));
-    for (size_t i = 0; i < rows.back().size(); ++i)
-      widths[i] = std::max(widths[i], shownWidth(rows.back()[i]));
+    if (line.find_first_not_of("|- ") != std::string::npos) rows.push_back(cellsOf(line));
   }
+  const std::vector<Column> columns = columnsFor(rows, width);
   for (const Row& row : rows) {
-    std::string line = "  ";
-    size_t column = 2;
-    for (size_t i = 0; i + 1 < row.size(); ++i) {
-      for (const std::string& text : filled(row[i], std::string::npos / 2, "")) line += text;
-      line += std::string(widths[i] - shownWidth(row[i]) + 2, ' ');
-      column += widths[i] + 2;
+    Lines folded;
+    size_t left = 0;
+    for (size_t i = 0; i < row.size(); ++i) {
+      const std::vector<Piece> cell = filled(row[i], columns[i].width, "");
+      if (folded.size() < cell.size()) folded.resize(cell.size(), std::string(left, ' '));
+      left += kGap + columns[i].width;
+      for (size_t y = 0; y < folded.size(); ++y) {
+        const Piece line = y < cell.size() ? cell[y] : Piece();
+        const bool isLast = i + 1 == row.size();
+        folded[y] += std::string(kGap, ' ') + line.text +
+                     std::string(isLast ? 0 : columns[i].width - std::min(columns[i].width, line.width), ' ');
+      }
     }
-    const size_t room = std::max<size_t>(width - std::min(width, column), 30);
-    Lines last = filled(row.empty() ? "" : row.back(), room, "");
-    to.push_back(line + (last.empty() ? "" : last[0]));
-    for (size_t i = 1; i < last.size(); ++i) to.push_back(std::string(column, ' ') + last[i]);
+    for (std::string& line : folded) to.push_back(line.erase(line.find_last_not_of(' ') + 1));
   }
 }
 
@@ -161,8 +188,7 @@ size_t addBlock(const Lines& lines, size_t i, size_t width, Lines& to) {
   std::string text = lines[i];
   size_t next = i + 1;
   for (; next < lines.size() && !endsParagraph(lines[next]); ++next) text += " " + lines[next];
-  const Lines paragraph = filled(text, width, isItem(text) ? "  " : "");
-  to.insert(to.end(), paragraph.begin(), paragraph.end());
+  for (const Piece& line : filled(text, width, isItem(text) ? "  " : "")) to.push_back(line.text);
   return next;
 }
 

@@ -19,7 +19,7 @@ constexpr int kDone = 0, kFailed = 1, kUsage = 2;
 
 // Options of every subcommand, as given.
 struct Options {
-  std::string host = "cairo";
+  std::string host;  // empty: cairo, or console where cairo is not installed
   std::string hostVersion = "2013.03";
   std::string plugin;  // empty: looked for beside the program
   std::string color = "auto";
@@ -40,10 +40,15 @@ class Session {
  public:
   // Throws UsageError for options that make no sense and Failure when host or plug-in can't be had.
   explicit Session(const Options& options);
+  // "cairo", "gdk" or "console".
+  const char* host() const;
 
  private:
   std::optional<host::Plugin> plugin_;
 };
+// Every host is told of the same members: where nothing else is wanted the one that needs no library will do,
+// unless another was asked for.
+Options forMembersAlone(Options options);
 
 // A subcommand adds itself to the program; when it is chosen it leaves what to run, which answers the exit
 // status.

@@ -47,7 +47,7 @@ std::string optionText(const CLI::Option& option) {
   const std::string standard = option.get_default_str();
   return ".TP\n.B " + plain(name) + (takesValue ? " \\fI" + plain(option.get_type_name()) + "\\fR" : "") +
          "\n" + plain(option.get_description()) +
-         (standard.empty() ? "" : " Standard: " + plain(standard) + ".") + "\n";
+         (standard.empty() ? "" : ". Standard: " + plain(standard) + ".") + "\n";
 }
 
 std::string optionTexts(const CLI::App& app) {
@@ -72,15 +72,13 @@ Words classNames() {
   return names;
 }
 
-// The names that a subcommand takes, as a console host is told them: that one needs no library.
+// The names that a subcommand takes.
 Words memberNames(const std::string& command, size_t position) {
   const bool showsAll = command == "show";
   const bool takesClass = showsAll || (command == "run" && position == 0);
   const bool takesMethod = showsAll || (command == "apply" && position > 0);
   if (!takesClass && !takesMethod) return {};
-  Options options;
-  options.host = "console";
-  const Session session(options);
+  const Session session(forMembersAlone({}));
   Words names = takesMethod ? methodNames() : Words();
   if (takesClass) {
     const Words more = classNames();

@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "host/zvr/program.h"
+#include "host/zvr/terminal.h"
 
 namespace zvr {
 namespace {
@@ -20,7 +21,7 @@ host::Settings settingsOf(const Options& options) {
     settings.road = host::Road::gdk;
   } else if (options.host == "console") {
     settings.road = host::Road::console;
-  } else if (options.host != "cairo") {
+  } else if (options.host != "cairo" && !options.host.empty()) {
     throw UsageError("--host: '" + options.host + "' is not a host (cairo, gdk or console)");
   }
   if (options.hostVersion == "none") {
@@ -57,13 +58,42 @@ std::string howToInstall(const Options& options) {
          package + ":i386), or add --host console, which needs none";
 }
 
-}  // namespace
-
-Session::Session(const Options& options) {
-  const host::Settings settings = settingsOf(options);
-  const std::string path = options.plugin.empty() ? findPlugin() : fs::absolute(options.plugin).string();
+// Without cairo, which nobody asked for, a console host.
+void startHost(host::Settings& settings, const Options& options) {
   try {
     host::start(settings);
+  } catch (const host::MissingLibrary&) {
+    if (!options.host.empty()) throw;
+    terminal::complain("note: no cairo here, so a console host is played; --host cairo says what to install");
+    settings.road = host::Road::console;
+    host::start(settings);
+  }
+}
+
+}  // namespace
+
+Options forMembersAlone(Options options) {
+  if (options.host.empty()) options.host = "console";
+  return options;
+}
+
+const char* Session::host() const {
+  switch (host::settings().road) {
+    case host::Road::gdk:
+      return "gdk";
+    case host::Road::console:
+      return "console";
+    case host::Road::cairo:
+      break;
+  }
+  return "cairo";
+}
+
+Session::Session(const Options& options) {
+  host::Settings settings = settingsOf(options);
+  const std::string path = options.plugin.empty() ? findPlugin() : fs::absolute(options.plugin).string();
+  try {
+    startHost(settings, options);
     plugin_.emplace(path);
   } catch (const host::MissingLibrary& error) {
     throw Failure(error.what() + howToInstall(options));

@@ -28,16 +28,19 @@ void printManual(const std::string& name) {
 
 void printSignature(const host::Method& method) {
   const std::string kind = host::takesReceiver(method) ? "method of Picture" : "global method";
-  print(styled(Style::name, signatureText(method.declaration)));
+  const std::string& name = method.declaration.name;
+  const std::vector<std::string> lines = signatureLines(method.declaration, kPageWidth - name.size() - 1);
+  print(styled(Style::name, name) + (method.declaration.parameters.empty() ? " " : "") + lines[0]);
+  for (size_t i = 1; i < lines.size(); ++i) print(std::string(name.size(), ' ') + lines[i]);
   print("  " + kind + (method.consoleSafe() ? ", console-safe" : ", not console-safe") +
         (method.setter ? ", can be assigned to" : ""));
 }
 
 int show(const Options& options, const std::string& name) {
-  const Session session(options);
+  const Session session(forMembersAlone(options));
   for (const host::Class& type : host::members().classes) {
     if (!host::equalNames(type.name, name)) continue;
-    printAll(classLines(type));
+    print(classLines(type)[0]);  // the manual has the others
     printManual(type.name);
     return kDone;
   }

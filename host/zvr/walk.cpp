@@ -74,7 +74,8 @@ void Walk::become(const host::Declaration& declaration, const host::Value& resul
     if (declaration.result != host::Type::none) print(declaration.name, result);
     return;
   }
-  if (picture ? !*picture : !*string) throw Failure(declaration.name + " answered nil");
+  if (picture ? !*picture : !*string)
+    throw Failure(declaration.name + " answered nil; `zvr show " + declaration.name + "` says when it does");
   hasAnswered_ = true;
   if (picture) {
     picture_ = *picture;

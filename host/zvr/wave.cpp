@@ -101,8 +101,11 @@ void addOptions(CLI::App& command, WaveOptions& own) {
   command.add_option("--width", own.width, "Columns")->check(CLI::Range(1, kLongest))->capture_default_str();
   command.add_option("--height", own.height, "Rows")->check(CLI::Range(1, kLongest))->capture_default_str();
   command.add_option("--smooth", own.smooth, "Columns of the moving average; 1 for none")
+      ->check(CLI::Range(1, kLongest))
       ->capture_default_str();
-  command.add_option("--outline", own.outline, "Width of the outline; 0 for none")->capture_default_str();
+  command.add_option("--outline", own.outline, "Width of the outline; 0 for none")
+      ->check(CLI::Range(0, kLongest))
+      ->capture_default_str();
   command.add_option("--back-color", own.backColor, "Background: '&cRRGGBB', '#rrggbb' or a CSS name");
   command.add_option("--fore-color", own.foreColor, "Bars");
   command.add_option("--outline-color", own.outlineColor, "Outline");
