@@ -38,7 +38,7 @@ class RowSource {
   // `count` is at most kTile unless the row is direct.
   const kernels::Pixel* span(size_t first, size_t count);
 
-  static constexpr size_t kTile = 1024;
+  static constexpr size_t kTile = 512;
 
  private:
   void at(const uint8_t* row);
