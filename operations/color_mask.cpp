@@ -23,7 +23,7 @@ class ColorMap {
       : stride_(ptrdiff_t{width} + 2),
         size_((int64_t{width} + 2) * (int64_t{height} + 2)),
         memory_(size_ + 2 * kMargin),
-        cells_(memory_.get() + kMargin) {}
+        cells_(memory_ ? memory_.get() + kMargin : nullptr) {}
   explicit operator bool() const { return static_cast<bool>(memory_); }
 
   uint8_t* pixel(int32_t x, int32_t y) const { return row(ptrdiff_t{y} + 1) + x + 1; }

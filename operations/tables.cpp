@@ -10,24 +10,19 @@ constexpr int64_t kWorthSearching = 128 * 128;
 }  // namespace
 
 void mapThroughTables(PictureEditor& result, kernels::ChannelTables& tables, PictureReader& source) {
-  const Region region = Region::whole(source);
+  const auto mapBy = [&](auto kernel, const auto& parameters) {
+    mapRegion(
+        result, Region::whole(source),
+        [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+          kernel(out, in, count, top, parameters);
+        },
+        source);
+  };
   kernels::ChannelLines lines;
   if (int64_t{source.width} * source.height >= kWorthSearching && kernels::findLines(tables, lines)) {
-    const auto kernel = kernels::best().mapAlongLines;
-    mapRegion(
-        result, region,
-        [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
-          kernel(out, in, count, top, lines);
-        },
-        source);
+    mapBy(kernels::best().mapAlongLines, lines);
   } else {
     kernels::placeEntries(tables);
-    const auto kernel = kernels::best().mapThroughTables;
-    mapRegion(
-        result, region,
-        [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
-          kernel(out, in, count, top, tables);
-        },
-        source);
+    mapBy(kernels::best().mapThroughTables, tables);
   }
 }

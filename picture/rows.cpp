@@ -45,9 +45,10 @@ RowSource::RowSource(PictureEditor& editor, const Region& region)
 }
 
 void RowSource::at(const uint8_t* row) {
-  start_ = row + offset_;
+  start_ = nullptr;
   available_ = 0;
   if (!row) return;  // there is none in a picture without rows
+  start_ = row + offset_;
   // Rows of a host bitmap may lie anywhere; the others lie in one block that ends with the last row's pixels.
   const uint8_t* lastRow = editor_.format == kFormatHostBitmap
                                ? row
