@@ -159,7 +159,7 @@ void packRest(uint8_t* out, const Pixel* in, size_t count) {
 
 void unpackRGB24(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
   for (; count * 3 >= kReach; count -= kPixels, in += kPixels * 3, out += kPixels) {
-    __builtin_prefetch(in + 4096);
+    fetchAhead(in, 4096);  // a tile or two: what comes sooner than needed pushes other pictures' tiles out
     store(out, widened(in) | top);
   }
   unpackRest(out, in, count, top);

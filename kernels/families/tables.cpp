@@ -8,8 +8,7 @@ namespace kernels::ZVR_INSTRUCTION_SET {
 
 namespace {
 
-// The bytes at a place that `right` has become those of b, n bits further left; and those that are given up
-// for them go to b.
+// Swaps bytes of two vectors: those of a that `right` has, with those of b that lie n bits further right.
 void exchange(Vector& a, Vector& b, uint32_t n, __mmask64 right) {
   const Vector left = _mm512_maskz_slli_epi32(0xFFFF, b, n);
   b = _mm512_mask_blend_epi8(right, _mm512_maskz_srli_epi32(0xFFFF, a, n), b);
@@ -28,9 +27,8 @@ void transpose(Vector (&v)[4]) {
 
 // The entries for 64 bytes. A table is four vectors, and an instruction looks up in two of them.
 Vector lookUp(const uint8_t* table, Vector bytes) {
-  __asm__(
-      ""
-      : "+r"(table));  // read where it lies: the compiler would rather bring all tables to the stack first
+  // Read where it lies: the compiler would rather bring all tables to the stack first.
+  __asm__("" : "+r"(table));
   const auto quarter = [=](size_t i) {
     Vector entries;
     __builtin_memcpy(&entries, table + i * sizeof entries, sizeof entries);

@@ -74,8 +74,8 @@ constexpr size_t kAhead = 16384;
 // From this many pixels on a result is written past the caches. Smaller ones are faster in them.
 constexpr size_t kStreamedPixels = 3 << 20;
 
-inline void fetchAhead(const void* at) {
-  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + kAhead));
+inline void fetchAhead(const void* at, size_t ahead = kAhead) {
+  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
 }
 
 // Past the caches, to an address that is a multiple of the vector's size.
