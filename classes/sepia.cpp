@@ -36,15 +36,16 @@ kernels::Toning toningOf(const PictureSepiaData& sepia) {
 }  // namespace
 
 void SepiaConstructor(REALobjectStruct* object) {
-  setWeight(object, kRed, 0.299);
-  setWeight(object, kGreen, 0.587);
-  setWeight(object, kBlue, 0.114);
+  if (PictureSepiaData* sepia = sepiaOf(object)) {
+    sepia->weights[kRed] = 0.299;
+    sepia->weights[kGreen] = 0.587;
+    sepia->weights[kBlue] = 0.114;
+  }
 }
 
 void SepiaClose(REALobjectStruct* object) {
   if (PictureSepiaData* sepia = sepiaOf(object)) {
-    releasePicture(sepia->source);
-    releasePicture(sepia->destination);
+    const auto source = takePicture(sepia->source), destination = takePicture(sepia->destination);
   }
 }
 

@@ -13,7 +13,8 @@ void REALRegisterClassExtension(REALclassDefinition* definition);
 void REALRegisterModule(REALmoduleDefinition* definition);
 void REALRegisterInterface(REALinterfaceDefinition* definition);
 void REALRegisterControl(REALcontrolDefinition* definition);
-// Calls `task(data)` every `period` milliseconds. Returns an id; -1 when the host lacks the service.
+// Calls `task(data)` periodically; the unit of `period` is the host's. Returns an id; -1 when the host lacks
+// the service.
 int32_t REALRegisterBackgroundTask(void (*task)(void*), uint32_t period, void* data);
 void REALUnregisterBackgroundTask(int32_t id);
 
@@ -169,7 +170,7 @@ REALgraphicsStruct* REALGetPictureGraphics(REALpictureStruct* picture);
 // ---- Graphics ----
 void* REALGraphicsDC(REALgraphicsStruct* graphics);
 void REALDrawPicturePrimitive(REALgraphicsStruct* graphics, REALpictureStruct* picture, const void* rectangle,
-                              int32_t transparent);
+                              int32_t options);
 void REALDrawPicturePrimitive(REALgraphicsStruct* graphics, REALpictureStruct* picture,
                               const void* rectangle);
 void GraphicsDrawLine(REALgraphicsStruct* graphics, int32_t x1, int32_t y1, int32_t x2, int32_t y2);

@@ -15,8 +15,9 @@ constexpr double kFlagsVersion = 2010.029;
 // Control versions up to this one take records in the old layout.
 constexpr int32_t kOldLayoutVersion = 9;
 
-const char* gPartName;
-const char* gVersionBanner;
+// Nothing here reads them, but whoever looks into the library's file finds them: they are kept on purpose.
+[[gnu::used]] const char* gPartName;
+[[gnu::used]] const char* gVersionBanner;
 
 void fixFlags(uint32_t* flags) {
   if ((*flags & (kMarkConsoleSafe | kMarkWebOnly)) != 0 && rbversion_rbversion >= kFlagsVersion) {

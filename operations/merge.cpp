@@ -12,6 +12,7 @@ bool sameSize(const PictureEditor& one, const PictureEditor& other) {
 }  // namespace
 
 REALpictureStruct* MergePicture(REALpictureStruct* source1, REALpictureStruct* source2) {
+  if (!source1 || !source2) return nullptr;  // before either is opened
   PictureReader first, second;
   if (!first.GetPictureReader(source1) || !second.GetPictureReader(source2)) return nullptr;
   PictureWriter result;

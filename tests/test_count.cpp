@@ -92,13 +92,20 @@ TEST_F(Count, BlocksOfAnyLengthTakeWhatFits) {
   }
 }
 
+// A size of 0 is 0; only a host that can't tell sizes is trusted.
 TEST_F(Count, BlocksOfUnknownSizeAreTrustedAndThoseWithoutBytesLeftAlone) {
-  const auto picture = makePicture({2, 2, Rgb{0x000005}});
-  std::vector<MemoryBlockRef> blocks = {{}, {}, blockOf(std::vector<uint8_t>(1024))};
-  host::setReportedSize(blocks[2].get(), 0);
-  EXPECT_EQ(countColors(picture, blocks), 4);
-  EXPECT_EQ(bytesIn(blocks[2])[20], 4);
-  blocks = std::vector<MemoryBlockRef>(3);
+  host::PictureRef picture;
+  for (const bool tellsSizes : {true, false}) {
+    picture = {};
+    begin(settingsForRoad());
+    picture = makePicture({2, 2, Rgb{0x000005}});
+    if (!tellsSizes) host::removeEntryPoint("memoryBlockGetSize");
+    std::vector<MemoryBlockRef> blocks = {{}, {}, blockOf(std::vector<uint8_t>(1024))};
+    host::setReportedSize(blocks[2].get(), 0);
+    EXPECT_EQ(countColors(picture, blocks), 4);
+    EXPECT_EQ(bytesIn(blocks[2])[20], tellsSizes ? 0 : 4);
+  }
+  std::vector<MemoryBlockRef> blocks = std::vector<MemoryBlockRef>(3);
   host::failAt("memoryBlockGetPtr", 2);
   EXPECT_EQ(countColors(picture, blocks), 4);
   EXPECT_EQ(countersIn(blocks[0])[0], 4u);
@@ -131,10 +138,10 @@ MemoryBlockRef adding(int amount, size_t size = 256) {
 
 TEST_F(Transform, WhatATableLacksIsZero) {
   const auto picture = makePicture({1, 2, Rgb{0x0A0B0C}});
-  const auto unknown = adding(1);
-  host::setReportedSize(unknown.get(), 0);
-  EXPECT_EQ(colorsOf(callPicture("TransformColorsZVR", picture, {adding(1, 11), unknown, adding(1, 11)})),
-            asWritten({1, 2, Rgb{0x0B000D}}));
+  const auto empty = adding(1);
+  host::setReportedSize(empty.get(), 0);
+  EXPECT_EQ(colorsOf(callPicture("TransformColorsZVR", picture, {adding(1, 11), empty, adding(1, 11)})),
+            asWritten({1, 2, Rgb{0x0B0000}}));
   host::failAt("memoryBlockGetPtr", 3);
   EXPECT_FALSE(callPicture("TransformColorsZVR", picture, {adding(1), adding(1), adding(1)}))
       << "a table without bytes";

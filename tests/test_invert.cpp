@@ -68,8 +68,8 @@ TEST_F(Invert, ThreeByteRowsStartFourBytesAColumn) {
       for (int x = 0; x < std::min(columns, width - left); ++x) {
         const size_t at = static_cast<size_t>(y * width * 3 + left * 4 + x * 3);
         for (size_t i = at; i < at + 3; ++i) {
-          const int value = at + 3 <= from.size() ? from[i] : 0;  // past the last row: black
-          if (y > 0) to[i] = 255 - value;                         // row 0 goes nowhere
+          const int value = i < from.size() ? from[i] : 0;  // bytes past the last row are 0
+          if (y > 0) to[i] = 255 - value;                   // row 0 goes nowhere
         }
       }
     }

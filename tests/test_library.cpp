@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <set>
 #include <sstream>
 
@@ -101,6 +102,13 @@ TEST(LibraryFile, HasNoExecutableStackNorWritableCode) {
     }
   }
   EXPECT_TRUE(stackSeen);
+}
+
+// For whoever asks a file what it is.
+TEST(LibraryFile, CarriesItsNameAndVersion) {
+  std::ifstream file(ZVR_PLUGIN, std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+  EXPECT_NE(bytes.find(std::string("$$ Plugin version: 13.4 (2013) $$\0", 34)), std::string::npos);
 }
 
 // ---- Calls with any stack ----

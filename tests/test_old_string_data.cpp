@@ -56,7 +56,10 @@ TEST_F(OldStringData, CopiesTheBytesWithFourZerosBehind) {
     SCOPED_TRACE(&c - kCases);
     const auto string = host::newString(c.bytes, c.encoding, /*terminated=*/false);
     REALstringData record = {};
+    host::clearFaults();
+    host::removeEntryPoint("PluginGetStringData");
     ASSERT_TRUE(REALGetStringData(string.get(), c.wanted, &record));
+    EXPECT_EQ(host::uses("StringGetCString"), 1) << "of what was converted alone";
     EXPECT_EQ(record.encoding, c.wanted);
     ASSERT_EQ(record.length, static_cast<int32_t>(c.expected.size()));
     const auto* bytes = static_cast<const char*>(record.data);

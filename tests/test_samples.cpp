@@ -317,12 +317,18 @@ TEST_F(Samples, ASoftEdgeCrossesGreenAndBlue) {
   EXPECT_EQ(colorsOf(render(r)).at(0, 62), rgb(105, 65, 35));
 }
 
+// Where the host can't tell sizes; a size of 0 is 0.
 TEST_F(Samples, ABlockOfUnknownSizeIsTrusted) {
   Random random(22);
-  const Request r = requestOf(randomBytes(random, 300), 15, 150, 20, 60);
-  const MemoryBlockRef block = host::newMemoryBlock(r.bytes.data(), r.bytes.size());
-  host::setReportedSize(block.get(), 0);
-  EXPECT_EQ(colorsOf(render(r, block)), Model(r).pixels());
+  const Request r = requestOf(randomBytes(random, 300), 15, 150, 20, 60),
+                silent = requestOf({}, 15, 150, 20, 60);
+  for (const bool tellsSizes : {true, false}) {
+    begin(settingsForRoad());
+    if (!tellsSizes) host::removeEntryPoint("memoryBlockGetSize");
+    const MemoryBlockRef block = host::newMemoryBlock(r.bytes.data(), r.bytes.size());
+    host::setReportedSize(block.get(), 0);
+    EXPECT_EQ(colorsOf(render(r, block)), Model(tellsSizes ? silent : r).pixels());
+  }
 }
 
 TEST_F(Samples, WhatGivesNil) {
