@@ -64,8 +64,14 @@ class Held {
   }
 
  private:
-  static bool lock(REALobjectStruct* object) { return REALLockObject(object); }
-  static bool lock(REALstringStruct* string) { return REALLockString(string); }
+  template <typename Service, typename Counted>
+  static bool countUp(Service& service, Counted* object) {
+    if (!service.offered()) return false;
+    service(object);
+    return true;
+  }
+  static bool lock(REALobjectStruct* object) { return countUp(REALLockObject, object); }
+  static bool lock(REALstringStruct* string) { return countUp(REALLockString, string); }
   static void unlock(REALobjectStruct* object) { REALUnlockObject(object); }
   static void unlock(REALstringStruct* string) { REALUnlockString(string); }
 

@@ -68,7 +68,7 @@ Record* copied(const Record* definition) {
 // Stamps the version, or on old hosts gives the record its old layout, and hands it over. A record that can't
 // be converted is not registered: the host would take its arrays for shorter ones.
 template <typename Record>
-void registerRecord(Record* definition, Record* (*fix)(Record*), void (*hand)(Record*)) {
+void registerRecord(Record* definition, Record* (*fix)(Record*), HostEntry<void(Record*)>& hand) {
   if (CurrentREALControlVersion > kOldLayoutVersion) {
     definition->version = CurrentREALControlVersion;
   } else {

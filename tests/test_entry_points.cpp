@@ -61,7 +61,7 @@ struct Wrapper {
 
 // Hands on these very arguments.
 template <typename Result, typename... Parameters, typename... Arguments>
-Wrapper hands(const char* entryPoint, Result (*wrapper)(Parameters...), Arguments... arguments) {
+Wrapper hands(const char* entryPoint, std::function<Result(Parameters...)> wrapper, Arguments... arguments) {
   Wrapper result{entryPoint, {}, {}};
   (append(result.arguments, static_cast<Parameters>(arguments)), ...);
   result.call = [=]() -> int64_t {
@@ -75,6 +75,15 @@ Wrapper hands(const char* entryPoint, Result (*wrapper)(Parameters...), Argument
     }
   };
   return result;
+}
+
+template <typename Result, typename... Parameters, typename... Arguments>
+Wrapper hands(const char* entryPoint, Result (*wrapper)(Parameters...), Arguments... arguments) {
+  return hands(entryPoint, std::function<Result(Parameters...)>(wrapper), arguments...);
+}
+template <typename Result, typename... Parameters, typename... Arguments>
+Wrapper hands(const char* entryPoint, HostEntry<Result(Parameters...)>& wrapper, Arguments... arguments) {
+  return hands(entryPoint, std::function<Result(Parameters...)>(std::ref(wrapper)), arguments...);
 }
 
 // Of overloads the one of that type.
@@ -180,7 +189,7 @@ TEST_F(EntryPoints, AskForTheirNameAndHandOnTheirArguments) {
 // Three steps from an array to an element: each wrapper asks for the procedure of its kind by itself.
 
 template <typename T>
-void expectGetter(T (*get)(REALarrayStruct*, int32_t, T*)) {
+void expectGetter(ElementGetter<T>& get) {
   asked.clear();
   T value{};
   std::memset(&value, 0x5A, sizeof value);
@@ -190,12 +199,12 @@ void expectGetter(T (*get)(REALarrayStruct*, int32_t, T*)) {
   EXPECT_EQ(asked, std::vector<std::string>{"RuntimeArrayDirectGetGetProc"});
 }
 template <typename... T>
-void expectGetters(T (*... get)(REALarrayStruct*, int32_t, T*)) {
+void expectGetters(ElementGetter<T>&... get) {
   (expectGetter(get), ...);
 }
-template <typename... T>
-void expectSetters(const char* procedure, void (*... set)(REALarrayStruct*, int32_t, T)) {
-  const auto expectSetter = [&](auto setter, auto value) {
+template <template <typename> typename Kind, typename... T>
+void expectSetters(const char* procedure, Kind<T>&... set) {
+  const auto expectSetter = [&](auto& setter, auto value) {
     asked.clear();
     setter(array, 3, value);
     EXPECT_EQ(asked, std::vector<std::string>{procedure});
