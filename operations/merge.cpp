@@ -17,7 +17,7 @@ REALpictureStruct* MergePicture(REALpictureStruct* source1, REALpictureStruct* s
   if (!first.GetPictureReader(source1) || !second.GetPictureReader(source2)) return nullptr;
   PictureWriter result;
   if (!sameSize(first, second) || !result.NewPictureWriter(first.width, first.height)) return nullptr;
-  mapRegion(result, Region::whole(result), kernels::best().brighter, first, second);
+  mapRegion(result, Region::whole(result), kernels::best().max, first, second);
   return result.RenderPictureWriter();
 }
 

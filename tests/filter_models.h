@@ -53,7 +53,7 @@ inline Rgb toned(Rgb color, const Weights& weights, const std::array<int32_t, 3>
   };
   const auto word = [&](size_t i) { return static_cast<uint32_t>(tone[i]); };
   Rgb result;
-  plain::tone(&result, &color, 1, 0,
+  plain::sepia(&result, &color, 1, 0,
               {fixedPoint(weights.red), fixedPoint(weights.green), fixedPoint(weights.blue), word(0), word(1),
                word(2)});
   return result;

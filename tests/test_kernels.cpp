@@ -104,7 +104,7 @@ std::string describe(const Table& table, const Case& c, const Parameters& p) {
        << ", words";
   for (const uint32_t word : p.words) text << ' ' << word;
   text << ", tint " << p.tint.gray << ' ' << p.tint.sepia << ", toning";
-  const kernels::Toning& t = p.toning;
+  const kernels::Sepia& t = p.sepia;
   for (uint32_t part : {t.redWeight, t.greenWeight, t.blueWeight, t.red, t.green, t.blue})
     text << ' ' << part;
   text << '\n';
