@@ -1,4 +1,4 @@
-// What the kernels are called with.
+// Operands and parameters of kernels.
 
 #include "tests/kernel_cases.h"
 
@@ -66,7 +66,7 @@ Case caseOf(const char* name, bool (*Table::*field)(const Pixel*, size_t, Parame
   return c;
 }
 
-// Numbers around what decides.
+// Numbers around the one that decides.
 int32_t tolerance(Random& random, const Hint& hint) {
   return random.chance(80) ? std::clamp(hint.spread + random.between(-1, 1), 0, 255) : random.between(0, 255);
 }
@@ -89,7 +89,7 @@ int32_t saturation(Random& random, const Hint&) {
   return random.chance(5) ? INT32_MIN : random.chance(50) ? -factor : factor;
 }
 
-// Adds what is in `out` to the counts, and answers their sums over the lanes there.
+// Starts with the counts in `out`, and leaves there the sums over the lanes.
 void countChannels(kernels::SpanHistogram* kernel, const Operands& o, Parameters&) {
   static kernels::ChannelCounts counts;
   uint32_t(*const channels[])[256] = {counts.red, counts.green, counts.blue};
@@ -177,8 +177,8 @@ std::deque<Case> makeCases() {
   return cases;
 }
 
-// Lookup tables of all kinds, each at the end of its guarded memory: nothing that lies behind what may be
-// read is there.
+// Lookup tables of all kinds, each at the end of its guarded memory: bytes past those that may be read can't
+// be touched.
 class Lookups {
  public:
   Lookups() {
@@ -236,7 +236,7 @@ class Lookups {
           if (r == kLast && (g > kLast || (g == kLast && b > kLast))) continue;  // behind
           for (size_t x = 0; x < 3; ++x) {
             const size_t indices[] = {r, g, b};
-            // What is not to be used is no number, which shows even where it weighs nothing.
+            // Entries that are not to be used are NaN, which shows even where the weight is 0.
             const double value = g > kLast || b > kLast ? std::nan("") : cubeValue(indices[x]);
             memcpy(bytes + (((r * kSide + g) * kSide + b) * 3 + x) * sizeof value, &value, sizeof value);
           }
