@@ -1,4 +1,4 @@
-// What the kernels are called with.
+// Operands and parameters of kernels.
 
 #include "tests/kernel_cases.h"
 
@@ -54,7 +54,7 @@ int32_t saturation(Random& random, const Hint&) {
   return random.chance(5) ? INT32_MIN : random.chance(50) ? -factor : factor;
 }
 
-// Adds what is in `out` to the counts, and answers their sums over the lanes there.
+// Starts with the counts in `out`, and leaves there the sums over the lanes.
 void histogram(kernels::SpanHistogram* kernel, const Operands& o, Parameters&) {
   static kernels::ChannelCounts counts;
   uint32_t(*const channels[])[256] = {counts.red, counts.green, counts.blue};
@@ -196,8 +196,8 @@ Case caseOf(const char* name, kernels::SpanBars* Table::*field) {
       row);
 }
 
-// Lookup tables of all kinds, each at the end of its guarded memory: nothing that lies behind what may be
-// read is there.
+// Lookup tables of all kinds, each at the end of its guarded memory: bytes past those that may be read can't
+// be touched.
 class Lookups {
  public:
   Lookups() {
@@ -255,7 +255,7 @@ class Lookups {
           if (r == kLast && (g > kLast || (g == kLast && b > kLast))) continue;  // behind
           for (size_t x = 0; x < 3; ++x) {
             const size_t indices[] = {r, g, b};
-            // What is not to be used is no number, which shows even where it weighs nothing.
+            // Entries that are not to be used are NaN, which shows even where the weight is 0.
             const double value = g > kLast || b > kLast ? std::nan("") : cubeValue(indices[x]);
             memcpy(bytes + (((r * kSide + g) * kSide + b) * 3 + x) * sizeof value, &value, sizeof value);
           }

@@ -1,4 +1,4 @@
-// The kernels as the tests call them: what each works on, and what it is given.
+// The kernels as the tests call them: the operands and the parameters of each.
 #pragma once
 
 #include <sys/mman.h>
@@ -65,7 +65,7 @@ struct Shape {
   bool inIsNumbers = false;  // 32-bit numbers, aligned as such
 };
 
-// What a parameter is drawn by: the largest difference that channels of grayish contents have, a word of the
+// Parameters are drawn by these: the largest difference between channels of grayish contents, a word of the
 // contents.
 struct Hint {
   int spread;

@@ -166,7 +166,7 @@ inline void saturate(Pixel* out, const Pixel* in, size_t count, uint32_t top, in
   });
 }
 
-// What is found is not looked up again here.
+// Without the memo of results that kernels keep in Tint.
 inline void tint(Pixel* out, const Pixel* in, size_t count, uint32_t top, kernels::Tint& tint) {
   const double gr = red(tint.gray) / 255.0, gg = green(tint.gray) / 255.0, gb = blue(tint.gray) / 255.0;
   const double sr = red(tint.sepia) / 255.0, sg = green(tint.sepia) / 255.0, sb = blue(tint.sepia) / 255.0;

@@ -16,7 +16,7 @@ class Count : public HostTest {
   int64_t countColor(const PictureRef& picture, RBColor color) {
     return std::get<int64_t>(call("CountColorZVR", picture.get(), {host::Color{color}}).result);
   }
-  // Counts into blocks, which are replaced by what stands in the references afterwards.
+  // Counts into blocks, which are replaced by those that the references hold afterwards.
   int64_t countColors(const PictureRef& picture, std::vector<MemoryBlockRef>& blocks) {
     const auto outcome = call("CountColorsZVR", picture.get(), {blocks[0], blocks[1], blocks[2], int64_t{7}});
     EXPECT_FALSE(outcome.exception);
@@ -67,7 +67,7 @@ TEST_F(Count, HistogramsAddToWhatTheBlocksHold) {
       Counters scaled = expected[i];
       for (uint32_t& n : scaled) n *= times;
       EXPECT_EQ(countersIn(blocks[i]), scaled) << times << " times, block " << i;
-      EXPECT_EQ(host::references(blocks[i].get()), 1) << "ours alone";
+      EXPECT_EQ(host::references(blocks[i].get()), 1) << "only ours";
     }
   }
   std::vector<MemoryBlockRef> one(3, blockOf(std::vector<uint8_t>(1024)));

@@ -67,7 +67,7 @@ TEST(Cube, IsReadWhateverItsLineEnds) {
   }
 }
 
-// The good file with one line changed ("" for the line left out), and what is said about it.
+// The good file with one line changed ("" for the line left out), and the message about it.
 struct Broken {
   size_t line;
   const char* replacement;
@@ -175,7 +175,7 @@ TEST(Cube, InputsAreTakenFromTheDomain) {
 
 // ---- zvr lut and zvr run ----
 
-// What a linear look makes of a colour: tetrahedra keep it exactly, whatever the size of the table.
+// A linear look: interpolation in tetrahedra keeps it exactly, whatever the size of the table.
 Color warm(const Color& c) {
   return {0.9 * c[0] + 0.05 * c[1] + 0.03, 0.85 * c[1] + 0.1 * c[2], 0.7 * c[2] + 0.1 * c[0] + 0.05};
 }
@@ -192,7 +192,7 @@ class Looks : public zvr_test::Zvr {
     writePng(folder_ / "photo.png", photo_, PNG_FORMAT_RGB);
   }
 
-  // What a program makes of the photograph.
+  // The photograph as zvr changed it.
   zvr_test::Pixels result(const std::string& words) {
     const Finished done = runLine(words + " -o out.png");
     EXPECT_EQ(done.status, 0) << done.errors;

@@ -1,5 +1,5 @@
 // Every member of the plug-in is called once for each thing that can go wrong in the host or the heap while
-// it works. No call may crash, answer half a result, or leave anything held but for what is named here.
+// it works. No call may crash, answer half a result, or leave anything held except as named here.
 
 #include "tests/fault_stage.h"
 
@@ -7,7 +7,7 @@ namespace {
 
 class Faults : public FaultTest {};
 
-// What stays held when a service was missing, failed or threw.
+// Whether no more is held than the service that is missing, failed or threw explains.
 bool isLeftOnPurpose(const std::string& service, const Trial& trial) {
   const host::Ledger& left = trial.left;
   host::Ledger allowed;
@@ -19,7 +19,7 @@ bool isLeftOnPurpose(const std::string& service, const Trial& trial) {
     allowed.objects = left.objects;
     allowed.strings = left.strings;
   }
-  // What can't be released stays.
+  // Without the service that releases nothing can be released.
   if (service == "REALUnlockObject") allowed.objects = left.objects;
   if (service == "REALUnlockString") allowed.strings = left.strings;
   if (service == "PluginDisposeStringData") allowed.stringData = left.stringData;
@@ -33,9 +33,9 @@ bool isLeftOnPurpose(const std::string& service, const Trial& trial) {
 // Answers that are neither null nor those of a sound host.
 bool isPoorerOnPurpose(const Call& call, const std::string& service) {
   const std::string name = call.name();
-  // Sideways what can't be scrolled counts as scrolled.
+  // A picture that can't be scrolled counts as scrolled sideways.
   if (isAnyOf(name, {"ScrollHorizontalZVR", "ScrollZVR"})) return true;
-  // Wide outlines are drawn by the host: what it doesn't draw is missing.
+  // Wide outlines are drawn by the host: lines that it doesn't draw are missing.
   if (name == "RenderSamplesZVR" && !call.spare) {
     return isAnyOf(service, {"RuntimeGraphicsDrawLine", "REALSetPropValueInt", "REALSetPropValueUInt32",
                              "pluginPictureGraphicsGetter"});
@@ -57,7 +57,7 @@ void expectWhole(const Call& call, const std::string& service, const Trial& tria
   const bool changesOtherwise = call.name() == "ScrollZVR" || service == "memoryBlockGetSize";
   for (size_t i = 0; i < trial.before.size() && !changesOtherwise; ++i) {
     EXPECT_TRUE(trial.after[i] == trial.before[i] || trial.after[i] == sound.after[i])
-        << "what was given is half changed: " << i;
+        << "argument " << i << " is half changed";
   }
   if (trial.unwound) return;
   EXPECT_TRUE(trial.answersNull || trial.answer == sound.answer || isPoorerOnPurpose(call, service))
@@ -76,7 +76,7 @@ TEST_F(Faults, EveryServiceMissing) {
   for (const std::string& name : allServices()) {
     const std::vector<Call> known = (Stage(name), everyCall());  // without some fewer members are registered
     for (const Call& call : known) {
-      // What neither the call nor the registration asks for can't be missed.
+      // A service that neither the call nor the registration asks for can't be missed.
       if (!sound[call.describe()].uses.count(name) && !registering.count(name)) continue;
       SCOPED_TRACE(call.describe() + " without " + name);
       const Trial trial = attempt(Stage(name), call, [&](Scene&) { host::removeEntryPoint(name); });

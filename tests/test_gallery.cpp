@@ -32,7 +32,7 @@ std::string unescaped(std::string text) {
   return text;
 }
 
-// What stands between the two marks, each time.
+// The texts between the two marks.
 std::vector<std::string> between(const std::string& page, const std::string& begin, const std::string& end) {
   std::vector<std::string> parts;
   for (size_t at = 0; (at = page.find(begin, at)) != std::string::npos;) {
@@ -105,7 +105,7 @@ TEST_P(GalleryOn, showsEverythingThatIsRegistered) {
   ASSERT_FALSE(members.pictureMethods.empty() || members.globals.empty());
   for (const auto* methods : {&members.pictureMethods, &members.globals}) {
     for (const host::Method& method : *methods) {
-      // What can be assigned to is shown twice.
+      // Methods that can be assigned to are shown twice.
       const auto entry = shown.find(method.text);
       ASSERT_NE(entry, shown.end()) << method.text;
       EXPECT_EQ(entry->second, method.setter ? 2 : 1) << method.text;
@@ -169,7 +169,7 @@ TEST_F(Gallery, marksWhatWasFoundAndPlotsWhatWasCounted) {
   EXPECT_TRUE(contains(card("TintPictureZVR"), "fill=\"#FFD08C\"")) << card("TintPictureZVR");
 }
 
-// Boxes of a row of five: two pixels and three. What is transparent has no say in the colour.
+// Boxes of a row of five: two pixels and three. Transparent pixels have no say in the colour.
 TEST(ScaledDown, takesMeansOfBoxes) {
   zvr::Image image;
   image.allocate(5, 1);

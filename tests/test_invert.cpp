@@ -6,7 +6,7 @@ namespace {
 
 using Invert = HostTest;
 
-// A rectangle of a 9 x 7 picture and what of it is worked on.
+// A rectangle of a 9 x 7 picture and the part of it that is worked on.
 struct RectangleCase {
   int left, top, width, height;
   int x0, y0, x1, y1;
@@ -41,7 +41,7 @@ TEST_F(Invert, RectanglesAreCutAtThePicture) {
   }
 }
 
-// Zero or less stands for the whole picture in one method, less than zero alone in the other.
+// Zero or less stands for the whole picture in one method, only less than zero in the other.
 TEST_F(Invert, WhatStandsForTheWholePicture) {
   const Pixels gray(4, 3, Rgb{0x404040});
   const auto picture = makePicture(gray);
@@ -56,7 +56,7 @@ TEST_F(Invert, WhatStandsForTheWholePicture) {
 // On 3-byte rows the left column is counted in steps of 4 bytes, so a rectangle lies further right and may
 // spill into the next row. The model works on bytes, as the rows lie in memory.
 TEST_F(Invert, ThreeByteRowsStartFourBytesAColumn) {
-  if (road() != host::Road::gdk) GTEST_SKIP() << "the GDK road alone has 3-byte rows";
+  if (road() != host::Road::gdk) GTEST_SKIP() << "only the GDK road has 3-byte rows";
   const int width = 8, height = 4;  // rows of 24 bytes: no padding in a GDK copy
   const Pixels source = Random(2).pixels(width, height);
   const auto picture = makePicture(source);

@@ -1,4 +1,4 @@
-// The built library itself: what its file asks of a machine, how it may be called, loaded and left.
+// The built library: needs and exports of its file, calls with any stack, loading and unloading.
 
 #include <dlfcn.h>
 
@@ -22,7 +22,7 @@ namespace {
 
 // ---- The file ----
 
-// Lines that one of the compiler's companions prints about the library.
+// Lines that one of the binary tools prints about the library.
 std::vector<std::string> linesFrom(const std::string& tool) {
   std::vector<std::string> lines;
   FILE* pipe = popen(("LC_ALL=C " + tool + " '" ZVR_PLUGIN "'").c_str(), "r");
@@ -45,7 +45,7 @@ TEST(LibraryFile, IsA32BitLibraryForX86) {
   EXPECT_EQ(found, (std::set<std::string>{"ELF32", "DYN", "Intel 80386"}));
 }
 
-TEST(LibraryFile, ExportsItsEntryAlone) {
+TEST(LibraryFile, ExportsOnlyItsEntry) {
   std::vector<std::string> symbols;
   for (const std::string& line : linesFrom("nm -D --defined-only")) {
     std::istringstream words(line);
@@ -56,7 +56,7 @@ TEST(LibraryFile, ExportsItsEntryAlone) {
   EXPECT_EQ(symbols, std::vector<std::string>{"T REALPluginMain"});
 }
 
-TEST(LibraryFile, NeedsTheCRuntimeAlone) {
+TEST(LibraryFile, NeedsOnlyTheCRuntime) {
 #ifdef ZVR_SANITIZED
   GTEST_SKIP() << "sanitizers bring libraries of their own";
 #endif
@@ -173,7 +173,7 @@ std::vector<uint32_t> wordsOf(const std::vector<host::Value>& values) {
 
 TEST_F(Library, MayBeCalledWithAStackOfAnyAlignment) {
 #ifdef ZVR_SANITIZED
-  GTEST_SKIP() << "the address sanitizer keeps track of stacks aligned to 8 bytes alone";
+  GTEST_SKIP() << "the address sanitizer only keeps track of stacks aligned to 8 bytes";
 #endif
   const int width = 203, height = 3;  // whole vectors of every width, and a tail
   const Pixels pixels = Random(7).pixels(width, height);

@@ -1,4 +1,4 @@
-// The manual says of every member what is registered, its links lead somewhere and its zvr lines run.
+// The manual declares every member as it is registered, its links lead somewhere and its zvr lines run.
 // ZVR_SOURCE_DIR is the tree's root.
 
 #include <png.h>
@@ -28,7 +28,7 @@ struct CodeBlock {
   std::string language;
   Lines lines;
 };
-// What stands under a heading, up to the next.
+// A heading with all that stands under it, up to the next.
 struct Section {
   size_t level = 0;  // 1 for the page's title
   std::string heading;
@@ -125,7 +125,7 @@ Members membersOf(const std::vector<host::Method>& methods) {
   return members;
 }
 
-// Without classes: what `Picture` and the global namespace get.
+// Without classes: extensions of `Picture`, and global methods.
 Members methodsWithoutClass() {
   Members members = membersOf(host::members().pictureMethods);
   members.merge(membersOf(host::members().globals));

@@ -1,4 +1,4 @@
-// Every member of the plug-in with pictures that are not what they seem, and with drawing libraries that
+// Every member of the plug-in with pictures that are not as they seem, and with drawing libraries that
 // fail. Pixels end at a page that may not be touched.
 
 #include <dlfcn.h>

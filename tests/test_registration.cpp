@@ -1,4 +1,4 @@
-// What the plug-in registers, as hosts of every version see it. That the texts are right is seen to by the
+// The registered members as hosts of every version see them. Their texts are checked by the
 // tests of the manual.
 
 #include <algorithm>
@@ -163,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(Hosts, RegistrationAt, ::testing::ValuesIn(kHosts),
 
 // ---- Hosts that lack a service of registration ----
 
-TEST_F(Registration, AMissingServiceCostsItsOwnMembersAlone) {
+TEST_F(Registration, AMissingServiceCostsOnlyItsOwnMembers) {
   struct Case {
     const char* missing;
     size_t classes, pictureMethods, globals;
@@ -192,7 +192,7 @@ TEST_F(Registration, AMissingServiceCostsItsOwnMembersAlone) {
 
 // ---- The kind of program ----
 
-// The application class decides which way to the pixels is tried; without one, what works does.
+// The application class decides which way to the pixels is tried; without one, the way that works is taken.
 TEST_F(Registration, ApplicationClassDecidesTheRoad) {
   struct Case {
     const char* applicationClass;

@@ -1,5 +1,5 @@
-// The roads to a picture's pixels: which is taken, and what each refuses. Pictures and drawing libraries that
-// fail in every way are tried elsewhere.
+// The roads to a picture's pixels: which is taken, and which pictures each refuses. test_odd_pictures has all
+// ways in which pictures and drawing libraries fail.
 
 #include <dlfcn.h>
 

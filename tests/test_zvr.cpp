@@ -73,7 +73,7 @@ TEST_F(Zvr, keepsTransparencyOnEveryKindOfHost) {
     const char *host, *version;
   } const hosts[] = {{"cairo", "2013.03"}, {"cairo", "2010.1"}, {"console", "2013.03"}, {"console", "none"}};
   for (const auto& [host, version] : hosts) {
-    // A question changes nothing: what is written is what was read.
+    // A question changes nothing: the picture is written as it was read.
     const Finished done = run(
         {"apply", "glass.png", "HasMaskZVR", "-o", "same.png", "--host", host, "--host-version", version});
     ASSERT_EQ(done.status, 0) << done.errors;
@@ -155,7 +155,7 @@ TEST_F(Zvr, leavesNothingHalfWritten) {
   fs::create_directory(folder_ / "taken.png");
   EXPECT_EQ(run({"apply", "photo.png", "InvertZVR", "-o", "taken.png/x.png/"}).status, 0);
   EXPECT_EQ(filesIn(folder_ / "taken.png/x.png"), std::vector<std::string>{"photo-InvertZVR.png"});
-  // No room on the way (nor for what it says): the old file stays as it was, and no other is left.
+  // No room (nor for messages): the old file stays as it was, and no other is left.
   const Bytes before = readBytes(folder_ / "photo.png");
   const Finished done = run({"apply", "photo.png", "InvertZVR", "-o", "photo.png"}, "ulimit -f 0 &&");
   EXPECT_EQ(done.status, 1);

@@ -122,7 +122,7 @@ TEST_F(ZvrMethods, runOnEveryKindOfHost) {
   }
 }
 
-// What the manual says is kept true elsewhere; here it has to arrive, with what the registration says.
+// The manual is checked in test_manual; here its text has to arrive.
 TEST_F(ZvrMethods, areShownWithTheManualsText) {
   EXPECT_TRUE(contains(run({"show", "INVERTzvr", "--color", "always"}, "NO_COLOR=1").output, "\x1b["));
   for (const std::string& name : listedMethods(run({"list"}).output)) {
@@ -153,7 +153,7 @@ TEST_F(ZvrMethods, areShownWithTheManualsText) {
 }
 
 TEST_F(ZvrMethods, passBytesThroughFiles) {
-  // Histograms are added to what a block held, little-endian.
+  // Histograms are added to the counters in a block, little-endian.
   for (int round = 1; round <= 2; ++round) {
     const std::string in = round == 1 ? "" : " --in RED=red.hist";
     ASSERT_EQ(runLine("apply photo.png CountColorsZVR --out red=red.hist" + in).status, 0);
