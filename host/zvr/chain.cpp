@@ -101,21 +101,25 @@ Step stepOf(const host::Method& method, const StepWords& words) {
 
 [[noreturn]] void refuseCount(const StepWords& words) {
   const size_t count = words.arguments.size();
-  std::string text = words.overloads[0]->declaration.name + ": " + std::to_string(count) +
-                     (count == 1 ? " argument" : " arguments") + " given, expected";
+  const std::string text = words.overloads[0]->declaration.name + ": " + std::to_string(count) +
+                           (count == 1 ? " argument" : " arguments") + " given, expected";
+  Words further;
   bool takesFile = false, takesNoWord = false;
   for (const host::Method* method : words.overloads) {
-    text += "\n  " + signatureText(method->declaration);
+    further.push_back("  " + signatureText(method->declaration));
     for (const host::Parameter& parameter : method->declaration.parameters) {
       takesNoWord = takesNoWord || parameter.byRef;
       takesFile = takesFile || (isFileType(parameter.type) && !parameter.byRef);
     }
   }
   if (takesFile) {
-    text += "\na Picture, MemoryBlock or String is given as a file name, as @ (the current one) or as nil";
+    further.emplace_back(
+        "a Picture, MemoryBlock or String is given as a file name, as @ (the current one) or as nil");
   }
-  if (takesNoWord) text += "\na byref argument takes no word: it is printed, or written with --out NAME=PATH";
-  throw UsageError(text);
+  if (takesNoWord) {
+    further.emplace_back("a byref argument takes no word: it is printed, or written with --out NAME=PATH");
+  }
+  throw UsageError(text, std::move(further));
 }
 
 Step parseStep(const StepWords& words) {
@@ -209,6 +213,22 @@ void addIns(std::vector<StepWords>& steps, const Words& ins) {
 }
 
 }  // namespace
+
+std::vector<std::string> filesRead(const Chain& chain) {
+  std::vector<std::string> files = chain.inputs;
+  const auto add = [&](const Argument& argument) {
+    if (const auto* file = std::get_if<ArgumentFile>(&argument)) files.push_back(file->path);
+  };
+  for (const Step& step : chain.steps) {
+    std::for_each(step.arguments.begin(), step.arguments.end(), add);
+    if (step.assigned) add(*step.assigned);
+  }
+  return files;
+}
+
+std::string inputWord(const std::string& path) {
+  return namesMethod(path) || path == kBetweenSteps ? "./" + path : path;
+}
 
 bool isFileType(host::Type type) {
   return type == Type::picture || type == Type::memoryBlock || type == Type::string;

@@ -40,6 +40,11 @@ struct Chain {
   Kind left = Kind::input;  // what the last step leaves
 };
 
+// Every file that a chain reads: its inputs, and those among the arguments.
+std::vector<std::string> filesRead(const Chain& chain);
+// A path as a word among the inputs, which a method's name or a + would end.
+std::string inputWord(const std::string& path);
+
 // Whether arguments of this type are files.
 bool isFileType(host::Type type);
 

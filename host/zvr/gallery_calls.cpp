@@ -276,11 +276,10 @@ Card Stage::show(const Chain& chain, const Example& example) {
   } catch (const Failure& failure) {
     card.problem = failure.what();
   }
-  std::vector<std::string> words = wordsOf(example.words);
-  words.insert(words.begin(), "apply");
-  if (card.after || declaration.result == host::Type::picture) words.insert(words.end(), {"-o", "out.png"});
-  if (declaration.result == host::Type::string) words.insert(words.end(), {"-o", "out.bin"});
-  card.zvrLine = shellLine(words);
+  std::string output;
+  if (card.after || declaration.result == host::Type::picture) output = "out.png";
+  if (declaration.result == host::Type::string) output = "out.bin";
+  card.zvrLine = shellLine("apply", wordsOf(example.words), output);
   return card;
 }
 
@@ -292,13 +291,12 @@ Card Stage::show(const host::Class& type, const ClassExample* example) {
   card.isConsoleSafe = (type.flags & kFlagConsoleSafe) != 0;
   const bool isLook = example && example->isLook;
   const std::vector<std::string> settings = example ? wordsOf(example->settings) : wordsOf("");
-  std::vector<std::string> words{isLook ? "lut" : "run"};
+  std::vector<std::string> words;
   if (!isLook) words.push_back(type.name);
   words.push_back(material_.photoPath);
   if (isLook) words.push_back(material_.lookPath);
   words.insert(words.end(), settings.begin(), settings.end());
-  words.insert(words.end(), {"-o", "out.png"});
-  card.zvrLine = shellLine(words);
+  card.zvrLine = shellLine(isLook ? "lut" : "run", words, "out.png");
   card.basicLines = {"Dim filter As New " + type.name, "filter.SourcePicture = photo"};
   for (const std::string& setting : settings) card.basicLines.push_back(propertyLine(setting));
   if (isLook)

@@ -80,8 +80,9 @@ int lut(const Options& options, const LutOptions& own) {
   const Files files = filesOf(own);
   const Session session(options);
   Filter filter("PictureLut3DZVR");
+  const std::vector<std::string> cubes(own.identity ? 0 : 1, files.cube);
   const bool writes = !own.dump || !own.output.empty();
-  const std::string output = writes ? planOutputs({files.picture}, own.output, "lut")[0] : "";
+  const std::string output = writes ? planOutput(files.picture, own.output, "lut", cubes) : "";
   if (own.identity) {
     fillTable(filter, nullptr);
   } else {
@@ -92,7 +93,7 @@ int lut(const Options& options, const LutOptions& own) {
   if (!writes) return kDone;
   const host::PictureRef result = filter.run(toPicture(loadImage(files.picture)));
   saveImage(fromPicture(result.get()), output, own.quality);
-  terminal::print("wrote " + output);
+  terminal::printWritten(output);
   return kDone;
 }
 

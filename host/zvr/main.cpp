@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <sstream>
 
 #include "host/zvr/command_line.h"
 #include "host/zvr/program.h"
@@ -44,7 +45,10 @@ void reportLedger() {
   std::fprintf(stderr, "held: %d objects, %d strings, %d locks, %d string data; %d errors\n", ledger.objects,
                ledger.strings, ledger.descriptionLocks, ledger.stringData, ledger.errors);
   if (!(ledger == host::Ledger{})) {
-    terminal::complain("warning: something is still held or was released wrongly\n" + host::describeHeld());
+    std::vector<std::string> lines;
+    std::istringstream held(host::describeHeld());
+    for (std::string line; std::getline(held, line);) lines.push_back(line);
+    terminal::complain("warning: something is still held or was released wrongly", lines);
   }
 }
 
@@ -53,7 +57,7 @@ int runCommand(const Run& run, const Options& options) {
   try {
     status = run();
   } catch (const UsageError& error) {
-    terminal::complain(error.what());
+    terminal::complain(error.what(), error.further);
     return kUsage;
   } catch (const std::bad_alloc&) {
     terminal::complain("not enough memory");
@@ -119,7 +123,7 @@ int main(const std::vector<std::string>& words) {
     terminal::complain(std::string(error.what()) + "; see `zvr " + command + "--help`");
     return kUsage;
   } catch (const UsageError& error) {
-    terminal::complain(error.what());
+    terminal::complain(error.what(), error.further);
     return kUsage;
   }
   terminal::setColor(options.color);

@@ -5,6 +5,8 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/host.h"
 
@@ -28,7 +30,9 @@ struct Options {
 
 // The command line does not say what can be done: exit status 2.
 struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
+  explicit UsageError(const std::string& problem, std::vector<std::string> more = {})
+      : std::runtime_error(problem), further(std::move(more)) {}
+  std::vector<std::string> further;  // lines that follow
 };
 // What was asked for did not come about: exit status 1.
 struct Failure : std::runtime_error {

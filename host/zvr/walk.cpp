@@ -86,7 +86,7 @@ void Walk::become(const host::Declaration& declaration, const host::Value& resul
 }
 
 void Walk::print(const std::string& name, const host::Value& value) const {
-  terminal::print(label_ + name + " = " + valueText(value));
+  terminal::print(terminal::escaped(label_ + name + " = " + valueText(value)));
 }
 
 }  // namespace zvr
