@@ -128,7 +128,7 @@ void drawPart(REALgraphicsStruct* handle, REALpictureStruct* image, int32_t x, i
               {sx, sy, sw == kWhole ? source->width : sw, sh == kWhole ? source->height : sh});
 }
 
-// Left, top, right and bottom, as this host lays a rectangle out; the fourth argument is of no use here.
+// The rectangle is left, top, right and bottom; the last argument is ignored.
 RBBoolean drawInRectangle(REALgraphicsStruct* handle, REALpictureStruct* image, const int32_t* rectangle,
                           int32_t) {
   const auto* source = find<Picture>(image, "draw picture");

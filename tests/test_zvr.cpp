@@ -301,7 +301,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{{"apply", "photo.png", "CountColorsZVR", "+", "TransformColorsZVR", "--in", "red=a"},
                 "write METHOD.red"},
         Refused{{"apply", "photo.png", "CountColorsZVR", "nil"}, "a byref argument takes no word"},
-        Refused{{"apply", "photo.png", "PicturetoBinaryStringZVR", "+", "InvertZVR"}, "no picture but bytes"},
+        Refused{{"apply", "photo.png", "PicturetoBinaryStringZVR", "+", "InvertZVR"}, "bytes, not a picture"},
         Refused{{"apply", "photo.png", "InvertZVR", "+", "BinaryStringtoPictureZVR"}, "@ is a picture"},
         Refused{{"apply", "photo.png", "InvertZVR", "=", "photo.png"}, "can't be assigned to"},
         Refused{{"apply", "photo.png", "EmbeddedMaskZVR", "true", "="}, "expected one value after ="},

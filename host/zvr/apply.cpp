@@ -37,7 +37,7 @@ Outputs planAll(const Chain& chain, const ApplyOptions& own) {
   return outputs;
 }
 
-// Takes the walk through every step. The blocks to write, as Chain::blocks.
+// Takes the walk through every step. Answers the blocks to write, in the order of Chain::blocks.
 std::vector<Bytes> takeAll(Walk& walk, const Chain& chain) {
   std::vector<Bytes> blocks(chain.blocks.size());
   for (size_t i = 0; i < chain.steps.size(); ++i) {

@@ -57,7 +57,7 @@ Argument argumentOf(const host::Parameter& parameter, const std::string& word) {
   return ArgumentFile{word};
 }
 
-// How many words a method takes, at least and at most.
+// Whether a method takes as many words as are given.
 bool admits(const host::Declaration& declaration, const StepWords& words) {
   size_t least = 0, most = 0;
   for (const host::Parameter& parameter : declaration.parameters) {
@@ -160,7 +160,7 @@ class KindCheck {
     const Kind wanted = type == Type::picture ? Kind::picture : Kind::data;
     if (kind_ != Kind::input && kind_ != wanted) {
       throw UsageError(what + ", but here @ is " +
-                       (wanted == Kind::data ? "a picture" : "no picture but bytes"));
+                       (wanted == Kind::data ? "a picture" : "bytes, not a picture"));
     }
     kind_ = wanted;
   }
@@ -181,7 +181,7 @@ BlockOutput blockOutput(const NamedFile& file, const std::vector<Step>& steps) {
   return output;
 }
 
-// No word names a method: the first that is no file either was most likely meant to.
+// No word names a method; the first that names no file either was probably meant to.
 [[noreturn]] void refuseWithoutMethod(const Words& words) {
   for (const std::string& word : words) {
     std::error_code error;
@@ -235,7 +235,7 @@ bool isFileType(host::Type type) {
 }
 
 Chain parseChain(const Words& words, const Words& ins, const Words& outs) {
-  // What follows a + is a method's name, never an input.
+  // The word after a + is a method's name, never an input.
   const auto firstPlus = std::find(words.begin(), words.end(), kBetweenSteps);
   const auto first = std::find_if(words.begin(), firstPlus, namesMethod);
   if (first == firstPlus) refuseWithoutMethod(Words(words.begin(), firstPlus));

@@ -103,21 +103,21 @@ constexpr const char* kLook =
     "0.02 0.07 0.12\n1.00 0.16 0.06\n0.14 0.92 0.16\n1.00 0.94 0.10\n"
     "0.04 0.16 0.86\n0.92 0.20 0.80\n0.16 0.86 0.92\n1.00 0.96 0.86\n";
 
-// Some syllables: a tone under a swelling hull.
+// Some syllables: a tone with a swelling envelope.
 Sound tone() {
   constexpr int kCount = 12000;
   Sound sound;
   sound.bits = 15;
   for (int i = 0; i < kCount; ++i) {
-    const double hull = std::sin(i * 3.14159 / kCount) * (0.25 + 0.75 * std::pow(std::sin(i / 900.0), 2));
-    const auto sample = static_cast<uint16_t>(std::lrint(23000 * hull * std::sin(i * 0.7)));
+    const double envelope = std::sin(i * 3.14159 / kCount) * (0.25 + 0.75 * std::pow(std::sin(i / 900.0), 2));
+    const auto sample = static_cast<uint16_t>(std::lrint(23000 * envelope * std::sin(i * 0.7)));
     sound.bytes.push_back(static_cast<uint8_t>(sample));
     sound.bytes.push_back(static_cast<uint8_t>(sample >> 8));
   }
   return sound;
 }
 
-// No column without two samples of its own.
+// Every column has two samples of its own.
 int columnsFor(const Sound& sound) {
   return static_cast<int>(std::clamp<size_t>(sound.count() / 2, 1, gallery::kShownSide));
 }
@@ -181,7 +181,7 @@ Material prepare(const GalleryOptions& own, const Files& files, std::string& not
   return material;
 }
 
-// ---- What is shown ----
+// ---- Cards ----
 
 Card cardWithoutCall(const host::Method& method) {
   Card card;
@@ -192,7 +192,7 @@ Card cardWithoutCall(const host::Method& method) {
   return card;
 }
 
-// The calls of the families; what has none comes last.
+// The calls of the families; methods without one come last.
 std::vector<Group> methodGroups(Stage& stage, terminal::Progress& progress) {
   std::vector<Group> groups;
   std::set<const host::Method*> shown;

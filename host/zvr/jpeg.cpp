@@ -30,7 +30,7 @@ constexpr int kMostScans = 100;
   common->err->format_message(common, problem->text);
   std::longjmp(problem->jump, 1);
 }
-// Missing data is an error to us; of other oddities the pixels are complete.
+// Missing data is an error; other oddities leave the pixels complete.
 void onMessage(j_common_ptr common, int level) {
   const int code = common->err->msg_code;
   if (level < 0 && (code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER)) onError(common);
@@ -159,7 +159,7 @@ class Writer {
     return true;
   }
 
-  // Onto white, as far as a pixel is transparent.
+  // Blended with white by opacity.
   static void narrow(const uint8_t* source, int width, uint8_t* target) {
     for (int x = 0; x < width; ++x, source += 4, target += 3) {
       const unsigned opacity = source[3];

@@ -1,4 +1,4 @@
-// Where results go.
+// The files that results are written to.
 #pragma once
 
 #include <map>
@@ -18,7 +18,7 @@ void addQuality(CLI::App& command, int& quality);
 // Output files that coincide neither with one another nor with what is read: files are compared, not names.
 class OutputPlan {
  public:
-  // `reads`: every file that is read, whatever for.
+  // `reads`: every file that is read, inputs and arguments alike.
   explicit OutputPlan(const std::vector<std::string>& reads);
 
   // The output file for each input, called NAME-LABEL.png when `pattern` has no file name of its own: a

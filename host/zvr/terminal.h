@@ -1,4 +1,4 @@
-// Output to people: colour where it is wanted, progress where somebody watches.
+// Output for people: colour where wanted, progress on terminals.
 #pragma once
 
 #include <chrono>
@@ -11,7 +11,7 @@ enum class Style { plain, heading, name, type, good, faint, error };
 
 // "always", "never", or "auto": colour on a terminal unless NO_COLOR is set.
 void setColor(const std::string& when);
-// The text as it should be written to standard output.
+// The text with colour codes for standard output, where it is coloured.
 std::string styled(Style style, const std::string& text);
 
 // Text that has file names or words of others in it: control characters, and bytes that are no UTF-8, become

@@ -67,7 +67,7 @@ std::vector<host::Value> argumentsOf(const host::Declaration& declaration, const
   return arguments;
 }
 
-// With two samples a column none is left without: that one would be drawn as a full bar.
+// With two samples to a column none is empty; an empty one would be drawn as a full bar.
 void checkLength(const WaveOptions& own, const Sound& sound) {
   const size_t most = std::max<size_t>(sound.count() / 2, 1);
   if (static_cast<size_t>(own.width) <= most) return;
