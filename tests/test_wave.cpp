@@ -100,4 +100,14 @@ TEST_F(Wave, WritesWhatTheMethodAnswers) {
   EXPECT_FALSE(std::filesystem::exists(folder_ / "sound-wave.png"));
 }
 
+// The pen covers much of the picture, and steep lines have many points.
+TEST_F(Wave, DrawsWideOutlinesInSeconds) {
+  Bytes samples;
+  for (size_t i = 0; i < 48000; ++i) samples.push_back(i / 20 % 2 == 0 ? 0 : 128);
+  write(wav(1, 1, 8, samples));
+  const std::string words =
+      "wave sound.wav -o wave.png --auto-scale --width 1200 --height 1000 --outline 1000";
+  EXPECT_EQ(runLine(words, "ulimit -t 60 &&").status, 0);
+}
+
 }  // namespace
