@@ -2,7 +2,6 @@
 
 #include "classes/classes.h"
 #include "classes/instances.h"
-#include "frame/members.h"
 #include "kernels/convert.h"
 
 namespace {

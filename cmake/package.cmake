@@ -35,7 +35,7 @@ if(ZVR_BUILD_HOST)
     COMMAND $<TARGET_FILE:zvr> --man-page | gzip -9n > "${manual_page}" DEPENDS zvr VERBATIM)
   add_custom_target(zvr_manual_page ALL DEPENDS "${manual_page}")
   install(FILES "${manual_page}" DESTINATION share/man/man1)
-  install(FILES host/zvr/completion.bash DESTINATION share/bash-completion/completions RENAME zvr)
+  install(FILES zvr/commands/completion.bash DESTINATION share/bash-completion/completions RENAME zvr)
 endif()
 
 set(CPACK_GENERATOR TGZ DEB)

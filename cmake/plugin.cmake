@@ -1,16 +1,11 @@
 # The plug-in. Its objects are also linked straight into the tests of its inner layers.
 file(GLOB ZVR_PLUGIN_SOURCES CONFIGURE_DEPENDS
-  "${CMAKE_SOURCE_DIR}/frame/*.cpp" "${CMAKE_SOURCE_DIR}/picture/*.cpp"
-  "${CMAKE_SOURCE_DIR}/operations/*.cpp" "${CMAKE_SOURCE_DIR}/classes/*.cpp")
+  "${CMAKE_SOURCE_DIR}/plugin/*.cpp" "${CMAKE_SOURCE_DIR}/operations/*.cpp" "${CMAKE_SOURCE_DIR}/classes/*.cpp"
+  "${CMAKE_SOURCE_DIR}/picture/*.cpp" "${CMAKE_SOURCE_DIR}/frame/*.cpp" "${CMAKE_SOURCE_DIR}/old_c_library/*.cpp")
 add_library(picturezvr_objects OBJECT ${ZVR_PLUGIN_SOURCES})
 target_link_libraries(picturezvr_objects PUBLIC zvr_options zvr_kernels)
-target_compile_options(picturezvr_objects PRIVATE ${ZVR_QUICKER_IF_SANITIZED})
-
-# For libraries that need the C runtime alone, and no newer one than they must: what opens libraries lay in one of its
-# own, and the unwinder's questions for threads, of which the plug-in has none, go to names that nobody has.
-set(ZVR_C_RUNTIME_ALONE -static-libgcc -static-libstdc++ -Wl,--hash-style=both
-  -Wl,--push-state,--no-as-needed -l:libdl.so.2 -Wl,--pop-state
-  -Wl,--wrap=pthread_once -Wl,--wrap=__pthread_key_create)
+# A section each, so that services of the frame that nobody uses don't ship.
+target_compile_options(picturezvr_objects PRIVATE -ffunction-sections -fdata-sections ${ZVR_QUICKER_IF_SANITIZED})
 
 add_library(picturezvr SHARED "${CMAKE_SOURCE_DIR}/cmake/exports.map")
 set_target_properties(picturezvr PROPERTIES LINKER_LANGUAGE CXX
@@ -20,12 +15,12 @@ target_link_options(picturezvr PRIVATE
   -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map
   -Wl,--no-undefined -Wl,-z,relro -Wl,-z,now -Wl,-z,text -Wl,--gc-sections)
 if(NOT ZVR_SANITIZE)
-  target_link_options(picturezvr PRIVATE ${ZVR_C_RUNTIME_ALONE})
+  target_link_options(picturezvr PRIVATE ${ZVR_OLD_C_LIBRARY})
 else()
   # Sanitizer run times are found in the program that loads the library.
   target_link_options(picturezvr PRIVATE -Wl,-z,undefs)
 endif()
 if(CMAKE_OBJDUMP)
   add_custom_command(TARGET picturezvr POST_BUILD VERBATIM COMMAND "${CMAKE_COMMAND}"
-    "-DOBJDUMP=${CMAKE_OBJDUMP}" "-DLIBRARY=$<TARGET_FILE:picturezvr>" -P "${CMAKE_SOURCE_DIR}/cmake/c_library.cmake")
+    "-DOBJDUMP=${CMAKE_OBJDUMP}" "-DLIBRARY=$<TARGET_FILE:picturezvr>" -P "${CMAKE_SOURCE_DIR}/old_c_library/needed_version.cmake")
 endif()

@@ -2,7 +2,7 @@
 
 #include "frame/arrays.h"
 
-#include "frame/plugin_main.h"
+#include "frame/host_state.h"
 
 namespace {
 

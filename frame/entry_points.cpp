@@ -2,7 +2,7 @@
 
 #include "frame/entry_points.h"
 
-#include "frame/plugin_main.h"
+#include "frame/host_state.h"
 
 void* HCallResolver(const char* name) { return gResolver ? gResolver(name) : nullptr; }
 
@@ -62,7 +62,7 @@ void REALDrawPicturePrimitive(REALgraphicsStruct* graphics, REALpictureStruct* p
 void* REALGetEventInstance(REALcontrolStruct* control, REALevent* event) {
   static HostEntry<void*(REALcontrolStruct*, void*)> entry{"GetEventInstance"};
   void* word = event->forOldHosts;
-  if (CurrentREALControlVersion == 9) {
+  if (CurrentREALControlVersion == kOldLayoutVersion) {
     // On these hosts the record's second word points to its copy in the old layout, which holds the event's
     // own.
     word = reinterpret_cast<void*>(static_cast<REALoldEvent*>(word)->words[1]);

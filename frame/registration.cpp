@@ -6,14 +6,12 @@
 
 #include "frame/entry_points.h"
 #include "frame/memory.h"
-#include "frame/plugin_main.h"
+#include "frame/host_state.h"
 
 namespace {
 
 // The first host version that knows console-safe and web-only members.
 constexpr double kFlagsVersion = 2010.029;
-// Control versions up to this one take records in the old layout.
-constexpr int32_t kOldLayoutVersion = 9;
 
 // Nothing here reads them, but whoever looks into the library's file finds them: they are kept on purpose.
 [[gnu::used]] const char* gPartName;

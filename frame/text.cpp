@@ -5,7 +5,7 @@
 #include <string.h>
 #include <wchar.h>
 
-#include "frame/plugin_main.h"
+#include "frame/host_state.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 // zvr's reader of film looks: any text is a table whose colours lie within its entries, or an error in words.
 
-#include "host/zvr/cube.h"
+#include "zvr/files/cube.h"
 
 #include <algorithm>
 
 #include "fuzz/played_host.h"
-#include "host/zvr/program.h"
+#include "zvr/terminal/failures.h"
 
 namespace {
 

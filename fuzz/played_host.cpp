@@ -7,7 +7,9 @@
 #include <optional>
 #include <utility>
 
-#include "frame/plugin_main.h"
+#include "frame/application.h"
+#include "frame/host_state.h"
+#include "plugin/plugin_main.h"
 #include "picture/toolkits.h"
 
 // A copy of a picture's pixels as GDK makes them: three bytes each, the last row without padding. It lies in
@@ -94,7 +96,7 @@ void play(const HostKind& kind) {
   host::start(settings);
   replaceGdk();
   // A real process plays one kind of host for good.
-  IsConsole = IsDesktop = 0;
+  setApplicationKind(ApplicationKind::unknown);
   REALPluginMain(resolve);
 }
 

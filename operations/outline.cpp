@@ -4,9 +4,9 @@
 
 #include <utility>
 
-int32_t gOutLineColorR, gOutLineColorG, gOutLineColorB;
-
 namespace {
+
+int32_t gOutLineColorR, gOutLineColorG, gOutLineColorB;
 
 int32_t difference16(int32_t to, int32_t from) {
   return static_cast<int16_t>(static_cast<uint32_t>(to) - static_cast<uint32_t>(from));
@@ -17,6 +17,12 @@ uint8_t blended(int32_t outline, int32_t existing, int32_t kept) {
 }
 
 }  // namespace
+
+void setOutlineColor(RBColor color) {
+  gOutLineColorR = color >> 16 & 0xFF;
+  gOutLineColorG = color >> 8 & 0xFF;
+  gOutLineColorB = color & 0xFF;
+}
 
 void BlendOutlinePixel(PictureEditor& editor, int32_t x, int32_t y, int32_t kept) {
   if (x < 0 || y < 0 || x >= editor.width || y >= editor.height) return;

@@ -3,8 +3,8 @@
 
 #include "picture/editor.h"
 
-// The outline's colour, shared by all renderings: each stores its own before it draws.
-extern int32_t gOutLineColorR, gOutLineColorG, gOutLineColorB;
+// The colour of the lines from now on, shared by all renderings: each sets its own before it draws.
+void setOutlineColor(RBColor color);
 
 // Blends the outline's colour into one pixel of an opened picture, `kept` (0 to 255) being the share of what
 // stands there. Nothing outside the picture.

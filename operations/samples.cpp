@@ -174,8 +174,8 @@ void drawBars(PictureWriter& result, const Waveform& wave, uint32_t foreground, 
     RowTarget target(result, Region::whole(result));
     const uint32_t top = target.topByte();
     for (int32_t y = 0; y < wave.height; ++y) {
-      // The background doesn't reach row 0 of a writer with a buffer of its own, on purpose; the bars do.
-      const uint32_t behind = y == 0 && !result.hasWords() ? 0 : background;
+      // The bars reach a row 0 that the background doesn't.
+      const uint32_t behind = y == 0 && result.losesFirstRow() ? 0 : background;
       kernels::best().bars(target.span(left), bars.first, bars.last, count, y, foreground | top,
                            behind | top);
       target.finish(left, count);
@@ -222,9 +222,7 @@ REALpictureStruct* RenderSamples(REALmemoryBlockStruct* block, int32_t count, in
     RaiseException(kNilObjectException, "memoryblock is nil");
     return nullptr;
   }
-  gOutLineColorR = outline >> 16 & 0xFF;
-  gOutLineColorG = outline >> 8 & 0xFF;
-  gOutLineColorB = outline & 0xFF;
+  setOutlineColor(outline);
   const SampleKind* kind = sampleKindOf(bits);
   const rbData data(block);
   if (!kind || !data.data()) return nullptr;

@@ -1,8 +1,13 @@
 // A locked picture description, unlocked at the end of its scope.
 #pragma once
 
-#include "picture/editor.h"
+#include "frame/entry_points.h"
 
+// Locks a description in the wanted REALPictureType; cleans up after a failure. The caller unlocks.
+bool REALLockPictureDescriptionX(REALpictureStruct* picture, REALpictureDescription* description,
+                                 int32_t pictureType);
+// Hosts before version 2012 leave a failed lock half taken; for later ones this does nothing.
+void REALUnlockPictureDescriptionAfterFailure(REALpictureStruct* picture);
 class DescriptionLock {
  public:
   DescriptionLock(REALpictureStruct* picture, REALpictureDescription* description, int32_t pictureType)

@@ -2,7 +2,7 @@
 
 #include "picture/editor.h"
 
-#include "frame/plugin_main.h"
+#include "frame/application.h"
 #include "picture/description_lock.h"
 #include "picture/pictures.h"
 
@@ -22,9 +22,6 @@ constexpr PixelLayout kLayouts[] = {
 const PixelLayout& layoutOf(int32_t format) {
   return kLayouts[static_cast<uint32_t>(format) < sizeof kLayouts / sizeof *kLayouts ? format : kFormatNone];
 }
-
-// Before this host version a failed lock must be undone.
-constexpr double kCleanLockVersion = 2012.0;
 
 // Whether a bitmap record is whole and not smaller than it was described (a host may leave its size at 0),
 // and described as something that fits into memory; a row that is missing would be found only when it is
@@ -59,16 +56,16 @@ bool PictureEditor::GetPictureEditor(REALpictureStruct* source) {
 }
 
 bool PictureEditor::open(REALpictureStruct* source, Copies copies) {
-  if (!IsConsole && !IsDesktop) CheckApplication();
+  if (!IsConsole() && !IsDesktop()) CheckApplication();
   hasAlpha = PictureHasAlphaChannel(source);
-  if (IsConsole) return !IsDesktop && openBitmap(source);
+  if (IsConsole()) return openBitmap(source);
   return hasAlpha ? openWithAlpha(source) : openWithoutAlpha(source, copies);
 }
 
 bool PictureEditor::openWithAlpha(REALpictureStruct* source) {
   DescriptionLock lock(source, &description, kPictureTypeCairo);
-  if (!lock) return !IsDesktop && openBitmap(source);
-  IsDesktop = 1;
+  if (!lock) return !IsDesktop() && openBitmap(source);
+  setApplicationKind(ApplicationKind::desktop);
   const bool opened = openCairo(source, kFormatCairoAlpha);
   // When this road fails it leaves the description locked, unlike the one without alpha: on purpose.
   lock.keep();
@@ -77,13 +74,13 @@ bool PictureEditor::openWithAlpha(REALpictureStruct* source) {
 
 bool PictureEditor::openWithoutAlpha(REALpictureStruct* source, Copies copies) {
   if (DescriptionLock lock(source, &description, kPictureTypeCairo); lock) {
-    IsDesktop = 1;
+    setApplicationKind(ApplicationKind::desktop);
     if (!openCairo(source, kFormatCairoOpaque)) return false;
     lock.keep();
     return true;
   }
   if (DescriptionLock lock(source, &description, kPictureTypeDrawable); lock) {
-    IsDesktop = 1;
+    setApplicationKind(ApplicationKind::desktop);
     if (!openDrawable(source)) return false;
     lock.keep();
     return true;
@@ -96,7 +93,7 @@ bool PictureEditor::openWithoutAlpha(REALpictureStruct* source, Copies copies) {
       return true;
     }
   }
-  return !IsDesktop && openBitmap(source);
+  return !IsDesktop() && openBitmap(source);
 }
 
 bool PictureEditor::openCairo(REALpictureStruct* source, PixelFormat surfaceFormat) {
@@ -110,7 +107,6 @@ bool PictureEditor::openCairo(REALpictureStruct* source, PixelFormat surfaceForm
   // A surface of narrower pixels than words is nothing that can be shown.
   if (w < 1 || h < 1 || stride < int64_t{w} * 4 || !pixels) return false;
   show(source, surfaceFormat, pixels, w, h, stride);
-  directSurface = true;
   return true;
 }
 
@@ -132,7 +128,7 @@ bool PictureEditor::openDrawable(REALpictureStruct* source) {
 bool PictureEditor::openBitmap(REALpictureStruct* source) {
   DescriptionLock lock(source, &description, kPictureTypeBitmap);
   if (!lock) return false;
-  IsConsole = 1;
+  setApplicationKind(ApplicationKind::console);
   const auto* bitmap = static_cast<const REALbitmapRecord*>(description.handle);
   if (description.pictureType != kPictureTypeBitmap ||
       !isUsable(bitmap, description.width, description.height))
@@ -154,7 +150,7 @@ void PictureEditor::show(REALpictureStruct* source, PixelFormat shownFormat, uin
   width = w;
   height = h;
   rowBytes = stride;
-  column = rowIndex = 0;
+  rowIndex = 0;
 }
 
 void PictureEditor::setPicture(REALpictureStruct* newPicture) {
@@ -185,7 +181,6 @@ void PictureEditor::clear() {
 }
 
 uint8_t* PictureEditor::GetRow(int32_t y) {
-  column = 0;
   rowIndex = y;
   if (y >= height) return firstRow;
   return format == kFormatHostBitmap ? rowTable[y] : rowAt(firstRow, y, rowBytes);
@@ -276,7 +271,7 @@ bool PictureWriter::NewPictureWriterLinux(int32_t newWidth, int32_t newHeight) {
   firstRow = buffer;
   row = discardedRow_.get();
   format = kFormatRGB24;
-  column = rowIndex = 0;
+  rowIndex = 0;
   return true;
 }
 
@@ -296,19 +291,6 @@ REALpictureStruct* PictureWriter::RenderPictureWriter() {
   }
   clear();
   return result.release();
-}
-
-// ---- Locks ----
-
-bool REALLockPictureDescriptionX(REALpictureStruct* picture, REALpictureDescription* description,
-                                 int32_t pictureType) {
-  if (REALLockPictureDescription(picture, description, pictureType)) return true;
-  REALUnlockPictureDescriptionAfterFailure(picture);
-  return false;
-}
-
-void REALUnlockPictureDescriptionAfterFailure(REALpictureStruct* picture) {
-  if (rbversion_rbversion < kCleanLockVersion) REALUnlockPictureDescription(picture);
 }
 
 int32_t GetPictureLockCount(REALpictureStruct* picture) {

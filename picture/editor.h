@@ -8,6 +8,7 @@
 #include "frame/entry_points.h"
 #include "frame/held.h"
 #include "frame/memory.h"
+#include "picture/pictures.h"
 #include "picture/toolkits.h"
 
 // How a pixel is kept. Words have red in bits 16-23, green in bits 8-15, blue in bits 0-7.
@@ -19,9 +20,6 @@ enum PixelFormat : int32_t {
   kFormatCairoOpaque = 15,  // likewise
 };
 
-// The largest width and height of a picture that the plug-in makes.
-constexpr int32_t kLargestPictureSide = 32767;
-
 // Start of row y of rows that lie `rowBytes` apart. All of them may take up more than half the address space.
 inline uint8_t* rowAt(uint8_t* firstRow, int32_t y, int32_t rowBytes) {
   return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(firstRow) +
@@ -31,7 +29,7 @@ inline uint8_t* rowAt(uint8_t* firstRow, int32_t y, int32_t rowBytes) {
 class PictureEditor {
  public:
   PictureEditor() = default;
-  virtual ~PictureEditor() noexcept(false);  // as clear
+  ~PictureEditor() noexcept(false);  // as clear
   PictureEditor(const PictureEditor&) = delete;
   PictureEditor& operator=(const PictureEditor&) = delete;
 
@@ -73,13 +71,11 @@ class PictureEditor {
   REALpictureDescription description = {};
   uint8_t* buffer = nullptr;  // a writer's own pixels; freed by the destructor unless the host was given it
   uint8_t* firstRow = nullptr;
-  int32_t column = 0;                    // 0 whenever the row changes; nothing reads it
   int32_t rowIndex = 0;                  // current row
   REALpictureStruct* picture = nullptr;  // held
   GdkPixbuf* pixbuf = nullptr;
   uint8_t** rowTable = nullptr;  // kFormatHostBitmap only
   bool hasAlpha = false;
-  bool directSurface = false;  // the pixels are a cairo surface; nothing reads it
   bool readAccess = false;
   bool writeAccess = false;
   bool descriptionLocked = false;
@@ -112,7 +108,7 @@ class PictureReader : public PictureEditor {
 // A new picture, filled row by row.
 class PictureWriter : public PictureEditor {
  public:
-  ~PictureWriter() override;
+  ~PictureWriter();
 
   // On a new host picture, of sizes from 1 to kLargestPictureSide.
   bool NewPictureWriter(int32_t newWidth, int32_t newHeight);
@@ -126,10 +122,11 @@ class PictureWriter : public PictureEditor {
   bool NewPictureWriter(const PictureReader& like, int32_t newWidth, int32_t newHeight);
   bool NewPictureWriter(const PictureReader& like);
   bool NewPictureWriter(const PictureWriter& like);
-  // Leaves the host picture for a zero-filled buffer of the writer's own. Row 0 of the result stays black, on
-  // purpose: `row` is not moved to the buffer before the first AddPixelRow, and what is written to it until
-  // then is dropped.
+  // Leaves the host picture for a zero-filled buffer of RGB24 pixels of the writer's own, which losesFirstRow.
   bool NewPictureWriterLinux(int32_t newWidth, int32_t newHeight);
+  // Row 0 of a result on the GDK road stays black, on purpose: `row` is not moved to the writer's own buffer
+  // before the first AddPixelRow, and what is written through it until then is dropped. GetRow(0) does reach it.
+  bool losesFirstRow() const { return buffer != nullptr; }
 
   // Ends the writing: the picture, with one reference for the caller, or null.
   REALpictureStruct* RenderPictureWriter();
@@ -142,10 +139,5 @@ class PictureWriter : public PictureEditor {
   Scratch discardedRow_;
 };
 
-// Locks a description in the wanted REALPictureType; cleans up after a failure. The caller unlocks.
-bool REALLockPictureDescriptionX(REALpictureStruct* picture, REALpictureDescription* description,
-                                 int32_t pictureType);
-// Hosts before version 2012 leave a failed lock half taken; for later ones this does nothing.
-void REALUnlockPictureDescriptionAfterFailure(REALpictureStruct* picture);
 // The host's own count of locks on a picture, for debugging; 0 for null.
 int32_t GetPictureLockCount(REALpictureStruct* picture);

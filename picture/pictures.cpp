@@ -5,9 +5,8 @@
 #include <string.h>
 
 #include "frame/held.h"
-#include "frame/plugin_main.h"
+#include "frame/host_state.h"
 #include "picture/description_lock.h"
-#include "picture/editor.h"
 
 namespace {
 

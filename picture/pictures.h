@@ -5,6 +5,9 @@
 #include "frame/entry_points.h"
 #include "frame/graphics.h"
 
+// The largest width and height of a picture that the plug-in makes.
+constexpr int32_t kLargestPictureSide = 32767;
+
 // A new 32-bit picture; with an alpha channel if that is wanted and to be had. Sizes from 1 to 32767.
 REALpictureStruct* NewPicture(int32_t width, int32_t height, bool alpha);
 // Null on hosts before version 2011.04, which have no such pictures.

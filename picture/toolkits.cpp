@@ -2,12 +2,9 @@
 
 #include "picture/toolkits.h"
 
-#include <dlfcn.h>
 #include <stddef.h>
 
-// By their first versions, which old C libraries have as well as new ones.
-asm(".symver dlopen, dlopen@GLIBC_2.1");
-asm(".symver dlsym, dlsym@GLIBC_2.0");
+#include "old_c_library/dynamic_loader.h"
 
 uint8_t* (*_gdk_pixbuf_get_pixels)(const GdkPixbuf*);
 int (*_gdk_pixbuf_get_rowstride)(const GdkPixbuf*);
@@ -33,14 +30,14 @@ bool cairoTried, cairoLoaded;
 template <size_t count>
 void* openFirst(const char* const (&names)[count]) {
   for (const char* name : names) {
-    if (void* library = dlopen(name, RTLD_NOW)) return library;
+    if (void* library = openLibrary(name)) return library;
   }
   return nullptr;
 }
 
 template <typename Function>
 void find(void* library, const char* symbol, Function* function) {
-  *function = reinterpret_cast<Function>(dlsym(library, symbol));
+  *function = reinterpret_cast<Function>(findSymbol(library, symbol));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include <cstdlib>
 
-#include "frame/plugin_main.h"
+#include "frame/host_state.h"
 #include "host/host.h"
 #include "host/objects.h"
 #include "host/strings.h"

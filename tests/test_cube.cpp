@@ -7,8 +7,8 @@
 #include <random>
 #include <sstream>
 
-#include "host/zvr/cube.h"
-#include "host/zvr/program.h"
+#include "zvr/files/cube.h"
+#include "zvr/terminal/failures.h"
 #include "tests/zvr_program.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <set>
 
 #include "host/host.h"
-#include "host/zvr/scaling.h"
+#include "zvr/gallery/scaling.h"
 #include "tests/zvr_program.h"
 
 namespace {

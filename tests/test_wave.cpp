@@ -1,7 +1,7 @@
 // Sound files to samples, and `zvr wave` from a sound file to a picture file.
 
-#include "host/zvr/program.h"
-#include "host/zvr/sound.h"
+#include "zvr/terminal/failures.h"
+#include "zvr/files/sound.h"
 #include "tests/zvr_program.h"
 
 namespace {

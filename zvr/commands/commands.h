@@ -1,0 +1,25 @@
+// The subcommands of zvr.
+#pragma once
+
+#include <functional>
+
+#include "zvr/language/session.h"
+
+namespace CLI {
+class App;
+}
+
+namespace zvr {
+
+// A subcommand adds itself to the program; when it is chosen it leaves what to run, which answers the exit
+// status.
+using Run = std::function<int()>;
+void addList(CLI::App& program, const Options& options, Run& run);
+void addShow(CLI::App& program, const Options& options, Run& run);
+void addApply(CLI::App& program, const Options& options, Run& run);
+void addWave(CLI::App& program, const Options& options, Run& run);
+void addRun(CLI::App& program, const Options& options, Run& run);
+void addLut(CLI::App& program, const Options& options, Run& run);
+void addGallery(CLI::App& program, const Options& options, Run& run);
+
+}  // namespace zvr

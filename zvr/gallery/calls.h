@@ -1,0 +1,51 @@
+// Calls of the gallery: run, measured, and made into cards.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "host/calls.h"
+#include "zvr/language/chain.h"
+#include "zvr/gallery/examples.h"
+#include "zvr/gallery/page.h"
+
+namespace zvr::gallery {
+
+// The photograph and files that the calls take.
+struct Material {
+  std::string photoPath, lookPath;            // as written in zvr's lines
+  Image photo;                                // of photoPath
+  std::map<std::string, std::string> fields;  // for the words of examples
+};
+
+// The histograms of a picture by the plug-in's CountColorsZVR; empty when it has none.
+Histogram histogramOf(const host::PictureRef& picture);
+
+class Stage {
+ public:
+  // Keeps the reference.
+  explicit Stage(const Material& material);
+
+  // An example of a registered method, as words of `zvr apply`; nothing when its method is not registered.
+  std::optional<Chain> parse(const Example& example) const;
+  // The last step is shown and measured. A failure of a call becomes the card's problem.
+  Card show(const Chain& chain, const Example& example);
+  // A class, with its example or none.
+  Card show(const host::Class& type, const ClassExample* example);
+  // The quickest plain copy of the photograph's bytes.
+  double copyMilliseconds();
+
+ private:
+  double copyMilliseconds(size_t bytes);
+  std::vector<std::string> wordsOf(const std::string& words) const;
+  void run(const Chain& chain, Card& card);
+  void measure(Card& card, size_t bytes, const std::function<double()>& once);
+
+  const Material& material_;
+  const Image before_;                    // the photograph as the host keeps it
+  std::map<size_t, double> copies_ = {};  // quickest plain copies by their bytes
+};
+
+}  // namespace zvr::gallery

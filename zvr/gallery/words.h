@@ -1,0 +1,20 @@
+// The gallery's calls as lines to copy: for a shell and for a program.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "zvr/language/chain.h"
+
+namespace zvr::gallery {
+
+// "zvr COMMAND WORD... -o OUTPUT", quoted where a shell needs it; no option for an empty output. Where a word
+// reads as an option, words stand last and behind --.
+std::string shellLine(const std::string& command, const std::vector<std::string>& words,
+                      const std::string& output);
+// The steps as statements; the input is `photo`, files are variables of their names.
+std::vector<std::string> basicLines(const Chain& chain);
+// "ScrollZVR(deltaX, deltaY, wrap, scrollmask)"; of more arguments than four only how many.
+std::string shortCall(const host::Declaration& declaration);
+
+}  // namespace zvr::gallery

@@ -1,0 +1,128 @@
+#include "zvr/terminal/terminal.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace zvr::terminal {
+namespace {
+
+bool isColorOn = false, isErrorColorOn = false, isBarShown = false;
+
+const char* codeOf(Style style) {
+  switch (style) {
+    case Style::plain:
+      return "";
+    case Style::heading:
+      return "\x1b[1;4m";
+    case Style::name:
+      return "\x1b[1m";
+    case Style::type:
+      return "\x1b[36m";
+    case Style::good:
+      return "\x1b[32m";
+    case Style::faint:
+      return "\x1b[2m";
+    case Style::error:
+      return "\x1b[31m";
+  }
+  return "";
+}
+
+std::string paint(bool isOn, Style style, const std::string& text) {
+  return isOn && style != Style::plain && !text.empty() ? codeOf(style) + text + "\x1b[0m" : text;
+}
+
+void clearBar() {
+  if (isBarShown) std::fputs("\r\x1b[K", stderr);
+  isBarShown = false;
+}
+
+// Bytes of the UTF-8 character that begins at a place; 0 for a control character and for what is no UTF-8.
+size_t printableLength(const std::string& text, size_t at) {
+  const auto byte = [&](size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+  const unsigned lead = byte(at);
+  if (lead < 0x80) return lead < 0x20 || lead == 0x7F ? 0 : 1;
+  const size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+  for (size_t i = 1; i < length; ++i) {
+    if ((byte(at + i) & 0xC0) != 0x80) return 0;
+  }
+  return lead == 0xC2 && byte(at + 1) < 0xA0 ? 0 : length;  // U+0080 to U+009F
+}
+
+std::string duration(double seconds) {
+  const auto whole = static_cast<long>(seconds + 0.5);
+  if (whole < 60) return std::to_string(whole) + " s";
+  return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
+}
+
+}  // namespace
+
+void setColor(const std::string& when) {
+  const char* refused = std::getenv("NO_COLOR");
+  const bool isWanted = when == "auto" && !(refused && *refused);
+  isColorOn = when == "always" || (isWanted && isatty(STDOUT_FILENO) != 0);
+  isErrorColorOn = when == "always" || (isWanted && isatty(STDERR_FILENO) != 0);
+}
+
+std::string styled(Style style, const std::string& text) { return paint(isColorOn, style, text); }
+
+std::string escaped(const std::string& text) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string shown;
+  for (size_t i = 0; i < text.size();) {
+    const size_t length = printableLength(text, i);
+    if (length == 0) {
+      const auto byte = static_cast<unsigned char>(text[i++]);
+      shown += std::string("\\x") + kDigits[byte >> 4] + kDigits[byte & 15];
+    }
+    shown += text.substr(i, length);
+    i += length;
+  }
+  return shown;
+}
+
+void print(const std::string& line) {
+  clearBar();
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
+}
+
+void printWritten(const std::string& path) { print("wrote " + escaped(path)); }
+
+void complain(const std::string& problem, const std::vector<std::string>& further) {
+  std::fflush(stdout);
+  clearBar();
+  std::fprintf(stderr, "%s %s\n", paint(isErrorColorOn, Style::error, "zvr:").c_str(),
+               escaped(problem).c_str());
+  for (const std::string& line : further) std::fprintf(stderr, "%s\n", escaped(line).c_str());
+}
+
+Progress::Progress(size_t total) : total_(total) { draw(); }
+
+Progress::~Progress() { clearBar(); }
+
+void Progress::advance() {
+  ++done_;
+  draw();
+}
+
+void Progress::draw() const {
+  if (total_ < 2 || !isatty(STDERR_FILENO)) return;
+  std::fflush(stdout);
+  constexpr size_t kWidth = 30;
+  const size_t filled = kWidth * done_ / total_;
+  const std::string bar = std::string(filled, '#') + std::string(kWidth - filled, '.');
+  std::fprintf(stderr, "\r\x1b[K[%s] %zu/%zu", bar.c_str(), done_, total_);
+  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start_;
+  if (done_ > 0 && elapsed.count() > 0) {
+    const double rate = static_cast<double>(done_) / elapsed.count();
+    const double left = static_cast<double>(total_ - done_) / rate;
+    std::fprintf(stderr, "  %.1f/s  %s left", rate, duration(left).c_str());
+  }
+  std::fflush(stderr);
+  isBarShown = true;
+}
+
+}  // namespace zvr::terminal
