@@ -33,8 +33,8 @@ static_assert(offsetof(PictureSepiaData, source) == 24 && offsetof(PictureSepiaD
               offsetof(PictureSepiaData, sepiaRed) == 48 && offsetof(PictureSepiaData, sepiaBlue) == 56 &&
               sizeof(PictureSepiaData) == 64);
 
-// The records of the classes, by which the host hands out the data of their instances. Defined beside the tables of
-// their members.
+// The records of the classes, by which the host hands out the data of their instances. Defined beside the
+// tables of their members.
 extern REALclassDefinition gLut3DClass;
 extern REALclassDefinition gSepiaClass;
 

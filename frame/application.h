@@ -1,5 +1,5 @@
-// The kind of program that the host is, which decides the road to the pixels of its pictures. It becomes known once
-// in a process and never changes after that.
+// The kind of program that the host is, which decides the road to the pixels of its pictures. It becomes
+// known once in a process and never changes after that.
 #pragma once
 
 enum class ApplicationKind {

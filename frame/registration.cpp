@@ -5,8 +5,8 @@
 #include <string.h>
 
 #include "frame/entry_points.h"
-#include "frame/memory.h"
 #include "frame/host_state.h"
+#include "frame/memory.h"
 
 namespace {
 

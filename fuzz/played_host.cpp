@@ -9,8 +9,8 @@
 
 #include "frame/application.h"
 #include "frame/host_state.h"
-#include "plugin/plugin_main.h"
 #include "picture/toolkits.h"
+#include "plugin/plugin_main.h"
 
 // A copy of a picture's pixels as GDK makes them: three bytes each, the last row without padding. It lies in
 // a block of its own on the heap, where the sanitizer sees every byte too far.

@@ -122,10 +122,12 @@ class PictureWriter : public PictureEditor {
   bool NewPictureWriter(const PictureReader& like, int32_t newWidth, int32_t newHeight);
   bool NewPictureWriter(const PictureReader& like);
   bool NewPictureWriter(const PictureWriter& like);
-  // Leaves the host picture for a zero-filled buffer of RGB24 pixels of the writer's own, which losesFirstRow.
+  // Leaves the host picture for a zero-filled buffer of RGB24 pixels of the writer's own, which
+  // losesFirstRow.
   bool NewPictureWriterLinux(int32_t newWidth, int32_t newHeight);
   // Row 0 of a result on the GDK road stays black, on purpose: `row` is not moved to the writer's own buffer
-  // before the first AddPixelRow, and what is written through it until then is dropped. GetRow(0) does reach it.
+  // before the first AddPixelRow, and what is written through it until then is dropped. GetRow(0) does reach
+  // it.
   bool losesFirstRow() const { return buffer != nullptr; }
 
   // Ends the writing: the picture, with one reference for the caller, or null.

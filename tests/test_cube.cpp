@@ -7,9 +7,9 @@
 #include <random>
 #include <sstream>
 
+#include "tests/zvr_program.h"
 #include "zvr/files/cube.h"
 #include "zvr/terminal/failures.h"
-#include "tests/zvr_program.h"
 
 namespace {
 

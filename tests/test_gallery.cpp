@@ -9,8 +9,8 @@
 #include <set>
 
 #include "host/host.h"
-#include "zvr/gallery/scaling.h"
 #include "tests/zvr_program.h"
+#include "zvr/gallery/scaling.h"
 
 namespace {
 

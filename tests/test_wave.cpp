@@ -1,8 +1,8 @@
 // Sound files to samples, and `zvr wave` from a sound file to a picture file.
 
-#include "zvr/terminal/failures.h"
-#include "zvr/files/sound.h"
 #include "tests/zvr_program.h"
+#include "zvr/files/sound.h"
+#include "zvr/terminal/failures.h"
 
 namespace {
 

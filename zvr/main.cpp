@@ -6,10 +6,10 @@
 #include <cstdio>
 #include <sstream>
 
-#include "zvr/language/command_line.h"
-#include "zvr/terminal/failures.h"
 #include "zvr/commands/commands.h"
 #include "zvr/commands/self.h"
+#include "zvr/language/command_line.h"
+#include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {

@@ -2,12 +2,12 @@
 
 #include <CLI/CLI.hpp>
 
+#include "zvr/commands/commands.h"
 #include "zvr/files/files.h"
 #include "zvr/language/outputs.h"
-#include "zvr/terminal/failures.h"
-#include "zvr/commands/commands.h"
-#include "zvr/terminal/terminal.h"
 #include "zvr/language/walk.h"
+#include "zvr/terminal/failures.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr {
 namespace {

@@ -7,14 +7,14 @@
 #include <filesystem>
 #include <set>
 
-#include "zvr/files/files.h"
-#include "zvr/gallery/calls.h"
-#include "zvr/language/outputs.h"
-#include "zvr/terminal/failures.h"
 #include "zvr/commands/commands.h"
-#include "zvr/gallery/scaling.h"
-#include "zvr/language/signatures.h"
+#include "zvr/files/files.h"
 #include "zvr/files/sound.h"
+#include "zvr/gallery/calls.h"
+#include "zvr/gallery/scaling.h"
+#include "zvr/language/outputs.h"
+#include "zvr/language/signatures.h"
+#include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {

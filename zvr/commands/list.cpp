@@ -2,9 +2,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include "zvr/terminal/failures.h"
 #include "zvr/commands/commands.h"
 #include "zvr/language/signatures.h"
+#include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {

@@ -4,14 +4,14 @@
 
 #include <cmath>
 
+#include "zvr/commands/commands.h"
 #include "zvr/files/cube.h"
-#include "zvr/language/filters.h"
 #include "zvr/files/images.h"
+#include "zvr/language/filters.h"
 #include "zvr/language/look_table.h"
 #include "zvr/language/outputs.h"
-#include "zvr/terminal/failures.h"
-#include "zvr/commands/commands.h"
 #include "zvr/language/signatures.h"
+#include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {

@@ -2,11 +2,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include "zvr/language/filters.h"
+#include "zvr/commands/commands.h"
 #include "zvr/files/images.h"
+#include "zvr/language/filters.h"
 #include "zvr/language/outputs.h"
 #include "zvr/terminal/failures.h"
-#include "zvr/commands/commands.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {

@@ -6,11 +6,11 @@
 #include <map>
 
 #include "host/calls.h"
+#include "zvr/commands/commands.h"
 #include "zvr/files/images.h"
+#include "zvr/files/sound.h"
 #include "zvr/language/outputs.h"
 #include "zvr/terminal/failures.h"
-#include "zvr/commands/commands.h"
-#include "zvr/files/sound.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {

@@ -7,12 +7,12 @@
 #include <cstring>
 #include <limits>
 
-#include "zvr/language/filters.h"
-#include "zvr/gallery/words.h"
-#include "zvr/language/look_table.h"
-#include "zvr/terminal/failures.h"
 #include "zvr/gallery/scaling.h"
+#include "zvr/gallery/words.h"
+#include "zvr/language/filters.h"
+#include "zvr/language/look_table.h"
 #include "zvr/language/signatures.h"
+#include "zvr/terminal/failures.h"
 
 namespace zvr::gallery {
 namespace {

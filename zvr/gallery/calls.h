@@ -7,9 +7,9 @@
 #include <string>
 
 #include "host/calls.h"
-#include "zvr/language/chain.h"
 #include "zvr/gallery/examples.h"
 #include "zvr/gallery/page.h"
+#include "zvr/language/chain.h"
 
 namespace zvr::gallery {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <functional>
 
+#include "zvr/gallery/scaling.h"
 #include "zvr/gallery/template.h"
 #include "zvr/terminal/failures.h"
-#include "zvr/gallery/scaling.h"
 
 namespace zvr::gallery {
 namespace {

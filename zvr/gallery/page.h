@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "zvr/language/arguments.h"
 #include "zvr/files/images.h"
+#include "zvr/language/arguments.h"
 
 namespace zvr::gallery {
 

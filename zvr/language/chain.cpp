@@ -5,8 +5,8 @@
 #include <stdexcept>
 
 #include "zvr/language/named_files.h"
-#include "zvr/terminal/failures.h"
 #include "zvr/language/signatures.h"
+#include "zvr/terminal/failures.h"
 
 namespace zvr {
 namespace {

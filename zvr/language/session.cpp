@@ -6,8 +6,8 @@
 #include <climits>
 #include <filesystem>
 
-#include "zvr/terminal/failures.h"
 #include "zvr/language/session.h"
+#include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {

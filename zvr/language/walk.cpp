@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "zvr/terminal/failures.h"
 #include "zvr/language/signatures.h"
+#include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "zvr/files/images.h"
 #include "zvr/language/arguments.h"
 #include "zvr/language/chain.h"
-#include "zvr/files/images.h"
 
 namespace zvr {
 
