@@ -43,20 +43,6 @@ TEST_F(Roads, RefusedSurfaces) {
   leaves.errors = 1;  // the picture with alpha died locked
 }
 
-TEST_F(Roads, BitmapsThatAreNotWhole) {
-  if (!isConsole()) GTEST_SKIP();
-  constexpr void (*spoils[])(host::PictureOddities&) = {
-      [](host::PictureOddities& o) { o.bitmapKind = 1; },
-      [](host::PictureOddities& o) { o.noRowTable = true; },
-      [](host::PictureOddities& o) { o.noRequired = true; },
-  };
-  for (const auto spoil : spoils) {
-    const auto picture = makePicture(source_);
-    spoil(oddities(picture.get()));
-    EXPECT_FALSE(inverts(picture));
-  }
-}
-
 TEST_F(Roads, UnlockablePicturesAreReadThroughACopy) {
   const auto picture = makePicture(source_);
   oddities(picture.get()).refusesLock = true;
