@@ -1,4 +1,4 @@
-# What every file is compiled with.
+# Options for every file.
 add_library(zvr_options INTERFACE)
 target_compile_options(zvr_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor -Werror

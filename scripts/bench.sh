@@ -4,7 +4,7 @@
 
 kSpeedBegin='<!-- Made by ./dev bench --table: from here … -->'
 kSpeedEnd='<!-- … to here -->'
-# What the README's tables show.
+# The rows of the README's tables.
 kSpeedFilter='^(operation/|growth/|fixed/[^/]*/words)'
 
 runBench() {
@@ -16,8 +16,8 @@ runBench() {
       *) misuse "Unknown argument \"$argument\"; bench takes --json, --table and a filter." ;;
     esac
   done
-  [[ -z $table || ${#options[@]} -eq 0 ]] || misuse 'The table is made of all that it shows: --table stands alone.'
-  # Standard output is the benchmark's alone, so that --json can be piped on.
+  [[ -z $table || ${#options[@]} -eq 0 ]] || misuse 'The tables are made of all their rows: --table goes with nothing else.'
+  # Only the benchmark writes to the standard output, so that --json can be piped on.
   buildPreset release >&2
   if [[ -z $table ]]; then exec build/release/picturezvr_bench "${options[@]}"; fi
   say 'Measuring; this takes some minutes'
@@ -45,9 +45,9 @@ addSpeedSection() {
   local section
   section="## How fast
 
-\`./dev bench\` measures every method and class through the built library and our host, and every kernel alone on each
+\`./dev bench\` measures every method and class through the built library and our host, and every kernel by itself on each
 instruction set; \`./dev bench --json\` and \`./dev bench FILTER\` give figures for programs and a choice of them.
-\`./dev bench --table\` writes the tables below. What counts is the plug-in's own processor time: neither the host's services
+\`./dev bench --table\` writes the tables below. Only the plug-in's own processor time counts: neither the host's services
 nor the clearing and first touching of memory, for our host and the heap use the memory of earlier calls again. Pictures are
 3840 × 2160 unless a column says otherwise; \`RenderSamplesZVR\` shows 10 million 16-bit samples at 1500 × 300.
 
