@@ -21,7 +21,7 @@ void draw(Content content, const Size& size, const Memory& memory) {
   for (int y = 0; y < size.height; ++y) drawRow(content, size, y, words + y * size.width);
 }
 
-// ---- What each signature is called with ----
+// ---- A call for each type of kernel ----
 
 RowRun on(kernels::SpanMap* Table::*slot) {
   return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop); };
@@ -53,6 +53,14 @@ RowRun on(kernels::SpanPack* Table::*slot) {
 RowRun on(kernels::SpanFill* Table::*slot) {
   return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.width, 0xFF3C78B4); };
 }
+RowRun on(kernels::SpanMark* Table::*slot) {
+  return [=](const Table& t, const Row& row) { (t.*slot)(row.outBytes(), row.photo, row.width, 1); };
+}
+RowRun on(kernels::SpanDraw* Table::*slot) {
+  return [=](const Table& t, const Row& row) {
+    (t.*slot)(row.out, Row::bytesOf(row.photo), row.width, 1, kTop);
+  };
+}
 RowRun on(kernels::SpanReplaceColor* Table::*slot) {
   return [=](const Table& t, const Row& row) {
     (t.*slot)(row.out, row.photo, row.width, kTop, row.photo[0], kRareColor);
@@ -63,24 +71,33 @@ RowRun on(kernels::SpanExtractColor* Table::*slot) {
     (t.*slot)(row.out, row.photo, row.width, kTop, row.photo[0], kRareColor, 0);
   };
 }
-RowRun on(kernels::SpanSaturate* Table::*slot, int32_t factor) {
+RowRun saturating(kernels::SpanSaturate* Table::*slot, int32_t factor) {
   return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, factor); };
 }
-RowRun on(kernels::SpanCount* Table::*slot) {
-  return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.photo, row.width, row.photo[0]); };
-}
+RowRun on(kernels::SpanSaturate* Table::*slot) { return saturating(slot, 315); }
 RowRun on(kernels::SpanCountBeyond* Table::*slot) {
   return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.photo, row.width, 10); };
 }
-RowRun on(kernels::SampleSums* Table::*slot, size_t sampleSize) {
+// On contents that don't end the call early. SpanFind is of the same type as SpanCount.
+RowRun on(kernels::SpanCount* Table::*slot) {
+  return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.flat, row.width, kRareColor); };
+}
+RowRun on(kernels::SpanIsColor* Table::*slot) {
+  return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.flat, row.width, row.flat[0]); };
+}
+RowRun on(kernels::SpanIsGray* Table::*slot) {
+  return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.grays, row.width, 0); };
+}
+RowRun on(kernels::SpanCompare* Table::*slot) {
+  return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.photo, row.photo, row.width); };
+}
+// Samples of two bytes; with samples of one byte half of the row.
+RowRun on(kernels::SampleSums* Table::*slot) {
   return [=](const Table& t, const Row& row) {
-    sink = (t.*slot)(Row::bytesOf(row.photo), row.width * sizeof(Pixel) / sampleSize).positive;
+    sink = (t.*slot)(Row::bytesOf(row.photo), row.width * sizeof(Pixel) / 2).positive;
   };
 }
-
-// ---- What needs more than a row ----
-
-RowRun throughTables() {
+RowRun on(kernels::SpanLookup* Table::*slot) {
   const auto tables = std::make_shared<kernels::ChannelTables>();
   for (int i = 0; i < 256; ++i) {
     const auto curve = [&](double gamma) { return static_cast<uint8_t>(255 * std::pow(i / 255.0, gamma)); };
@@ -88,53 +105,43 @@ RowRun throughTables() {
     tables->green[i] = curve(1.7);
     tables->blue[i] = curve(1.0);
   }
-  return [=](const Table& t, const Row& row) {
-    t.mapThroughTables(row.out, row.photo, row.width, kTop, *tables);
-  };
+  return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, *tables); };
 }
-
-RowRun alongLines() {
-  const kernels::ChannelLine rising{false, 128, 42600, -4900}, falling{true, 0, 30000, 2000};
-  const kernels::ChannelLines lines{rising, rising, falling, 7};
-  return [=](const Table& t, const Row& row) { t.mapAlongLines(row.out, row.photo, row.width, kTop, lines); };
+RowRun on(kernels::SpanLinear* Table::*slot) {
+  const kernels::LinearMap rising{false, 128, 42600, -4900}, falling{true, 0, 30000, 2000};
+  const kernels::LinearMaps maps{rising, rising, falling, 7};
+  return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, maps); };
 }
-
-RowRun throughCube() {
+RowRun on(kernels::SpanCube* Table::*slot) {
   const auto cube = std::make_shared<std::vector<double>>();
   for (size_t i = 0; i < kernels::kCubeSide * kernels::kCubeSide * kernels::kCubeSide * 3; ++i) {
     cube->push_back(127 + 127 * std::sin(static_cast<double>(i) * 0.37));
   }
-  return [=](const Table& t, const Row& row) {
-    t.mapThroughCube(row.out, row.photo, row.width, kTop, cube->data());
-  };
+  return
+      [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, cube->data()); };
 }
-
-RowRun throughWholeCube() {
+RowRun on(kernels::SpanWholeCube* Table::*slot) {
   const auto cube = std::make_shared<std::vector<uint32_t>>();
   for (uint32_t i = 0; i < kernels::kWholeCubeSide * kernels::kWholeCubeSide * kernels::kWholeCubeSide; ++i) {
     cube->push_back(i * 0x9E3779B1 >> 8);
   }
-  return [=](const Table& t, const Row& row) {
-    t.mapThroughWholeCube(row.out, row.photo, row.width, kTop, cube->data());
-  };
+  return
+      [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, cube->data()); };
 }
-
-RowRun histogram(const Pixel* Row::*contents) {
+RowRun counting(kernels::SpanHistogram* Table::*slot, const Pixel* Row::*contents) {
   const auto counts = std::make_shared<kernels::ChannelCounts>();
-  return [=](const Table& t, const Row& row) { t.countChannels(row.*contents, row.width, *counts); };
+  return [=](const Table& t, const Row& row) { (t.*slot)(row.*contents, row.width, *counts); };
 }
-
-RowRun tinting() {
+RowRun on(kernels::SpanHistogram* Table::*slot) { return counting(slot, &Row::photo); }
+RowRun on(kernels::SpanTint* Table::*slot) {
   const auto tint = std::make_shared<kernels::Tint>(kernels::Tint{0x555555, 0x704214, {}});
-  return [=](const Table& t, const Row& row) { t.tint(row.out, row.photo, row.width, kTop, *tint); };
+  return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, *tint); };
 }
-
-RowRun toning() {
-  const kernels::Toning sepia{306, 601, 116, 30, 10, static_cast<uint32_t>(-20)};
-  return [=](const Table& t, const Row& row) { t.tone(row.out, row.photo, row.width, kTop, sepia); };
+RowRun on(kernels::SpanSepia* Table::*slot) {
+  const kernels::Sepia sepia{306, 601, 116, 30, 10, static_cast<uint32_t>(-20)};
+  return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, sepia); };
 }
-
-RowRun bars() {
+RowRun on(kernels::SpanBars* Table::*slot) {
   const auto first = std::make_shared<std::vector<int32_t>>(),
              last = std::make_shared<std::vector<int32_t>>();
   return [=](const Table& t, const Row& row) {
@@ -142,59 +149,16 @@ RowRun bars() {
       first->push_back(static_cast<int32_t>(first->size() % 90));
       last->push_back(150);
     }
-    t.bars(row.out, first->data(), last->data(), row.width, 100, 0x274C5A, 0x88B5C4);
+    (t.*slot)(row.out, first->data(), last->data(), row.width, 100, 0x274C5A, 0x88B5C4);
   };
 }
 
 std::vector<KernelRun> list() {
-  return {
-      {"unpackRGB24", on(&Table::unpackRGB24)},
-      {"packRGB24", on(&Table::packRGB24)},
-      {"invert", on(&Table::invert)},
-      {"invertGray", on(&Table::invertGray)},
-      {"grayFromTop8", on(&Table::grayFromTop8)},
-      {"grayFromTop7", on(&Table::grayFromTop7)},
-      {"fill", on(&Table::fill)},
-      {"redIntoBlue", on(&Table::redIntoBlue)},
-      {"invertedRedIntoBlue", on(&Table::invertedRedIntoBlue)},
-      {"brighter", on(&Table::brighter)},
-      {"combineChannels", on(&Table::combineChannels)},
-      {"replaceBits", on(&Table::replaceBits)},
-      {"mapThroughTables", throughTables()},
-      {"mapAlongLines", alongLines()},
-      {"countColor", on(&Table::countColor)},
-      {"countChannels-photo", histogram(&Row::photo)},
-      {"countChannels-flat", histogram(&Row::flat)},
-      {"isAllColor",
-       [](const Table& t, const Row& row) {
-         sink = t.isAllColor(row.flat, row.width, static_cast<int32_t>(row.flat[0]));
-       }},
-      {"isAllGray", [](const Table& t, const Row& row) { sink = t.isAllGray(row.grays, row.width, 0); }},
-      {"countColorful", on(&Table::countColorful)},
-      {"findColor",
-       [](const Table& t, const Row& row) { sink = t.findColor(row.flat, row.width, kRareColor); }},
-      {"areEqual",
-       [](const Table& t, const Row& row) { sink = t.areEqual(row.photo, row.photo, row.width); }},
-      {"markColored",
-       [](const Table& t, const Row& row) { t.markColored(row.outBytes(), row.photo, row.width); }},
-      {"blackWhere",
-       [](const Table& t, const Row& row) {
-         t.blackWhere(row.out, Row::bytesOf(row.photo), row.width, 1, kTop);
-       }},
-      {"replaceColor", on(&Table::replaceColor)},
-      {"extractColor", on(&Table::extractColor)},
-      {"saturate", on(&Table::saturate, 315)},
-      {"saturate-wrapping", on(&Table::saturate, 1 << 30)},
-      {"tint", tinting()},
-      {"mapThroughCube", throughCube()},
-      {"mapThroughWholeCube", throughWholeCube()},
-      {"tone", toning()},
-      {"sumInt8", on(&Table::sumInt8, 1)},
-      {"sumUInt8", on(&Table::sumUInt8, 1)},
-      {"sumInt16", on(&Table::sumInt16, 2)},
-      {"sumUInt16", on(&Table::sumUInt16, 2)},
-      {"bars", bars()},
-  };
+#define ZVR_RUN(type, kernel) {#kernel, on(&Table::kernel)},
+  return {ZVR_KERNELS(ZVR_RUN)  //
+          {"histogram-flat", counting(&Table::histogram, &Row::flat)},
+          {"saturate-wrapping", saturating(&Table::saturate, 1 << 30)}};
+#undef ZVR_RUN
 }
 
 }  // namespace

@@ -77,11 +77,11 @@ struct Column {
 constexpr Column kOperationColumns[] = {
     {"MP/s", kOperations, "words/large", kMegapixels},
     {"copies", kOperations, "words/large", kCopies},
-    {"SSE2 alone", kOperations, "words/large/sse2", kCopies},
+    {"SSE2 only", kOperations, "words/large/sse2", kCopies},
     {"1000 × 1000", kOperations, "words/middle", kCopies},
-    {"3-byte pixels", kOperations, "rgb24/large", kCopies},
+    {"RGB24", kOperations, "rgb24/large", kCopies},
     {"in word copies", kOperations, "rgb24/large", kWordCopies},
-    {"KiB besides", kOperations, "words/large", kPeak},
+    {"extra KiB", kOperations, "words/large", kPeak},
     {"16 × 16: ns", kFixed, "words/tiny", kNanoseconds},
 };
 

@@ -53,19 +53,21 @@ class WholeTable {
 
 void mapThroughTable(const PictureLut3DData& lut, PictureReader& source, PictureWriter& result) {
   const Region area = areaOf(lut, source);
+  const auto mapBy = [&](auto kernel, const auto* nodes) {
+    mapRegion(
+        result, area,
+        [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+          kernel(out, in, count, top, nodes);
+        },
+        source);
+  };
   constexpr int64_t kManyPixels = 20000;  // from here on filling a WholeTable pays
   WholeTable whole;
   if (int64_t{area.right} * area.bottom >= kManyPixels && whole.fill(lut)) {
-    const auto kernel = [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
-      kernels::best().mapThroughWholeCube(out, in, count, top, whole.nodes());
-    };
-    mapRegion(result, area, kernel, source);
-    return;
+    mapBy(kernels::best().mapThroughWholeCube, whole.nodes());
+  } else {
+    mapBy(kernels::best().mapThroughCube, &lut.table[0][0][0][0]);
   }
-  const auto kernel = [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
-    kernels::best().mapThroughCube(out, in, count, top, &lut.table[0][0][0][0]);
-  };
-  mapRegion(result, area, kernel, source);
 }
 
 }  // namespace
@@ -74,15 +76,14 @@ void Lut3DConstructor(REALobjectStruct*) {}
 
 void Lut3DClose(REALobjectStruct* object) {
   if (PictureLut3DData* lut = lutOf(object)) {
-    releasePicture(lut->source);
-    releasePicture(lut->destination);
+    const auto source = takePicture(lut->source), destination = takePicture(lut->destination);
   }
 }
 
 RBBoolean Lut3DRun(REALobjectStruct* object) {
   PictureLut3DData* lut = lutOf(object);
   if (!lut) return false;
-  releasePicture(lut->destination);
+  takePicture(lut->destination);
   PictureReader source;
   if (!source.GetPictureReader(lut->source)) return false;
   PictureWriter result;

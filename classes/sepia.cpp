@@ -21,7 +21,7 @@ void setWeight(REALobjectStruct* object, Weight weight, double value) {
 }
 
 // What the properties say, in whole numbers.
-kernels::Toning toningOf(const PictureSepiaData& sepia) {
+kernels::Sepia toningOf(const PictureSepiaData& sepia) {
   const auto fixedPoint = [&](Weight weight) {
     return static_cast<uint32_t>(toInt32(1024 * sepia.weights[weight]));
   };
@@ -36,15 +36,16 @@ kernels::Toning toningOf(const PictureSepiaData& sepia) {
 }  // namespace
 
 void SepiaConstructor(REALobjectStruct* object) {
-  setWeight(object, kRed, 0.299);
-  setWeight(object, kGreen, 0.587);
-  setWeight(object, kBlue, 0.114);
+  if (PictureSepiaData* sepia = sepiaOf(object)) {
+    sepia->weights[kRed] = 0.299;
+    sepia->weights[kGreen] = 0.587;
+    sepia->weights[kBlue] = 0.114;
+  }
 }
 
 void SepiaClose(REALobjectStruct* object) {
   if (PictureSepiaData* sepia = sepiaOf(object)) {
-    releasePicture(sepia->source);
-    releasePicture(sepia->destination);
+    const auto source = takePicture(sepia->source), destination = takePicture(sepia->destination);
   }
 }
 
@@ -55,9 +56,9 @@ RBBoolean SepiaRun(REALobjectStruct* object) {
   if (!source.GetPictureReader(sepia->source)) return false;
   PictureWriter result;
   if (!result.NewPictureWriter(source.width, source.height)) return false;
-  const kernels::Toning toning = toningOf(*sepia);
+  const kernels::Sepia toning = toningOf(*sepia);
   const auto kernel = [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
-    kernels::best().tone(out, in, count, top, toning);
+    kernels::best().sepia(out, in, count, top, toning);
   };
   mapRegion(result, areaOf(*sepia, source), kernel, source);
   sepia->destination = result.RenderPictureWriter();  // over the old one

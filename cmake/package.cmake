@@ -9,8 +9,14 @@ install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION share/d
 install(DIRECTORY docs DESTINATION share/doc/picturezvr)
 
 if(ZVR_BUILD_HOST)
-  set_target_properties(zvr PROPERTIES INSTALL_RPATH "\$ORIGIN/../${ZVR_PRIVATE_LIBRARIES}")
-  install(TARGETS zvr RUNTIME DESTINATION bin)
+  # Linked once more: where CMake edits a run path while it installs, it leaves room for that in the built program, as
+  # empty elements, which mean the current folder.
+  add_executable(zvr_installed $<TARGET_OBJECTS:zvr>)
+  target_link_libraries(zvr_installed PRIVATE $<TARGET_PROPERTY:zvr,LINK_LIBRARIES>)
+  zvr_run_path(zvr_installed)
+  set_target_properties(zvr_installed PROPERTIES OUTPUT_NAME zvr RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/installed"
+    BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "\$ORIGIN/../${ZVR_PRIVATE_LIBRARIES}")
+  install(TARGETS zvr_installed RUNTIME DESTINATION bin)
   install(CODE "
     include(\"${CMAKE_SOURCE_DIR}/cmake/runtime.cmake\")
     zvr_runtime_libraries(libraries \"$<TARGET_FILE:zvr>\" ${ZVR_I386_LIBRARY_DIRS})

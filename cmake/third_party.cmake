@@ -29,5 +29,6 @@ endif()
 # function(zvr_run_path target) puts it on a program; further folders named after the target come first.
 function(zvr_run_path target)
   target_link_options(${target} PRIVATE -Wl,--disable-new-dtags)
-  set_target_properties(${target} PROPERTIES BUILD_RPATH "${ARGN};${ZVR_I386_LIBRARY_DIRS}")
+  set(folders ${ARGN} ${ZVR_I386_LIBRARY_DIRS})
+  set_target_properties(${target} PROPERTIES BUILD_RPATH "${folders}")
 endfunction()

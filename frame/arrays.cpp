@@ -52,7 +52,7 @@ void drop(REALobjectStruct* value) {
 }
 
 template <typename T>
-void getValue(REALarrayStruct* array, int32_t index, T* value, T (*ask)(REALarrayStruct*, int32_t, T*)) {
+void getValue(REALarrayStruct* array, int32_t index, T* value, ElementGetter<T>& ask) {
   if (!array) return;
   if (T* storage = storageOf<T>(array)) {
     *value = counted(storage[index]);
@@ -62,7 +62,7 @@ void getValue(REALarrayStruct* array, int32_t index, T* value, T (*ask)(REALarra
 }
 
 template <typename T>
-void setValue(REALarrayStruct* array, int32_t index, T value, void (*ask)(REALarrayStruct*, int32_t, T)) {
+void setValue(REALarrayStruct* array, int32_t index, T value, ElementSetter<T>& ask) {
   if (!array) return;
   if (T* storage = storageOf<T>(array)) {
     const T old = storage[index];

@@ -1,185 +1,218 @@
-// One wrapper for each host service, named as the host's interface names it. A wrapper asks the host for the
-// service on first use and answers null, zero, false or nothing while the host lacks it; nothing is reported.
-// Objects and strings that a wrapper returns carry one reference for the caller unless it says otherwise.
+// One wrapper for each host service, named as the host's interface names it, and called like a function. A
+// wrapper asks the host for the service on first use and answers null, zero, false or nothing while the host
+// lacks it; nothing is reported. Objects and strings that a wrapper returns carry one reference for the
+// caller unless it says otherwise.
+//
+// The list is complete on purpose: services that no operation uses yet cost nothing, because a wrapper that
+// nobody calls is not part of the library.
 #pragma once
 
+#include "frame/array_elements.h"
 #include "frame/host_entry.h"
 #include "frame/host_interface.h"
 
 // ---- Registration ----
-void REALRegisterMethod(REALmethodDefinition* method);
-void REALRegisterClass(REALclassDefinition* definition);
-void REALRegisterClassExtension(REALclassDefinition* definition);
-void REALRegisterModule(REALmoduleDefinition* definition);
-void REALRegisterInterface(REALinterfaceDefinition* definition);
-void REALRegisterControl(REALcontrolDefinition* definition);
-// Calls `task(data)` every `period` milliseconds. Returns an id; -1 when the host lacks the service.
+inline HostEntry<void(REALmethodDefinition* method)> REALRegisterMethod{"PluginRegisterMethod"};
+inline HostEntry<void(REALclassDefinition* definition)> REALRegisterClass{"PluginRegisterClass"};
+inline HostEntry<void(REALclassDefinition* definition)> REALRegisterClassExtension{
+    "PluginRegisterClassExtension"};
+inline HostEntry<void(REALmoduleDefinition* definition)> REALRegisterModule{"PluginRegisterModule"};
+inline HostEntry<void(REALinterfaceDefinition* definition)> REALRegisterInterface{"PluginRegisterInterface"};
+inline HostEntry<void(REALcontrolDefinition* definition)> REALRegisterControl{"PluginRegisterControl"};
+// Calls `task(data)` periodically; the unit of `period` is the host's. Returns an id; -1 when the host lacks
+// the service.
 int32_t REALRegisterBackgroundTask(void (*task)(void*), uint32_t period, void* data);
-void REALUnregisterBackgroundTask(int32_t id);
+inline HostEntry<void(int32_t id)> REALUnregisterBackgroundTask{"PluginUnregisterBackgroundTask"};
 
 // ---- Objects and classes ----
 // Instance data of an object of a plug-in class; owned by the object.
-void* REALGetPluginData(REALobjectStruct* object, REALclassDefinition* definition);
+inline HostEntry<void*(REALobjectStruct* object, REALclassDefinition* definition)> REALGetPluginData{
+    "PluginGetPluginData"};
 // The class of that name; null when the program has none. Not counted.
-REALclassRefStruct* REALGetClassRef(const char* className);
-REALobjectStruct* REALnewInstance(const char* className);
+inline HostEntry<REALclassRefStruct*(const char* className)> REALGetClassRef{"pluginObjectType"};
+inline HostEntry<REALobjectStruct*(const char* className)> REALnewInstance{"PluginNewInstance"};
 // Null, too, for a null class reference.
 REALobjectStruct* REALnewInstanceWithClass(REALclassRefStruct* classRef);
 bool REALObjectIsA(REALobjectStruct* object, REALclassRefStruct* classRef);
 // False for a null object and for an unknown class.
 bool REALObjectIsA(REALobjectStruct* object, const char* className);
-// Counts one reference up; false on a host that can't.
-bool REALLockObject(REALobjectStruct* object);
-void REALUnlockObject(REALobjectStruct* object);
+// One reference more, one fewer.
+inline HostEntry<void(REALobjectStruct* object)> REALLockObject{"REALLockObject"};
+inline HostEntry<void(REALobjectStruct* object)> REALUnlockObject{"REALUnlockObject"};
 // Leaves an exception pending in the host, which takes a reference of its own; returns to the caller.
-void REALRaiseException(REALobjectStruct* exception);
+inline HostEntry<void(REALobjectStruct* exception)> REALRaiseException{"RuntimeRaiseException"};
 // Addresses of functions and methods of the host language, by declaration; null when there is none.
-void* REALLoadFrameworkMethod(const char* declaration);
-void* REALLoadObjectMethod(REALobjectStruct* object, const char* declaration);
-void* REALInterfaceRoutine(REALobjectStruct* object, const char* interfaceName, const char* routine);
-void* REALGetDelegateInvoker(void* delegate);
+inline HostEntry<void*(const char* declaration)> REALLoadFrameworkMethod{"REALLoadGlobalMethod"};
+inline HostEntry<void*(REALobjectStruct* object, const char* declaration)> REALLoadObjectMethod{
+    "REALLoadObjectMethod"};
+inline HostEntry<void*(REALobjectStruct* object, const char* interfaceName, const char* routine)>
+    REALInterfaceRoutine{"GetInterfaceRoutine"};
+inline HostEntry<void*(void* delegate)> REALGetDelegateInvoker{"PluginGetDelegateInvoker"};
 // Whether an object is a memory block, or a folder item: told by a method that only that kind has.
 bool IsMemoryBlock(REALobjectStruct* object);
 bool IsFolderItem(REALobjectStruct* object);
 
 // ---- The program ----
-bool REALinRuntime();  // a built program rather than the development environment
-bool REALInDebugMode();
-void REALYieldToRB();  // lets the host run its event loop
-void REALMessageBox(REALstringStruct* text);
+// Whether this is a built program rather than the development environment.
+inline HostEntry<RBBoolean()> REALinRuntime{"REALinRuntime"};
+inline HostEntry<RBBoolean()> REALInDebugMode{"REALInDebugMode"};
+inline HostEntry<void()> REALYieldToRB{"REALYieldToRB"};  // lets the host run its event loop
+inline HostEntry<void(REALstringStruct* text)> REALMessageBox{"RuntimeMsgBox"};
 
 // ---- Strings ----
 // Bytes to a string without an encoding.
-REALstringStruct* originalREALBuildString(const void* bytes, int32_t length);
-// Counts one reference up; false on a host that can't.
-bool REALLockString(REALstringStruct* string);
-void REALUnlockString(REALstringStruct* string);
-REALstringStruct* REALAddStrings(REALstringStruct* first, REALstringStruct* second);
-int32_t REALCompareStrings(REALstringStruct* first, REALstringStruct* second);
-uint32_t REALGetStringEncoding(REALstringStruct* string);
-void REALSetStringEncoding(REALstringStruct* string, uint32_t encoding);
-REALstringStruct* REALConvertString(REALstringStruct* string, uint32_t encoding);
+inline HostEntry<REALstringStruct*(const void* bytes, int32_t length)> originalREALBuildString{
+    "REALBuildString"};
+// One reference more, one fewer.
+inline HostEntry<void(REALstringStruct* string)> REALLockString{"REALLockString"};
+inline HostEntry<void(REALstringStruct* string)> REALUnlockString{"REALUnlockString"};
+inline HostEntry<REALstringStruct*(REALstringStruct* first, REALstringStruct* second)> REALAddStrings{
+    "RuntimeAddString"};
+inline HostEntry<int32_t(REALstringStruct* first, REALstringStruct* second)> REALCompareStrings{
+    "RuntimeStringCompare"};
+inline HostEntry<uint32_t(REALstringStruct* string)> REALGetStringEncoding{"REALGetStringEncoding"};
+inline HostEntry<void(REALstringStruct* string, uint32_t encoding)> REALSetStringEncoding{
+    "REALSetStringEncoding"};
+inline HostEntry<REALstringStruct*(REALstringStruct* string, uint32_t encoding)> REALConvertString{
+    "REALConvertString"};
 // Fills the record with the string's bytes in an encoding (kEncodingNone: its own); clear the record first.
 // True on success; then the record goes back through REALDisposeStringData. Works on hosts without the
 // service by means of "StringGetCString" and LenB.
 bool REALGetStringData(REALstringStruct* string, uint32_t encoding, REALstringData* record);
 void REALDisposeStringData(REALstringData* record);
-uint32_t REALGetFontEncoding(REALstringStruct* fontName);
+inline HostEntry<uint32_t(REALstringStruct* fontName)> REALGetFontEncoding{"REALGetFontEncoding"};
 
 // ---- Properties: true on success ----
-bool REALGetPropValueInt32(REALobjectStruct* object, const char* name, int32_t* value);
-bool REALGetPropValueString(REALobjectStruct* object, const char* name, REALstringStruct** value);
-bool REALGetPropValueDouble(REALobjectStruct* object, const char* name, double* value);
-bool REALGetPropValueObject(REALobjectStruct* object, const char* name, REALobjectStruct** value);
-bool REALGetPropValueInt64(REALobjectStruct* object, const char* name, int64_t* value);
-bool REALGetPropValueUInt64(REALobjectStruct* object, const char* name, uint64_t* value);
-bool REALGetPropValueUInt32(REALobjectStruct* object, const char* name, uint32_t* value);
-bool REALGetPropValueUInt16(REALobjectStruct* object, const char* name, uint16_t* value);
-bool REALGetPropValueInt16(REALobjectStruct* object, const char* name, int16_t* value);
-bool REALGetPropValueInt8(REALobjectStruct* object, const char* name, int8_t* value);
-bool REALGetPropValueSingle(REALobjectStruct* object, const char* name, float* value);
+template <typename T>
+using PropertyGetter = HostEntry<RBBoolean(REALobjectStruct* object, const char* name, T* value)>;
+template <typename T>
+using PropertySetter = HostEntry<RBBoolean(REALobjectStruct* object, const char* name, T value)>;
+inline PropertyGetter<int32_t> REALGetPropValueInt32{"REALGetPropValueInt"};
+inline PropertyGetter<REALstringStruct*> REALGetPropValueString{"REALGetPropValueString"};
+inline PropertyGetter<double> REALGetPropValueDouble{"REALGetPropValueDouble"};
+inline PropertyGetter<REALobjectStruct*> REALGetPropValueObject{"REALGetPropValueObject"};
+inline PropertyGetter<int64_t> REALGetPropValueInt64{"REALGetPropValueInt64"};
+inline PropertyGetter<uint64_t> REALGetPropValueUInt64{"REALGetPropValueUInt64"};
+inline PropertyGetter<uint32_t> REALGetPropValueUInt32{"REALGetPropValueUInt32"};
+inline PropertyGetter<uint16_t> REALGetPropValueUInt16{"REALGetPropValueUInt16"};
+inline PropertyGetter<int16_t> REALGetPropValueInt16{"REALGetPropValueInt16"};
+inline PropertyGetter<int8_t> REALGetPropValueInt8{"REALGetPropValueInt8"};
+inline PropertyGetter<float> REALGetPropValueSingle{"REALGetPropValueSingle"};
 // By the host's boolean getter.
-bool REALGetPropValueUInt8(REALobjectStruct* object, const char* name, uint8_t* value);
-bool REALSetPropValueInt32(REALobjectStruct* object, const char* name, int32_t value);
-bool REALSetPropValueString(REALobjectStruct* object, const char* name, REALstringStruct* value);
-bool REALSetPropValueDouble(REALobjectStruct* object, const char* name, double value);
-bool REALSetPropValueObject(REALobjectStruct* object, const char* name, REALobjectStruct* value);
-bool REALSetPropValueUInt32(REALobjectStruct* object, const char* name, uint32_t value);
-bool REALSetPropValueUInt64(REALobjectStruct* object, const char* name, uint64_t value);
-bool REALSetPropValueInt64(REALobjectStruct* object, const char* name, int64_t value);
-bool REALSetPropValueInt16(REALobjectStruct* object, const char* name, int16_t value);
-bool REALSetPropValueUInt16(REALobjectStruct* object, const char* name, uint16_t value);
-bool REALSetPropValueInt8(REALobjectStruct* object, const char* name, int8_t value);
+inline PropertyGetter<uint8_t> REALGetPropValueUInt8{"REALGetPropValueBool"};
+inline PropertySetter<int32_t> REALSetPropValueInt32{"REALSetPropValueInt"};
+inline PropertySetter<REALstringStruct*> REALSetPropValueString{"REALSetPropValueString"};
+inline PropertySetter<double> REALSetPropValueDouble{"REALSetPropValueDouble"};
+inline PropertySetter<REALobjectStruct*> REALSetPropValueObject{"REALSetPropValueObject"};
+inline PropertySetter<uint32_t> REALSetPropValueUInt32{"REALSetPropValueUInt32"};
+inline PropertySetter<uint64_t> REALSetPropValueUInt64{"REALSetPropValueUInt64"};
+inline PropertySetter<int64_t> REALSetPropValueInt64{"REALSetPropValueInt64"};
+inline PropertySetter<int16_t> REALSetPropValueInt16{"REALSetPropValueInt16"};
+inline PropertySetter<uint16_t> REALSetPropValueUInt16{"REALSetPropValueUInt16"};
+inline PropertySetter<int8_t> REALSetPropValueInt8{"REALSetPropValueInt8"};
 // By the host's boolean setter.
-bool REALSetPropValueUInt8(REALobjectStruct* object, const char* name, uint8_t value);
-bool REALSetPropValueBoolean(REALobjectStruct* object, const char* name, bool value);
+inline PropertySetter<uint8_t> REALSetPropValueUInt8{"REALSetPropValueBoolean"};
+inline PropertySetter<RBBoolean> REALSetPropValueBoolean{"REALSetPropValueBoolean"};
 
-// ---- Variants ----
-REALobjectStruct* REALNewVariantString(REALstringStruct* value);
-REALobjectStruct* REALNewVariantPtr(void* value);
-REALobjectStruct* REALNewVariantInteger(int32_t value);
-REALobjectStruct* REALNewVariantDouble(double value);
-REALobjectStruct* REALNewVariantBoolean(bool value);
-REALobjectStruct* REALNewVariantColor(RBColor value);
-REALobjectStruct* REALNewVariantUInt32(uint32_t value);
-REALobjectStruct* REALNewVariantInt64(int64_t value);
-REALobjectStruct* REALNewVariantUInt64(uint64_t value);
-REALobjectStruct* REALNewVariantSingle(float value);
+// ---- Variants: new objects ----
+template <typename T>
+using VariantMaker = HostEntry<REALobjectStruct*(T value)>;
+inline VariantMaker<REALstringStruct*> REALNewVariantString{"StringToVariant"};
+inline VariantMaker<void*> REALNewVariantPtr{"PtrToVariant"};
+inline VariantMaker<int32_t> REALNewVariantInteger{"Int32ToVariant"};
+inline VariantMaker<double> REALNewVariantDouble{"DoubleToVariant"};
+inline VariantMaker<RBBoolean> REALNewVariantBoolean{"BooleanToVariant"};
+inline VariantMaker<RBColor> REALNewVariantColor{"ColorToVariant"};
+inline VariantMaker<uint32_t> REALNewVariantUInt32{"UInt32ToVariant"};
+inline VariantMaker<int64_t> REALNewVariantInt64{"Int64ToVariant"};
+inline VariantMaker<uint64_t> REALNewVariantUInt64{"UInt64ToVariant"};
+inline VariantMaker<float> REALNewVariantSingle{"SingleToVariant"};
 
-// ---- Arrays: elements through the accessor of the array's own element type ----
-REALarrayStruct* REALCreateArray(int32_t elementType, int32_t upperBound);
-int32_t REALGetArrayUBound(REALarrayStruct* array);
-// The element, also stored through `value` when that is not null. Zero, and nothing stored, without an
-// accessor.
-int64_t REALGetArrayValueInt64(REALarrayStruct* array, int32_t index, int64_t* value);
-int32_t REALGetArrayValueInt32(REALarrayStruct* array, int32_t index, int32_t* value);
-uint64_t REALGetArrayValueUInt64(REALarrayStruct* array, int32_t index, uint64_t* value);
-uint32_t REALGetArrayValueUInt32(REALarrayStruct* array, int32_t index, uint32_t* value);
-uint16_t REALGetArrayValueUInt16(REALarrayStruct* array, int32_t index, uint16_t* value);
-uint8_t REALGetArrayValueUInt8(REALarrayStruct* array, int32_t index, uint8_t* value);
-float REALGetArrayValueSingle(REALarrayStruct* array, int32_t index, float* value);
-double REALGetArrayValueDouble(REALarrayStruct* array, int32_t index, double* value);
-REALstringStruct* REALGetArrayValueString(REALarrayStruct* array, int32_t index, REALstringStruct** value);
-REALobjectStruct* REALGetArrayValueObject(REALarrayStruct* array, int32_t index, REALobjectStruct** value);
-void REALSetArrayValueInt64(REALarrayStruct* array, int32_t index, int64_t value);
-void REALSetArrayValueInt32(REALarrayStruct* array, int32_t index, int32_t value);
-void REALSetArrayValueInt16(REALarrayStruct* array, int32_t index, int16_t value);
-void REALSetArrayValueInt8(REALarrayStruct* array, int32_t index, int8_t value);
-void REALSetArrayValueUInt64(REALarrayStruct* array, int32_t index, uint64_t value);
-void REALSetArrayValueUInt32(REALarrayStruct* array, int32_t index, uint32_t value);
-void REALSetArrayValueUInt16(REALarrayStruct* array, int32_t index, uint16_t value);
-void REALSetArrayValueUInt8(REALarrayStruct* array, int32_t index, uint8_t value);
-void REALSetArrayValueSingle(REALarrayStruct* array, int32_t index, float value);
-void REALSetArrayValueDouble(REALarrayStruct* array, int32_t index, double value);
-void REALSetArrayValueString(REALarrayStruct* array, int32_t index, REALstringStruct* value);
-void REALSetArrayValueObject(REALarrayStruct* array, int32_t index, REALobjectStruct* value);
-void REALInsertArrayValueInt64(REALarrayStruct* array, int32_t index, int64_t value);
-void REALInsertArrayValueInt32(REALarrayStruct* array, int32_t index, int32_t value);
-void REALInsertArrayValueUInt64(REALarrayStruct* array, int32_t index, uint64_t value);
-void REALInsertArrayValueUInt32(REALarrayStruct* array, int32_t index, uint32_t value);
-void REALInsertArrayValueUInt16(REALarrayStruct* array, int32_t index, uint16_t value);
-void REALInsertArrayValueSingle(REALarrayStruct* array, int32_t index, float value);
-void REALInsertArrayValueDouble(REALarrayStruct* array, int32_t index, double value);
-void REALInsertArrayValueString(REALarrayStruct* array, int32_t index, REALstringStruct* value);
-void REALInsertArrayValueObject(REALarrayStruct* array, int32_t index, REALobjectStruct* value);
+// ---- Arrays ----
+inline HostEntry<REALarrayStruct*(int32_t elementType, int32_t upperBound)> REALCreateArray{
+    "RuntimeArrayCreateSingleDimBoundedArray"};
+inline HostEntry<int32_t(REALarrayStruct* array)> REALGetArrayUBound{"RuntimeUBound"};
+
+inline ElementGetter<int64_t> REALGetArrayValueInt64;
+inline ElementGetter<int32_t> REALGetArrayValueInt32;
+inline ElementGetter<uint64_t> REALGetArrayValueUInt64;
+inline ElementGetter<uint32_t> REALGetArrayValueUInt32;
+inline ElementGetter<uint16_t> REALGetArrayValueUInt16;
+inline ElementGetter<uint8_t> REALGetArrayValueUInt8;
+inline ElementGetter<float> REALGetArrayValueSingle;
+inline ElementGetter<double> REALGetArrayValueDouble;
+inline ElementGetter<REALstringStruct*> REALGetArrayValueString;
+inline ElementGetter<REALobjectStruct*> REALGetArrayValueObject;
+
+inline ElementSetter<int64_t> REALSetArrayValueInt64;
+inline ElementSetter<int32_t> REALSetArrayValueInt32;
+inline ElementSetter<int16_t> REALSetArrayValueInt16;
+inline ElementSetter<int8_t> REALSetArrayValueInt8;
+inline ElementSetter<uint64_t> REALSetArrayValueUInt64;
+inline ElementSetter<uint32_t> REALSetArrayValueUInt32;
+inline ElementSetter<uint16_t> REALSetArrayValueUInt16;
+inline ElementSetter<uint8_t> REALSetArrayValueUInt8;
+inline ElementSetter<float> REALSetArrayValueSingle;
+inline ElementSetter<double> REALSetArrayValueDouble;
+inline ElementSetter<REALstringStruct*> REALSetArrayValueString;
+inline ElementSetter<REALobjectStruct*> REALSetArrayValueObject;
+
+inline ElementInserter<int64_t> REALInsertArrayValueInt64;
+inline ElementInserter<int32_t> REALInsertArrayValueInt32;
+inline ElementInserter<uint64_t> REALInsertArrayValueUInt64;
+inline ElementInserter<uint32_t> REALInsertArrayValueUInt32;
+inline ElementInserter<uint16_t> REALInsertArrayValueUInt16;
+inline ElementInserter<float> REALInsertArrayValueSingle;
+inline ElementInserter<double> REALInsertArrayValueDouble;
+inline ElementInserter<REALstringStruct*> REALInsertArrayValueString;
+inline ElementInserter<REALobjectStruct*> REALInsertArrayValueObject;
 
 // ---- Memory blocks ----
-REALmemoryBlockStruct* REALNewMemoryBlockOriginal(int32_t size);
-void* REALMemoryBlockGetPtr(REALmemoryBlockStruct* block);
-int32_t REALMemoryBlockGetSize(REALmemoryBlockStruct* block);
-REALmemoryBlockStruct* REALPtrToMemoryBlock(void* bytes);
+inline HostEntry<REALmemoryBlockStruct*(int32_t size)> REALNewMemoryBlockOriginal{"newMemoryBlock"};
+inline HostEntry<void*(REALmemoryBlockStruct* block)> REALMemoryBlockGetPtr{"memoryBlockGetPtr"};
+inline HostEntry<int32_t(REALmemoryBlockStruct* block)> REALMemoryBlockGetSize{"memoryBlockGetSize"};
+inline HostEntry<REALmemoryBlockStruct*(void* bytes)> REALPtrToMemoryBlock{"PtrToMemoryBlock"};
 
 // ---- Pictures ----
-REALpictureStruct* REALNewPicture(int32_t width, int32_t height, int32_t depth);
+inline HostEntry<REALpictureStruct*(int32_t width, int32_t height, int32_t depth)> REALNewPicture{
+    "newPicture"};
 // `buffer` holds `height` rows of `rowBytes` bytes in the RBPixelType given.
-REALpictureStruct* REALBuildPictureFromBuffer(int32_t width, int32_t height, int32_t pixelType, void* buffer,
-                                              int32_t rowBytes);
-REALpictureStruct* REALBuildPictureFromGWorld(void* platformImage);
+inline HostEntry<REALpictureStruct*(int32_t width, int32_t height, int32_t pixelType, void* buffer,
+                                    int32_t rowBytes)>
+    REALBuildPictureFromBuffer{"REALBuildPictureFromBuffer"};
+inline HostEntry<REALpictureStruct*(void* platformImage)> REALBuildPictureFromGWorld{
+    "REALBuildPictureFromGWorld"};
 bool REALLockPictureDescription(REALpictureStruct* picture, REALpictureDescription* description);
 // Asks for one REALPictureType.
 bool REALLockPictureDescription(REALpictureStruct* picture, REALpictureDescription* description,
                                 int32_t pictureType);
-void REALUnlockPictureDescription(REALpictureStruct* picture);
+inline HostEntry<void(REALpictureStruct* picture)> REALUnlockPictureDescription{"unlockPictureDescription"};
 // The pixels changed: drops the host's cached rendering.
-void REALPictureClearCache(REALpictureStruct* picture);
+inline HostEntry<void(REALpictureStruct* picture)> REALPictureClearCache{"REALPictureClearCache"};
 // The mask, made when there is none and `create` is set.
-REALpictureStruct* REALGetPictureMask(REALpictureStruct* picture, bool create);
-REALgraphicsStruct* REALGetPictureGraphics(REALpictureStruct* picture);
+inline HostEntry<REALpictureStruct*(REALpictureStruct* picture, RBBoolean create)> REALGetPictureMask{
+    "REALGetPictureMask"};
+inline HostEntry<REALgraphicsStruct*(REALpictureStruct* picture)> REALGetPictureGraphics{
+    "pluginPictureGraphicsGetter"};
 
 // ---- Graphics ----
-void* REALGraphicsDC(REALgraphicsStruct* graphics);
+inline HostEntry<void*(REALgraphicsStruct* graphics)> REALGraphicsDC{"REALGraphicsDC"};
 void REALDrawPicturePrimitive(REALgraphicsStruct* graphics, REALpictureStruct* picture, const void* rectangle,
-                              int32_t transparent);
+                              int32_t options);
 void REALDrawPicturePrimitive(REALgraphicsStruct* graphics, REALpictureStruct* picture,
                               const void* rectangle);
-void GraphicsDrawLine(REALgraphicsStruct* graphics, int32_t x1, int32_t y1, int32_t x2, int32_t y2);
-void REALGraphicsDrawString(REALgraphicsStruct* graphics, REALstringStruct* text, int32_t x, int32_t y);
+inline HostEntry<void(REALgraphicsStruct* graphics, int32_t x1, int32_t y1, int32_t x2, int32_t y2)>
+    GraphicsDrawLine{"RuntimeGraphicsDrawLine"};
+inline HostEntry<void(REALgraphicsStruct* graphics, REALstringStruct* text, int32_t x, int32_t y)>
+    REALGraphicsDrawString{"RuntimeGraphicsDrawString"};
 
 // ---- Controls and files ----
-void REALGetControlBounds(REALcontrolStruct* control, void* rectangle);
-REALgraphicsStruct* REALGetControlGraphics(REALcontrolStruct* control);
-REALwindowStruct* REALGetControlWindow(REALcontrolStruct* control);
-bool REALGetTabPanelVisible(REALcontrolStruct* control);
+inline HostEntry<void(REALcontrolStruct* control, void* rectangle)> REALGetControlBounds{"GetControlBounds"};
+inline HostEntry<REALgraphicsStruct*(REALcontrolStruct* control)> REALGetControlGraphics{
+    "REALGetControlGraphics"};
+inline HostEntry<REALwindowStruct*(REALcontrolStruct* control)> REALGetControlWindow{"getControlWindow"};
+inline HostEntry<RBBoolean(REALcontrolStruct* control)> REALGetTabPanelVisible{"GetTabPanelVisible"};
 // The handler of an event in a control; hands the host the event's second word, not the record.
 void* REALGetEventInstance(REALcontrolStruct* control, REALevent* event);
-REALstringStruct* REALpathFromFolderItem(REALfolderItemStruct* item);
+inline HostEntry<REALstringStruct*(REALfolderItemStruct* item)> REALpathFromFolderItem{
+    "REALpathFromFolderItem"};

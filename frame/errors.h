@@ -1,6 +1,7 @@
 // Errors, reported the only way the host offers: an exception object of a host class, raised for the calling
 // code of the host program. Raising returns to the caller, who cleans up and answers its null result. A host
-// that lacks the class gets a "RuntimeException"; one that lacks that too, or a service, gets nothing.
+// that lacks the class gets a "RuntimeException"; one that lacks that too, or can't raise, gets nothing.
+// Where the message can't be built or set, the exception comes without.
 #pragma once
 
 #include "frame/entry_points.h"

@@ -3,15 +3,29 @@
 
 #include "frame/entry_points.h"
 
-// One host reference. On a host that can't count references up (it lacks the service) a shared one is not
-// released either, so what the plug-in merely borrows is never destroyed under its owner.
+// Calls a function at the end of a scope, also when the host throws through it.
+template <typename Function>
+class AtExit {
+ public:
+  explicit AtExit(const Function& function) : function_(function) {}
+  ~AtExit() noexcept(false) { function_(); }
+  AtExit(const AtExit&) = delete;
+  AtExit& operator=(const AtExit&) = delete;
+
+ private:
+  const Function function_;
+};
+
+// One host reference. Releasing it lets a host's exception through, so that the process need not end. On a
+// host that can't count references up (it lacks the service) a shared one is not released either, so what the
+// plug-in merely borrows is never destroyed under its owner.
 template <typename T>
 class Held {
  public:
   // Takes over a reference that the caller owns; null for none.
   explicit Held(T* object = nullptr) : object_(object), isCounted_(object != nullptr) {}
   Held(Held&& other) noexcept : object_(other.object_), isCounted_(other.isCounted_) { other.forget(); }
-  Held& operator=(Held&& other) noexcept {
+  Held& operator=(Held&& other) {
     if (this == &other) return *this;
     T* const old = isCounted_ ? object_ : nullptr;
     object_ = other.object_;
@@ -20,7 +34,7 @@ class Held {
     if (old) unlock(old);
     return *this;
   }
-  ~Held() {
+  ~Held() noexcept(false) {
     if (isCounted_) unlock(object_);
   }
 
@@ -50,8 +64,14 @@ class Held {
   }
 
  private:
-  static bool lock(REALobjectStruct* object) { return REALLockObject(object); }
-  static bool lock(REALstringStruct* string) { return REALLockString(string); }
+  template <typename Service, typename Counted>
+  static bool countUp(Service& service, Counted* object) {
+    if (!service.offered()) return false;
+    service(object);
+    return true;
+  }
+  static bool lock(REALobjectStruct* object) { return countUp(REALLockObject, object); }
+  static bool lock(REALstringStruct* string) { return countUp(REALLockString, string); }
   static void unlock(REALobjectStruct* object) { REALUnlockObject(object); }
   static void unlock(REALstringStruct* string) { REALUnlockString(string); }
 

@@ -5,7 +5,7 @@
 #include <stdint.h>
 
 // Handles. The host counts references; the plug-in never looks inside but where a function says so.
-// Everything but a string is an object and may be locked and unlocked as one.
+// Except for strings and class references, all are objects and may be locked and unlocked as such.
 struct REALobjectStruct {};
 struct REALpictureStruct : REALobjectStruct {};
 struct REALgraphicsStruct : REALobjectStruct {};
@@ -42,8 +42,7 @@ enum : uint32_t {
   kFlagClassWebOnly = 0x100,   // host flag of classes
   kMarkConsoleSafe = 0x40000,  // plug-in marker, never reaches the host
   kMarkWebOnly = 0x80000,      // plug-in marker, never reaches the host
-  kMarkReserved = 0x100000,    // plug-in marker, never reaches the host
-  kAllMarks = 0x1C0000,
+  kAllMarks = 0x1C0000,        // none of them reaches the host; that of 0x100000 has no meaning
 };
 
 // Kinds of picture description that can be asked for when a picture is locked.
@@ -144,8 +143,8 @@ struct REALclassDefinition {
   int32_t sharedMethodCount;
 };
 
-// Records of kinds that this plug-in never registers. Their arrays shrink on old hosts as those of
-// classes do.
+// Records of kinds that this plug-in never registers; their layouts are assumed. Their arrays shrink on old
+// hosts as those of classes do.
 struct REALmoduleDefinition {
   int32_t version;
   const char* name;

@@ -3,6 +3,10 @@
 
 #include "frame/members.h"
 
+#include <string.h>
+
+#include <type_traits>
+
 #include "classes/classes.h"
 #include "frame/plugin_main.h"
 #include "frame/registration.h"
@@ -240,7 +244,31 @@ REALclassDefinition gSepiaClass = filterClass<PictureSepiaData>(
     classRecord("PictureSepiaZVR", 0, gSepiaMethods, countOf(gSepiaMethods)), gSepiaProperties,
     countOf(gSepiaProperties), address(SepiaConstructor), address(SepiaClose));
 
+namespace {
+
+// Registration changes the records in place. Each entry begins with them as they are written here.
+template <auto& records>
+void restore() {
+  static std::remove_reference_t<decltype(records)> written;
+  static bool isKept;
+  if (isKept) {
+    memcpy(&records, &written, sizeof records);
+  } else {
+    memcpy(&written, &records, sizeof records);
+  }
+  isKept = true;
+}
+
+template <auto&... tables>
+void restoreAll() {
+  (restore<tables>(), ...);
+}
+
+}  // namespace
+
 void PluginEntry() {
+  restoreAll<gPictureMethods, gGlobalMethods, gLut3DProperties, gLut3DMethods, gSepiaProperties,
+             gSepiaMethods, gPictureExtension, gLut3DClass, gSepiaClass>();
   MyPluginStart("Picture", "$$ Plugin version: 13.4 (2013) $$");
   FixConsoleFlags(&gSepiaClass);
   FixConsoleFlags(&gLut3DClass);

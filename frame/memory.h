@@ -21,7 +21,8 @@ void ClearMemory(void* pointer, size_t size);
 using MemoryHandle = void*;
 // Data zero-filled; the size word stays 0 until the first resizeHandle. Null for a size below 0 or too large.
 MemoryHandle allocateHandle(int64_t size);
-// The handle at its new size; null when that can't be had (a size from 0x7FFFFFF1 on also frees the handle).
+// The handle at its new size; null when that can't be had (a size below 0 or from 0x7FFFFFF1 on also frees
+// it).
 MemoryHandle resizeHandle(MemoryHandle handle, int64_t size);
 uint32_t getHandleSize(MemoryHandle handle);  // 0 for null
 void* lockHandle(MemoryHandle handle);        // the data
@@ -37,19 +38,17 @@ class Scratch {
   Scratch(const Scratch&) = delete;
   Scratch& operator=(const Scratch&) = delete;
 
-  // Frees what is held and takes a new block; false (and empty) when it can't be had.
+  // Releases the block held before and takes a new one; false (and empty) when it can't be had.
   bool allocate(int64_t size) {
-    FreeMemoryNow(pointer_);
+    release();
     pointer_ = static_cast<uint8_t*>(AllocateClearMemory(size));
     return pointer_ != nullptr;
   }
-  uint8_t* get() const { return pointer_; }
-  // Gives the block away: whoever calls it frees it.
-  uint8_t* release() {
-    uint8_t* pointer = pointer_;
+  void release() {
+    FreeMemoryNow(pointer_);
     pointer_ = nullptr;
-    return pointer;
   }
+  uint8_t* get() const { return pointer_; }
   explicit operator bool() const { return pointer_ != nullptr; }
 
  private:

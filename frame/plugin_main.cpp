@@ -31,8 +31,8 @@ void readyUnwinder() {
 }  // namespace
 
 void REALPluginMain(REALResolver resolver) {
-  readyUnwinder();
   gResolver = resolver;
+  readyUnwinder();
   const auto registerVersion = reinterpret_cast<void (*)(int32_t)>(HCallResolver("RegisterPluginVersion"));
   if (const auto askVersion = reinterpret_cast<double (*)()>(HCallResolver("REALGetRBVersion"))) {
     rbversion_rbversion = askVersion();

@@ -15,8 +15,9 @@ constexpr double kFlagsVersion = 2010.029;
 // Control versions up to this one take records in the old layout.
 constexpr int32_t kOldLayoutVersion = 9;
 
-const char* gPartName;
-const char* gVersionBanner;
+// Nothing here reads them, but whoever looks into the library's file finds them: they are kept on purpose.
+[[gnu::used]] const char* gPartName;
+[[gnu::used]] const char* gVersionBanner;
 
 void fixFlags(uint32_t* flags) {
   if ((*flags & (kMarkConsoleSafe | kMarkWebOnly)) != 0 && rbversion_rbversion >= kFlagsVersion) {
@@ -67,7 +68,7 @@ Record* copied(const Record* definition) {
 // Stamps the version, or on old hosts gives the record its old layout, and hands it over. A record that can't
 // be converted is not registered: the host would take its arrays for shorter ones.
 template <typename Record>
-void registerRecord(Record* definition, Record* (*fix)(Record*), void (*hand)(Record*)) {
+void registerRecord(Record* definition, Record* (*fix)(Record*), HostEntry<void(Record*)>& hand) {
   if (CurrentREALControlVersion > kOldLayoutVersion) {
     definition->version = CurrentREALControlVersion;
   } else {

@@ -10,33 +10,27 @@ namespace {
 
 HostEntry<RBBoolean(REALstringStruct*, uint32_t, REALstringData*)> getStringData{"PluginGetStringData"};
 
-// Old hosts give a string's bytes and its length through two services.
-struct OldStringAccess {
-  const void* bytes;
-  int32_t length;
-};
+// The two services by which hosts without the one above give a string's bytes and its length.
+HostEntry<const void*(REALstringStruct*)> bytesOf{"StringGetCString"};
+int32_t (*lengthOf)(REALstringStruct*);
 
-bool oldAccess(REALstringStruct* string, OldStringAccess* access) {
-  static HostEntry<const void*(REALstringStruct*)> bytesOf{"StringGetCString"};
-  static void* lengthOf;
-  if (!lengthOf) lengthOf = REALLoadFrameworkMethod("LenB( s as string ) as integer");
-  if (!bytesOf.offered() || !lengthOf || !string) return false;
-  access->length = reinterpret_cast<int32_t (*)(REALstringStruct*)>(lengthOf)(string);
-  access->bytes = bytesOf(string);
-  return access->length >= 0 && (access->bytes || access->length == 0);
+bool hasOldServices() {
+  if (!lengthOf) {
+    lengthOf = reinterpret_cast<int32_t (*)(REALstringStruct*)>(
+        REALLoadFrameworkMethod("LenB( s as string ) as integer"));
+  }
+  return bytesOf.offered() && lengthOf;
 }
 
-// A copy of the string's bytes with four zero bytes behind them.
-bool copyOut(REALstringStruct* string, uint32_t encoding, int32_t roomFor, REALstringData* record) {
-  OldStringAccess access;
-  if (!oldAccess(string, &access)) return false;
-  const int32_t room = access.length > roomFor ? access.length : roomFor;
-  auto* copy = static_cast<uint8_t*>(AllocateClearMemory(int64_t{room} + 4));
+// A copy of the string's bytes, in a buffer for at least `room` bytes, with four zero bytes behind them.
+bool copyOut(REALstringStruct* string, uint32_t encoding, int32_t room, REALstringData* record) {
+  const int32_t length = lengthOf(string);
+  const void* bytes = bytesOf(string);
+  if (length < 0 || (!bytes && length > 0)) return false;
+  auto* copy = static_cast<uint8_t*>(AllocateClearMemory(int64_t{length > room ? length : room} + 4));
   if (!copy) return false;
-  if (access.length > 0) memcpy(copy, access.bytes, static_cast<size_t>(access.length));
-  record->data = copy;
-  record->length = access.length;
-  record->encoding = encoding;
+  if (length > 0) memcpy(copy, bytes, static_cast<size_t>(length));
+  *record = {copy, length, encoding};
   return true;
 }
 
@@ -44,14 +38,12 @@ bool copyOut(REALstringStruct* string, uint32_t encoding, int32_t roomFor, REALs
 
 bool REALGetStringData(REALstringStruct* string, uint32_t encoding, REALstringData* record) {
   if (getStringData.offered()) return getStringData(string, encoding, record) != 0;
-  // The length that already stands in the record counts too: callers clear it first. The copy itself never
-  // runs past its buffer.
+  if (!string || !hasOldServices()) return false;
+  // The length that stands in the record counts too, on purpose: callers clear it first.
   if (encoding == kEncodingNone) return copyOut(string, encoding, record->length, record);
-  OldStringAccess access;
-  if (!oldAccess(string, &access)) return false;
   if (encoding == REALGetStringEncoding(string)) return copyOut(string, encoding, 0, record);
   Held<REALstringStruct> converted(REALConvertString(string, encoding));
-  return copyOut(converted.get(), encoding, 0, record);
+  return converted && copyOut(converted.get(), encoding, 0, record);
 }
 
 void REALDisposeStringData(REALstringData* record) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Hosts before these versions have no string data service: their strings are read in place.
+// On hosts before these versions strings are read in place, whatever services they offer.
 constexpr double kTextDataVersion = 2012.0;
 constexpr double kRawDataVersion = 2013.0;
 constexpr int64_t kLongestString = 0x7FFFFFFE;
@@ -38,13 +38,12 @@ rbText::rbText(const rbText& other) { wrap(other.string_.get()); }
 
 rbText& rbText::operator=(const rbText& other) {
   if (this != &other) {
-    reset();
+    for (Conversion& conversion : conversions_) conversion.reset();
+    string_ = Held<REALstringStruct>();
     wrap(other.string_.get());
   }
   return *this;
 }
-
-rbText::~rbText() { reset(); }
 
 void rbText::wrap(REALstringStruct* string) {
   if (!string) return;
@@ -56,13 +55,12 @@ void rbText::wrap(REALstringStruct* string) {
   }
 }
 
-void rbText::reset() {
-  for (Conversion& conversion : conversions_) {
-    if (conversion.disposeRecord) REALDisposeStringData(&conversion.record);
-    FreeMemoryNow(conversion.buffer);
-    conversion = Conversion();
-  }
-  string_ = Held<REALstringStruct>();
+void rbText::Conversion::reset() {
+  length = -1;
+  data = nullptr;
+  buffer.release();
+  string = Held<REALstringStruct>();
+  bytes.dispose();
 }
 
 const rbText::Conversion& rbText::converted(Encoding encoding) {
@@ -81,25 +79,23 @@ void rbText::convert(Encoding encoding, Conversion& to) {
   const void* data;
   int32_t length;
   if (rbversion_rbversion < kTextDataVersion) {
-    to.converted = Held<REALstringStruct>(REALConvertString(string_.get(), kHostCodes[encoding]));
-    if (!to.converted) return;
-    data = asOldString(to.converted.get())->beforeBytes + 1;
-    length = asOldString(to.converted.get())->length;
+    to.string = Held<REALstringStruct>(REALConvertString(string_.get(), kHostCodes[encoding]));
+    if (!to.string) return;
+    data = asOldString(to.string.get())->beforeBytes + 1;
+    length = asOldString(to.string.get())->length;
   } else {
-    to.disposeRecord = REALGetStringData(string_.get(), kHostCodes[encoding], &to.record);
-    if (!to.disposeRecord) return;
-    data = to.record.data;
-    length = to.record.length;
+    if (!to.bytes.get(string_.get(), kHostCodes[encoding])) return;
+    data = to.bytes.data();
+    length = to.bytes.length();
   }
   if (!data || length <= 0) return;
   // The byte behind the data tells whether the host terminated it. A 16-bit text would need a second such
   // byte, which may not be there to look at, so it is always copied.
   const auto size = static_cast<size_t>(length);
   if (encoding == kUTF16 || static_cast<const uint8_t*>(data)[size] != 0) {
-    to.buffer = AllocateClearMemory(int64_t{length} + 4);
-    if (!to.buffer) return;
-    memcpy(to.buffer, data, size);
-    data = to.buffer;
+    if (!to.buffer.allocate(int64_t{length} + 4)) return;
+    memcpy(to.buffer.get(), data, size);
+    data = to.buffer.get();
   }
   to.data = data;
   to.length = encoding == kUTF16 ? length / 2 : length;
@@ -108,10 +104,9 @@ void rbText::convert(Encoding encoding, Conversion& to) {
 void rbText::widen(Conversion& to) {
   const Conversion& narrow = converted(kUTF16);
   if (narrow.length < 1) return;
-  to.buffer = AllocateClearMemory(int64_t{4} * narrow.length + 16);
-  if (!to.buffer) return;
+  if (!to.buffer.allocate(int64_t{4} * narrow.length + 16)) return;
   const auto* units = static_cast<const uint16_t*>(narrow.data);
-  auto* wide = static_cast<uint32_t*>(to.buffer);
+  auto* wide = reinterpret_cast<uint32_t*>(to.buffer.get());
   for (int32_t i = 0; i < narrow.length; ++i) wide[i] = units[i];
   to.data = wide;
   to.length = narrow.length;
@@ -136,7 +131,9 @@ void FreeTextChain(rbText*& head) {
 rbData::rbData(REALmemoryBlockStruct* block, int32_t offset, int32_t length) {
   if (!block) return;
   block_ = Held<REALmemoryBlockStruct>::share(block);
-  if (auto* bytes = static_cast<uint8_t*>(REALMemoryBlockGetPtr(block))) data_ = bytes + offset;
+  auto* bytes = static_cast<uint8_t*>(REALMemoryBlockGetPtr(block));
+  if (!bytes) return;
+  data_ = bytes + offset;
   length_ = length == 0 ? REALMemoryBlockGetSize(block) : length;
 }
 
@@ -146,21 +143,16 @@ rbData::rbData(REALstringStruct* string) {
     string_ = Held<REALstringStruct>::share(string);
     data_ = const_cast<uint8_t*>(asOldString(string)->beforeBytes) + 1;
     length_ = asOldString(string)->length;
-  } else if (REALGetStringData(string, kEncodingNone, &record_)) {
-    disposeRecord_ = true;
-    data_ = static_cast<uint8_t*>(record_.data);
-    length_ = record_.length;
+  } else if (bytes_.get(string, kEncodingNone)) {
+    data_ = static_cast<uint8_t*>(bytes_.data());
+    length_ = bytes_.length();
   }
-}
-
-rbData::~rbData() {
-  if (disposeRecord_) REALDisposeStringData(&record_);
 }
 
 void rbData::leak() {
   string_.forget();
   block_.forget();
-  disposeRecord_ = false;
+  bytes_.forget();
 }
 
 void AddDataChain(rbData*& head, rbData* item) {

@@ -5,6 +5,33 @@
 #include "frame/held.h"
 #include "frame/memory.h"
 
+// The bytes of a host string as the host hands them out, given back at the end of the scope.
+class StringBytes {
+ public:
+  StringBytes() = default;
+  ~StringBytes() noexcept(false) { dispose(); }
+  StringBytes(const StringBytes&) = delete;
+  StringBytes& operator=(const StringBytes&) = delete;
+
+  // Once an object. False when the host has none for that string in that encoding.
+  bool get(REALstringStruct* string, uint32_t encoding) {
+    isTaken_ = REALGetStringData(string, encoding, &record_);
+    return isTaken_;
+  }
+  void dispose() {
+    const bool wasTaken = isTaken_;
+    isTaken_ = false;
+    if (wasTaken) REALDisposeStringData(&record_);
+  }
+  void forget() { isTaken_ = false; }
+  void* data() const { return record_.data; }
+  int32_t length() const { return record_.length; }
+
+ private:
+  REALstringData record_ = {};
+  bool isTaken_ = false;
+};
+
 // One host string in any of six encodings. Each is converted on first use and kept; every getter's text is
 // terminated and good as long as the object lives. A null string, or a conversion that fails, is an empty
 // text. A string without an encoding is read as Windows Latin-1.
@@ -13,7 +40,6 @@ class rbText {
   explicit rbText(REALstringStruct* string);
   rbText(const rbText& other);  // wraps the same string; conversions are not shared
   rbText& operator=(const rbText& other);
-  ~rbText();
 
   // Never null.
   const char* GetUTF8() { return bytes(kUTF8); }
@@ -59,14 +85,14 @@ class rbText {
   struct Conversion {
     int32_t length = -1;  // -1: not yet converted
     const void* data = nullptr;
-    Held<REALstringStruct> converted;  // hosts before 2012: the converted string
-    REALstringData record = {};        // later hosts: the string's data ...
-    bool disposeRecord = false;        // ... which goes back
-    void* buffer = nullptr;            // a terminated copy of our own
+    Held<REALstringStruct> string;  // hosts before 2012: the converted string
+    StringBytes bytes;              // later hosts
+    Scratch buffer;                 // a terminated copy of our own
+
+    void reset();
   };
 
   void wrap(REALstringStruct* string);
-  void reset();
   const char* bytes(Encoding encoding) { return static_cast<const char*>(converted(encoding).data); }
   const Conversion& converted(Encoding encoding);
   void convert(Encoding encoding, Conversion& to);
@@ -95,7 +121,6 @@ class rbData {
   explicit rbData(REALmemoryBlockStruct* block, int32_t offset = 0, int32_t length = 0);
   // The string's own bytes; empty for a null string and on failure.
   explicit rbData(REALstringStruct* string);
-  ~rbData();
   rbData(const rbData&) = delete;
   rbData& operator=(const rbData&) = delete;
 
@@ -115,8 +140,7 @@ class rbData {
 
   Held<REALstringStruct> string_;
   Held<REALmemoryBlockStruct> block_;
-  REALstringData record_ = {};
-  bool disposeRecord_ = false;
+  StringBytes bytes_;
   uint8_t* data_ = nullptr;
   int32_t length_ = 0;
   rbData* next_ = nullptr;

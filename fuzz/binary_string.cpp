@@ -1,4 +1,4 @@
-// The reader of pictures as strings. What it accepts must come back the same by way of a string of our own.
+// The reader of pictures as strings. A picture that it reads must come back the same by way of a new string.
 
 #include <cstring>
 #include <string>
@@ -22,7 +22,7 @@ host::PictureRef decoded(const host::StringRef& string) {
   return host::PictureRef::adopt(BinaryStringtoPicture(string.get()));
 }
 
-// Magic and length are right: what comes behind them is what matters.
+// Makes magic and length right, without which nothing behind them is looked at.
 void claimSize(std::string& bytes) {
   if (bytes.size() < 8) return;
   const uint32_t size = __builtin_bswap32(static_cast<uint32_t>(bytes.size()));

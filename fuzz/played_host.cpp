@@ -60,7 +60,7 @@ void* resolve(const char* name) {
 }
 
 void replaceGdk() {
-  LoadGTK();  // once for all; what it found is not used
+  LoadGTK();  // once for all; the functions that it found are replaced
   _gdk_pixbuf_get_pixels = [](const GdkPixbuf* copy) { return const_cast<uint8_t*>(copy->pixels.data()); };
   _gdk_pixbuf_get_rowstride = [](const GdkPixbuf* copy) { return int{copy->stride}; };
   _gdk_pixbuf_get_from_drawable = copyDrawable;

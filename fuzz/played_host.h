@@ -1,4 +1,4 @@
-// What the fuzz targets share: hosts of every kind around the linked-in plug-in, in one process.
+// Shared by the fuzz targets: hosts of every kind around the linked-in plug-in, in one process.
 #pragma once
 
 #include <fuzzer/FuzzedDataProvider.h>
@@ -30,7 +30,7 @@ HostKind takeHostKind(FuzzedDataProvider& data);
 // Plays a host of that kind, with the plug-in entered afresh, unless it is played already.
 void play(const HostKind& kind);
 
-// Ends the process, with what is held, unless the host holds nothing.
+// Ends the process, with a list of what is held, unless the host holds nothing.
 void expectNothingHeld();
 
 // Ends the process with a message: an input showed a fault.

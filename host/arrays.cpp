@@ -18,7 +18,7 @@ void keep(Element) {}
 template <typename Element>
 void drop(Element) {}
 
-// Null, with an OutOfBoundsException pending, for an index beyond the array (at `past`: beyond its end).
+// The array; null, with an OutOfBoundsException pending, unless 0 <= index < count + past.
 Array* within(const void* handle, int32_t index, int32_t past) {
   auto* array = find<Array>(handle, "access element");
   if (!array) return nullptr;
@@ -110,7 +110,7 @@ void* procedureOf(REALarrayStruct* handle) {
   return array ? typeOf(array->elementType)->*Procedure : nullptr;
 }
 
-// The old services: their arrays hold elements of the type that is asked for.
+// For the old services, which serve arrays of their own element type only.
 template <typename Element>
 Element readDirectly(REALarrayStruct* handle, int32_t index) {
   const auto* array = find<Array>(handle, "read element");

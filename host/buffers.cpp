@@ -15,7 +15,7 @@ namespace {
 constexpr size_t kSmallestSpare = size_t{1} << 16;
 constexpr size_t kMostSpareBytes = size_t{1} << 29;
 
-// The bytes of dead buffers, those of the last one first.
+// The bytes of dead buffers, the latest first.
 struct Spare {
   uint8_t* bytes;
   size_t size;

@@ -27,7 +27,7 @@ class Buffer {
 
   uint8_t* data() const { return bytes_; }
   size_t size() const { return size_; }
-  // Whether the bytes are those that another buffer left behind.
+  // Whether the bytes are those of an earlier buffer, contents included.
   bool isUsed() const { return isUsed_; }
   // Frees what dead buffers left for others.
   static void dropSpares();

@@ -23,7 +23,7 @@ union Word {
 };
 
 [[noreturn]] void refuse(const std::string& name, Type type, const char* problem) {
-  throw std::invalid_argument(name + ": a value that is " + problem + " " + typeName(type));
+  throw std::invalid_argument(name + ": the value " + problem + " " + typeName(type));
 }
 
 template <typename T>
@@ -33,8 +33,8 @@ const T* holds(const Value& value) {
 
 int64_t integerOf(const std::string& name, const Value& value, Type type, int64_t lowest, int64_t highest) {
   const auto* number = holds<int64_t>(value);
-  if (!number) refuse(name, type, "no");
-  if (*number < lowest || *number > highest) refuse(name, type, "too large or too small for");
+  if (!number) refuse(name, type, "is not of type");
+  if (*number < lowest || *number > highest) refuse(name, type, "is out of range for");
   return *number;
 }
 
@@ -42,7 +42,7 @@ void* borrowedHandle(const std::string& name, const Value& value, Type type) {
   if (holds<std::monostate>(value)) return nullptr;
   if (type == Type::string) {
     if (const auto* string = holds<StringRef>(value)) return string->get();
-    refuse(name, type, "no");
+    refuse(name, type, "is not of type");
   }
   // Handles of objects are the same address under every type.
   if (const auto* object = holds<ObjectRef>(value)) return object->get();
@@ -52,7 +52,7 @@ void* borrowedHandle(const std::string& name, const Value& value, Type type) {
   if (type != Type::picture) {
     if (const auto* block = holds<MemoryBlockRef>(value)) return block->get();
   }
-  refuse(name, type, "no");
+  refuse(name, type, "is not of type");
 }
 
 // Handles are borrowed from the value.
@@ -74,13 +74,13 @@ Word toWord(const std::string& name, const Value& value, Type type) {
       break;
     case Type::boolean: {
       const auto* flag = holds<bool>(value);
-      if (!flag) refuse(name, type, "no");
+      if (!flag) refuse(name, type, "is not of type");
       word.integer = *flag ? 1 : 0;
       break;
     }
     case Type::color: {
       const auto* color = holds<Color>(value);
-      if (!color) refuse(name, type, "no");
+      if (!color) refuse(name, type, "is not of type");
       word.unsignedInteger = color->rgb;
       break;
     }
@@ -91,7 +91,7 @@ Word toWord(const std::string& name, const Value& value, Type type) {
       word.handle = borrowedHandle(name, value, type);
       break;
     case Type::none:
-      refuse(name, type, "for");
+      refuse(name, type, "can't have type");
   }
   return word;
 }

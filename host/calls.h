@@ -1,4 +1,4 @@
-// Calling registered members: a person's words or typed values in, typed values out, through libffi.
+// Calls of registered members through libffi: words of a command line or typed values in, typed values out.
 #pragma once
 
 #include <optional>
@@ -33,7 +33,7 @@ Outcome call(const Method& method, REALobjectStruct* receiver, std::vector<Value
 // Calls the setter of a method with a value on its right: receiver.Name(arguments) = value.
 Outcome assign(const Method& method, REALobjectStruct* receiver, std::vector<Value> arguments, Value value);
 
-// Converts a person's word to a value of a type: integers (also &hFF), doubles ("0.2", "inf", "nan"; never by
+// Converts a word of a command line to a value: integers (also &hFF), doubles ("0.2", "inf", "nan"; never by
 // locale), booleans (true/false/yes/no/1/0), colours (&cRRGGBB, #rrggbb, CSS names), nil. Throws
 // std::invalid_argument that names the parameter, what was given and what is expected.
 Value parseValue(const Parameter& parameter, const std::string& word);

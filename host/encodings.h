@@ -8,8 +8,8 @@
 
 namespace host {
 
-// Converts bytes between two encoding codes. What the target lacks becomes '?', what is malformed U+FFFD. Raw
-// bytes (0xFFFF) on either side are passed on unchanged; nullopt for a code that is not known.
+// Converts bytes between two encoding codes. Characters that the target lacks become '?', malformed bytes
+// U+FFFD. Raw bytes (0xFFFF) on either side are passed on unchanged; nullopt for a code that is not known.
 std::optional<std::string> convertText(const std::string& bytes, uint32_t from, uint32_t to);
 
 }  // namespace host

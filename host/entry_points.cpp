@@ -1,7 +1,7 @@
 #include "host/entry_points.h"
 
 #include <dlfcn.h>
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef ZVR_SANITIZED
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -26,10 +26,10 @@ const Entry* findEntry(Giver giver, const std::string& name) {
   return nullptr;
 }
 
-// Enters the plug-in. What it allocates while it registers lives as long as the process, on purpose: the leak
-// detector, which loses sight of it when the library is closed, is told so.
+// Enters the plug-in. Memory that it allocates while it registers stays for the life of the process, on
+// purpose: the leak detector, which loses sight of it when the library is closed, is told so.
 void enterPlugin(void (*enter)(REALResolver)) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef ZVR_SANITIZED
   const __lsan::ScopedDisabler registeredForEver;
 #endif
   enter(&resolve);
@@ -94,7 +94,7 @@ Plugin::Plugin(const std::string& path) : library_(dlopen(path.c_str(), RTLD_NOW
   using Main = void (*)(REALResolver);
   const auto enter = reinterpret_cast<Main>(dlsym(library_, "REALPluginMain"));
   try {
-    if (!enter) throw std::runtime_error(path + " is no plug-in: it has no REALPluginMain");
+    if (!enter) throw std::runtime_error(path + " is not a plug-in: it has no REALPluginMain");
     enterPlugin(enter);
   } catch (...) {
     dlclose(library_);

@@ -9,7 +9,7 @@
 
 namespace host {
 
-// What one service has been through, and what it is to meet.
+// Uses of one service, and the fault that is planned for it.
 struct Usage {
   int uses = 0;
   int failAt = 0;  // the use that meets the fault; 0 for none

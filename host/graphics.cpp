@@ -63,30 +63,52 @@ struct Line {
     const auto run = static_cast<double>(std::max<int64_t>(a2 - a1, 1)), rise = static_cast<double>(b2 - b1);
     return b1 + std::llround(static_cast<double>(a - a1) * rise / run);
   }
+
+  // Points next to one another, none when `last` lies before `first`.
+  struct Part {
+    int64_t first, last;  // as `a`
+  };
+  // The points from row `top` to row `bottom`.
+  Part between(int64_t top, int64_t bottom) const {
+    if (steep) return {std::max(a1, top), std::min(a2, bottom)};
+    // Rows only grow, or only shrink, along the line.
+    if (b1 <= b2) {
+      return {firstWhere([&](int64_t row) { return row >= top; }),
+              firstWhere([&](int64_t row) { return row > bottom; }) - 1};
+    }
+    return {firstWhere([&](int64_t row) { return row <= bottom; }),
+            firstWhere([&](int64_t row) { return row < top; }) - 1};
+  }
+
+ private:
+  // The first point whose `b` passes a test that all later ones pass too; behind the last when none does.
+  template <typename Test>
+  int64_t firstWhere(Test passes) const {
+    int64_t low = a1, high = a2 + 1;
+    while (low < high) {
+      const int64_t middle = low + (high - low) / 2;
+      passes(at(middle)) ? high = middle : low = middle + 1;
+    }
+    return low;
+  }
 };
 
-// The pen hangs to the right of and below each point. Only what the picture can show is walked, so that lines
-// from far away and wide pens cost nothing; all four coordinates are any 32-bit numbers.
+// The pen hangs to the right of and below each point. In a row of the picture it covers one run of pixels,
+// since the points that reach the row are neighbours: each row is filled once, however long the line and wide
+// the pen. All four coordinates are any 32-bit numbers.
 void drawLine(REALgraphicsStruct* handle, int32_t x1, int32_t y1, int32_t x2, int32_t y2) {
   const Pen pen = penOf(handle);
   if (!pen.picture || pen.width < 1 || pen.height < 1) return;
   const Line line(x1, y1, x2, y2);
-  const int64_t reach = line.steep ? pen.height : pen.width, across = line.steep ? pen.width : pen.height;
-  const int64_t limit = line.steep ? pen.picture->height : pen.picture->width;
-  const auto fill = [&](int64_t a, int64_t b, int64_t length, int64_t breadth) {
-    line.steep ? pen.fill(b, a, breadth, length) : pen.fill(a, b, length, breadth);
-  };
-  const auto walk = [&](int64_t first, int64_t last) {
-    for (int64_t a = first; a <= last; ++a) fill(a, line.at(a), reach, across);
-  };
-  const int64_t first = std::max(line.a1, 1 - reach), last = std::min(line.a2, limit - 1);
-  // Where the pen spans the whole picture many points are one stroke.
-  const int64_t spanning = std::max(first, limit - reach), spanned = std::min<int64_t>(last, 0);
-  if (spanning > spanned) return walk(first, last);
-  const auto [least, most] = std::minmax({line.at(spanning), line.at(spanned)});
-  fill(spanning, least, reach, most - least + across);
-  walk(first, spanning - 1);
-  walk(spanned + 1, last);
+  const int64_t top = std::min(y1, y2), bottom = std::max(y1, y2);
+  const Span rows(top, bottom - top + pen.height, pen.picture->height);
+  for (int64_t row = rows.first; row < rows.last; ++row) {
+    const auto [first, last] = line.between(row - pen.height + 1, row);
+    if (first > last) continue;
+    const auto [left, right] =
+        line.steep ? std::minmax({line.at(first), line.at(last)}) : std::pair{first, last};
+    pen.fill(left, row, right - left + pen.width, 1);
+  }
 }
 
 void drawString(REALgraphicsStruct* handle, REALstringStruct* text, int32_t, int32_t) {
@@ -106,7 +128,7 @@ void drawPart(REALgraphicsStruct* handle, REALpictureStruct* image, int32_t x, i
               {sx, sy, sw == kWhole ? source->width : sw, sh == kWhole ? source->height : sh});
 }
 
-// Left, top, right and bottom, as this host lays a rectangle out; the fourth argument is of no use here.
+// The rectangle is left, top, right and bottom; the last argument is ignored.
 RBBoolean drawInRectangle(REALgraphicsStruct* handle, REALpictureStruct* image, const int32_t* rectangle,
                           int32_t) {
   const auto* source = find<Picture>(image, "draw picture");

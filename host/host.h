@@ -22,7 +22,7 @@ enum class Road {
 
 struct Settings {
   Road road = Road::cairo;
-  // What "REALGetRBVersion" answers; nullopt: the host does not offer that entry point.
+  // The answer of "REALGetRBVersion"; nullopt: the host does not offer that entry point.
   std::optional<double> version = 2013.03;
   // The application class that the program has, or empty: "Application", "WebApplication",
   // "ConsoleApplication". nullopt: the one that fits the road.
@@ -33,18 +33,18 @@ struct Settings {
   int32_t rowPadding = 0;
   // Pixel buffers, and the bytes of memory blocks and of string data, end at a page that may not be touched.
   bool guardPages = false;
-  // New pictures that the plug-in asks for get so many pixels more in each direction (fewer when negative).
+  // New pictures that the plug-in asks for are wider and higher by this many pixels (smaller when negative).
   int32_t newPicturesGrowBy = 0;
 
   // ---- For measuring ----
 
-  // Large buffers of the dead (pixels of pictures above all) are given to the next that asks for their size,
-  // with what is in them: nothing is cleared, freshPixel is not filled in, and no page is touched for the
-  // first time while the plug-in works.
+  // Large buffers of released objects (mostly pixels) are reused for requests of the same size, contents
+  // included: nothing is cleared, freshPixel is not filled in, and no page is touched for the first time
+  // while the plug-in works.
   bool recyclesBuffers = false;
   // Road::gdk without an X display: drawables are host/shims/plain_drawable.h records of 3-byte pixels. Only
-  // the stand-in for GDK in host/shims/plain_gdk.cpp can read them. `pictureRow(picture, 0)` is then where
-  // those pixels lie, and a picture that is built from a buffer shows that buffer.
+  // the stand-in for GDK in host/shims/plain_gdk.cpp can read them. `pictureRow(picture, 0)` then points to
+  // those pixels, and a picture that is built from a buffer shows that buffer.
   bool plainDrawables = false;
   // Told when the plug-in enters (true) and leaves (false) a service or the resolver; null: nobody.
   void (*serviceWatcher)(bool entered) = nullptr;
@@ -134,12 +134,12 @@ const Members& members();
 struct RaisedException {
   std::string className, message;
 };
-// The exception that the plug-in raised since the last time of asking.
+// The exception that the plug-in raised since the last call.
 std::optional<RaisedException> takeException();
 
 // ---- Faults ----
 
-// What an entry point does instead of its work.
+// A failure that is planned for an entry point.
 enum class Fault {
   none,
   null,    // answers null, false or 0
@@ -165,10 +165,10 @@ void failAnyAt(int nth, Fault fault = Fault::null);
 int uses(const std::string& name = {});
 // How often the resolver was asked for a name (for an empty one: for anything) since `start`.
 int resolverCalls(const std::string& name = {});
-// Removed names come back, faults and counters go.
+// Restores removed names, and clears faults and counters.
 void clearFaults();
 
-// ---- What the plug-in asked of the program around the pictures ----
+// ---- Requests of the plug-in that have nothing to do with pictures ----
 
 struct ProgramLog {
   std::vector<std::string> messages;         // "RuntimeMsgBox"
@@ -178,7 +178,7 @@ struct ProgramLog {
 };
 const ProgramLog& programLog();
 
-// ---- What is held ----
+// ---- Held objects ----
 
 struct Ledger {
   int objects = 0;  // live host objects of every kind, pictures included

@@ -76,7 +76,7 @@ RBBoolean isA(REALobjectStruct* handle, REALclassRefStruct* reference) {
   return object && reference && isDerived(object->className, className(reference));
 }
 
-// The record tells whose data is wanted: data of another class is not given.
+// The record says which class's data is wanted; an instance of another class has none of it.
 void* pluginData(REALobjectStruct* handle, const REALclassDefinition* record) {
   const auto* instance = find<Instance>(handle, "get plug-in data");
   return instance && instance->record == record ? instance->data.data() : nullptr;
@@ -147,7 +147,7 @@ void Instance::die() {
   try {
     destruct(handleOf<REALobjectStruct>(this));
   } catch (const Unwound&) {
-    // References are dropped in destructors too, which nothing may leave by an exception.
+    // References are also dropped in destructors, which no exception may leave.
   }
 }
 

@@ -99,7 +99,7 @@ PictureOddities& oddities(REALpictureStruct* picture);
 MemoryBlockRef newMemoryBlock(const void* bytes, size_t size);
 uint8_t* memoryBlockBytes(REALmemoryBlockStruct* block);
 size_t memoryBlockSize(REALmemoryBlockStruct* block);
-// From now on the block reports this size instead of its own (tests: 0 for "unknown").
+// From now on the block reports this size instead of its own.
 void setReportedSize(REALmemoryBlockStruct* block, int32_t size);
 
 // ---- Instances of plug-in classes ----

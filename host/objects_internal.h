@@ -1,4 +1,4 @@
-// What the host's handles stand for, and the registry of everything that lives.
+// The entities behind the host's handles, and the registry of those that are alive.
 #pragma once
 
 #include <cstdlib>
@@ -60,7 +60,7 @@ struct Text {
 };
 using PropertyValue = std::variant<int64_t, double, bool, Text, ObjectRef>;
 
-// Everything but a string.
+// Every entity except strings.
 struct Object : Entity {
   explicit Object(std::string name) : className(std::move(name)) {}
   std::string describe() const override { return className; }
@@ -118,7 +118,7 @@ struct MemoryBlock : Object {
   uint8_t* data() const { return wrapped ? wrapped : buffer.data(); }
 
   Buffer buffer;
-  uint8_t* wrapped = nullptr;  // somebody else's memory, of unknown size
+  uint8_t* wrapped = nullptr;  // memory that another owns, of unknown size
   int32_t reportedSize = 0;
 };
 
@@ -144,8 +144,8 @@ struct Array : Object {
 
 // ---- The registry ----
 
-// Makes a handle for an entity with one reference. Handles of the dead are not used again soon, so that a
-// stale one is told from a live one.
+// Makes a handle for an entity with one reference. Handles of dead entities are not reused soon, so that
+// a stale one is recognised.
 void enroll(std::unique_ptr<Entity> entity);
 template <typename T>
 T* enrollNew(std::unique_ptr<T> entity) {
@@ -154,7 +154,7 @@ T* enrollNew(std::unique_ptr<T> entity) {
   return enrolled;
 }
 
-// The live entity of a handle, or null without a word.
+// The live entity of a handle, or null; counts no error.
 Entity* peek(const void* handle);
 // Counts an error, with a line for describeHeld.
 void noteError(const std::string& what);
@@ -185,15 +185,16 @@ void raise(const std::string& className, const std::string& message);
 void raise(REALobjectStruct* exception);
 // A new object of a host or plug-in class with one reference; null for a class that can't be made.
 REALobjectStruct* makeInstance(const std::string& className);
-// Is a class (host's own, application class or registered) known, and is it another class or derived from it?
+// Whether a class (host's own, application class or registered) is known.
 bool isKnownClass(const std::string& className);
+// Whether a class is the other one or derived from it.
 bool isDerived(const std::string& className, const std::string& ancestor);
 
 // ---- Pictures ----
 
 bool lockPicture(REALpictureStruct* picture, REALpictureDescription* description, int32_t type);
 void unlockPicture(REALpictureStruct* picture);
-// What an old host leaves behind when a lock fails.
+// Leaves the lock that an old host leaves when locking fails.
 void leaveHalfLocked(REALpictureStruct* picture);
 // Copies the source rectangle into the target rectangle, nearest pixel when scaled, clipped to both pictures.
 struct Rectangle {
@@ -201,10 +202,10 @@ struct Rectangle {
 };
 void drawPicture(Picture& target, const Picture& source, Rectangle to, Rectangle from);
 
-// A text drawn with a graphics object, for the program's log.
+// Adds a text that was drawn with a graphics object to the program's log.
 void noteDrawnText(const std::string& text);
 
-// The program's own state, begun anew by `start`.
+// `start` resets each part of the host.
 void resetRegistry();
 void resetFaults();
 void resetRegistration();

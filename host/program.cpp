@@ -1,5 +1,5 @@
-// The program around the pictures: messages, tasks, controls, and the services of a host that has none of
-// them.
+// Services that have nothing to do with pictures: messages, background tasks, and those of parts that this
+// host lacks, such as controls.
 
 #include "host/entry_points.h"
 #include "host/objects_internal.h"
@@ -26,7 +26,7 @@ RBBoolean isDebugRun() { return 0; }
 void yield() { ++log.yields; }
 void showMessage(REALstringStruct* text) { log.messages.push_back(stringBytes(text)); }
 
-// Interfaces, delegates, controls and folder items: a picture program has none.
+// This host has no interfaces, delegates, controls and folder items.
 void* interfaceRoutine(REALobjectStruct*, const char*, const char*) { return nullptr; }
 void* delegateInvoker(REALobjectStruct*) { return nullptr; }
 void controlBounds(REALcontrolStruct*, void*) {}

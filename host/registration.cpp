@@ -1,4 +1,4 @@
-// What the plug-in registers: records in the current layout and in the shorter one of old hosts.
+// Registration by the plug-in: records in the current layout and in the shorter one of old hosts.
 
 #include <cstring>
 #include <stdexcept>
@@ -100,7 +100,7 @@ void registerExtension(const REALclassDefinition* record) {
   }
 }
 
-// Kinds that this host only takes note of.
+// Kinds of members that this host only notes.
 void registerModule(const REALmoduleDefinition* record) {
   if (record) journal("PluginRegisterModule", record->name, record->version, record);
 }

@@ -1,4 +1,4 @@
-// Handles, references and what is held.
+// Handles, references, and the ledger of what is held.
 
 #include <algorithm>
 #include <deque>
@@ -9,7 +9,7 @@
 namespace host {
 namespace {
 
-constexpr size_t kQuarantine = 65536;  // dead handles that wait before their address is used again
+constexpr size_t kQuarantine = 65536;  // dead handles that are kept before an address is reused
 constexpr size_t kErrorLines = 200;    // error messages that are kept; all errors are counted
 
 struct StringData {
@@ -75,7 +75,7 @@ int referencesOf(const void* handle) {
   return entity ? entity->references : 0;
 }
 
-// The host keeps a pending exception for itself: that is nothing that the plug-in holds.
+// The one reference to a pending exception is the host's, not the plug-in's.
 bool isHostsOwn(const Entity* entity) {
   return entity->words == static_cast<const void*>(registry().pendingException.get()) &&
          entity->references == 1;
@@ -183,7 +183,7 @@ std::string describeHeld() {
 
 void resetRegistry() {
   registry().pendingException = {};
-  // What is left over dies with its handles unknown already, so nothing of the plug-in is called.
+  // Objects that are left over are destroyed without die(), so no code of the plug-in runs.
   auto leftOver = std::exchange(registry().alive, {});
   for (auto& [handle, entity] : leftOver) {
     HandleWords* words = entity->words;

@@ -41,8 +41,8 @@ class StringRef {
 };
 
 // A new string with one reference. In memory its second word points one byte before its bytes and its fourth
-// word is the byte length, as the plug-in expects of old hosts; a zero byte follows the bytes unless
-// `terminated` is false (then whatever lies there is not zero).
+// word is the byte length, as the plug-in expects of old hosts; a zero character follows the bytes unless
+// `terminated` is false (then other bytes follow).
 StringRef newString(const std::string& bytes, uint32_t encoding = kEncodingUTF8, bool terminated = true);
 std::string stringBytes(const REALstringStruct* string);  // empty for null
 uint32_t stringEncoding(const REALstringStruct* string);

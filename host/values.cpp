@@ -1,4 +1,4 @@
-// A person's words turned into values of the dialect. Nothing here depends on the locale.
+// Words of a command line turned into values of the dialect. Nothing here depends on the locale.
 
 #include <charconv>
 #include <cmath>
@@ -32,7 +32,7 @@ std::string_view withoutPlus(std::string_view word) {
 
 std::optional<int64_t> integer(std::string_view word, int64_t lowest, int64_t highest) {
   if (startsWith(word, "&h")) {
-    // Hexadecimal numbers stand for the 32 bits: &hFFFFFFFF is -1 as an integer.
+    // Hexadecimal numbers give the 32 bits: &hFFFFFFFF is -1 as an integer.
     const auto bits = word.size() > 2 && word[2] != '-' ? wholeNumber(word.substr(2), 16) : std::nullopt;
     if (!bits || *bits > kLargestUnsigned) return std::nullopt;
     return *bits > highest ? static_cast<int32_t>(*bits) : *bits;

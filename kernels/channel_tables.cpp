@@ -21,7 +21,7 @@ class LineSearch {
 
   // Each slope either does or shows two entries that want a steeper or a flatter one, and by how much at
   // least.
-  Fit find(ChannelLine& line) const {
+  Fit find(LinearMap& line) const {
     int32_t flattest = 0, steepest = kSteepest, slope = firstSlope(), step = 1;
     for (int i = 0; i < kTries && flattest <= steepest; ++i) {
       const Starts starts = startsFor(slope);
@@ -71,7 +71,7 @@ class LineSearch {
   }
 
   // An offset is 256 units; what comes before the slope reaches between.
-  bool place(const Starts& starts, int32_t slope, ChannelLine& line) const {
+  bool place(const Starts& starts, int32_t slope, LinearMap& line) const {
     for (int32_t before = 0; before < 256; ++before) {
       const int64_t missing = int64_t{starts.lowest} * 256 - before * slope;
       const int64_t offset = (missing + 0xFFFF) >> 16;
@@ -99,7 +99,7 @@ void placeEntries(ChannelTables& tables) {
   }
 }
 
-bool findLines(const ChannelTables& tables, ChannelLines& lines) {
+bool findLinearMaps(const ChannelTables& tables, LinearMaps& lines) {
   const bool areSame = memcmp(tables.red, tables.green, sizeof tables.red) == 0 &&
                        memcmp(tables.red, tables.blue, sizeof tables.red) == 0;
   for (uint32_t shift = 8; shift > 2; --shift) {  // up to 32 times as steep as the identity

@@ -44,19 +44,19 @@ struct alignas(64) ChannelTables {
 };
 using SpanLookup = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables);
 
-// New values of a channel along a line, with v its old value, or 255 - v if the line is falling:
+// A piecewise linear map of a channel, with v its old value, or 255 - v if the line is falling:
 // ((256 * v + before) * slope >> 16) + offset, limited to 0..65535, >> shift, at most 255.
-struct ChannelLine {
+struct LinearMap {
   bool isFalling;
   uint8_t before;
   uint16_t slope;
   int32_t offset;  // -65535 to 65535
 };
-struct ChannelLines {
-  ChannelLine red, green, blue;
+struct LinearMaps {
+  LinearMap red, green, blue;
   uint32_t shift;  // 1 to 8
 };
-using SpanLines = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelLines& lines);
+using SpanLinear = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const LinearMaps& lines);
 
 // How many of the words have `color`'s red, green and blue.
 using SpanCount = uint32_t(const Pixel* in, size_t count, uint32_t color);
@@ -70,9 +70,12 @@ struct ChannelCounts {
 // Adds the words to `counts`.
 using SpanHistogram = void(const Pixel* in, size_t count, ChannelCounts& counts);
 
-// Whether every pixel passes a test with a parameter; may stop at the first that fails.
-using SpanTest = bool(const Pixel* in, size_t count, int32_t parameter);
-// How many of the words are colourful by a threshold from -1 to 255.
+// Whether every pixel has `color`'s red, green and blue, or channels that differ by at most `tolerance` (0 to
+// 255). May stop at the first that fails.
+using SpanIsColor = bool(const Pixel* in, size_t count, uint32_t color);
+using SpanIsGray = bool(const Pixel* in, size_t count, int32_t tolerance);
+// How many of the words are colourful: not all channels are below 30, and green differs from blue or from red
+// by more than a threshold from -1 to 255.
 using SpanCountBeyond = uint32_t(const Pixel* in, size_t count, int32_t threshold);
 
 // Where the first word with `color`'s red, green and blue lies; `count` when there is none.
@@ -81,7 +84,7 @@ using SpanFind = size_t(const Pixel* in, size_t count, uint32_t color);
 using SpanCompare = bool(const Pixel* in1, const Pixel* in2, size_t count);
 
 // Cells of a map from pixels, and pixels from cells; one byte a cell.
-using SpanMark = void(uint8_t* cells, const Pixel* in, size_t count);
+using SpanMark = void(uint8_t* cells, const Pixel* in, size_t count, uint8_t colored);
 using SpanDraw = void(Pixel* out, const uint8_t* cells, size_t count, uint8_t black, uint32_t top);
 
 // Words of `searched`'s red, green and blue become `replacement`; others stay as they are, or become
@@ -122,11 +125,11 @@ using SpanWholeCube = void(Pixel* out, const Pixel* in, size_t count, uint32_t t
 
 // A toned monochrome: weights in 1024ths, and what is added to the brightness in each channel, all signed in
 // two's complement.
-struct Toning {
+struct Sepia {
   uint32_t redWeight, greenWeight, blueWeight;
   uint32_t red, green, blue;
 };
-using SpanTone = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning& toning);
+using SpanSepia = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& sepia);
 
 // The sums of the samples below 0 and of the others, modulo 2^32, for samples at any address. Unsigned
 // samples count from the middle of their range.
@@ -138,44 +141,55 @@ using SampleSums = Excursions(const uint8_t* samples, size_t count);
 using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, size_t count, int32_t row,
                       uint32_t inside, uint32_t outside);
 
+// Every kernel with the type of its function: the one list of them. It makes the slots of a table, what each
+// instruction set declares and assigns, and what tests and benchmark run.
+#define ZVR_KERNELS(X)                                                                            \
+  X(SpanUnpack, unpackRGB24)                                                                      \
+  X(SpanPack, packRGB24)                                                                          \
+  X(SpanMap, invert)       /* 255 - v in each channel */                                          \
+  X(SpanMap, invertGray)   /* the same where red = green = blue; other pixels stay */             \
+  X(SpanMap, grayFromTop8) /* gray pixels from the top byte a */                                  \
+  X(SpanMap, grayFromTop7) /* the same from its lower 7 bits, as a * 2 + (a & 1) */               \
+  X(SpanFill, fill)                                                                               \
+  X(SpanMerge, redIntoBlue) /* the red of `in` into the blue of `out`, the rest of which stays */ \
+  X(SpanMerge, invertedRedIntoBlue)                                                               \
+  X(SpanMap2, max)             /* the larger value in each channel */                             \
+  X(SpanMap3, combineChannels) /* red of the first, green of the second, blue of the third */     \
+  X(SpanReplace, replaceBits)                                                                     \
+  X(SpanLookup, mapThroughTables)                                                                 \
+  X(SpanLinear, mapPiecewiseLinear)                                                               \
+  X(SpanCount, countColor)                                                                        \
+  X(SpanHistogram, histogram)                                                                     \
+  X(SpanIsColor, isAllColor)                                                                      \
+  X(SpanIsGray, isAllGray)                                                                        \
+  X(SpanCountBeyond, countColorful)                                                               \
+  X(SpanFind, findColor)                                                                          \
+  X(SpanCompare, areEqual)                                                                        \
+  X(SpanMark, markColored) /* `colored` unless red = green = blue, else 0 */                      \
+  X(SpanDraw, blackWhere)  /* black where a cell is `black`, else white */                        \
+  X(SpanReplaceColor, replaceColor)                                                               \
+  X(SpanExtractColor, extractColor)                                                               \
+  X(SpanSaturate, saturate)                                                                       \
+  X(SpanTint, tint)                                                                               \
+  X(SpanCube, mapThroughCube)                                                                     \
+  X(SpanWholeCube, mapThroughWholeCube)                                                           \
+  X(SpanSepia, sepia)                                                                             \
+  X(SampleSums, sumInt8)                                                                          \
+  X(SampleSums, sumUInt8)                                                                         \
+  X(SampleSums, sumInt16)                                                                         \
+  X(SampleSums, sumUInt16)                                                                        \
+  X(SpanBars, bars)
+
 // The kernels of one instruction set.
 struct Table {
   const char* name;  // "sse2"
-  SpanUnpack* unpackRGB24;
-  SpanPack* packRGB24;
-  SpanMap* invert;      // 255 - v in each channel
-  SpanMap* invertGray;  // the same where red = green = blue, other pixels as they are
-  // Gray pixels from the top byte: as it is, or from its lower 7 bits a as a * 2 + (a & 1).
-  SpanMap* grayFromTop8;
-  SpanMap* grayFromTop7;
-  SpanFill* fill;
-  SpanMerge* redIntoBlue;  // the red of `in` into the blue of `out`, the rest of `out` as it is
-  SpanMerge* invertedRedIntoBlue;
-  SpanMap2* brighter;         // the larger value in each channel
-  SpanMap3* combineChannels;  // red from the first, green from the second, blue from the third
-  SpanReplace* replaceBits;
-  SpanLookup* mapThroughTables;
-  SpanLines* mapAlongLines;
-  SpanCount* countColor;
-  SpanHistogram* countChannels;
-  SpanTest* isAllColor;  // red, green and blue are those of the parameter
-  SpanTest* isAllGray;   // no two channels differ by more than the parameter, 0 to 255
-  // Not all channels below 30, and green further from blue or from red than the threshold.
-  SpanCountBeyond* countColorful;
-  SpanFind* findColor;
-  SpanCompare* areEqual;
-  SpanMark* markColored;  // 1 unless red = green = blue, else 0
-  SpanDraw* blackWhere;   // black where a cell is `black`, else white
-  SpanReplaceColor* replaceColor;
-  SpanExtractColor* extractColor;
-  SpanSaturate* saturate;
-  SpanTint* tint;
-  SpanCube* mapThroughCube;
-  SpanWholeCube* mapThroughWholeCube;
-  SpanTone* tone;
-  SampleSums *sumInt8, *sumUInt8, *sumInt16, *sumUInt16;
-  SpanBars* bars;
+#define ZVR_SLOT(type, kernel) type* kernel;
+  ZVR_KERNELS(ZVR_SLOT)
+#undef ZVR_SLOT
 };
+
+// The kernels of the namespace where it stands, in the order of a table's slots.
+#define ZVR_ADDRESS(type, kernel) kernel,
 
 // The table for the processor that this runs on; chosen once.
 const Table& best();

@@ -17,25 +17,23 @@ constexpr uint32_t kHeaderSize = 40;
 static_assert(sizeof(Header) == kHeaderSize, "the header has no padding");
 
 constexpr int64_t kPixelSize = 3;
-// What must be there before the size is looked at, and before the rest of what is read.
-constexpr int32_t kShortest = 8;
-constexpr int32_t kShortestWithSizes = 24;
+// The fields that are read lie within so many bytes.
+constexpr int32_t kShortest = 24;
 
-uint32_t bigEndian(uint32_t value) { return __builtin_bswap32(value); }
-uint32_t bigEndian(int64_t value) { return bigEndian(static_cast<uint32_t>(value)); }
+uint32_t bigEndian(int64_t value) { return __builtin_bswap32(static_cast<uint32_t>(value)); }
 
 Header headerFor(int64_t size, const PictureReader& source) {
   Header header = {};
   memcpy(&header.magic, kMagic, sizeof kMagic);
   header.size = bigEndian(size);
-  header.width = bigEndian(int64_t{source.width});
-  header.height = bigEndian(int64_t{source.height});
-  header.bitsPerPixel = bigEndian(uint32_t{32});  // always, although pixels take 24
+  header.width = bigEndian(source.width);
+  header.height = bigEndian(source.height);
+  header.bitsPerPixel = bigEndian(32);  // always, although pixels take 24
   header.dataOffset = bigEndian(kHeaderSize);
   return header;
 }
 
-// What of a string stands for a picture.
+// The picture in a string.
 struct Contents {
   int32_t width, height;
   const uint8_t* pixels;
@@ -49,7 +47,7 @@ bool parse(const rbData& data, Contents* contents) {
   Header header = {};
   memcpy(&header, bytes,
          static_cast<size_t>(length) < kHeaderSize ? static_cast<size_t>(length) : kHeaderSize);
-  if (bigEndian(header.size) != static_cast<uint32_t>(length) || length < kShortestWithSizes) return false;
+  if (bigEndian(header.size) != static_cast<uint32_t>(length)) return false;
   const uint64_t width = bigEndian(header.width), height = bigEndian(header.height);
   // Any offset is honoured, also one inside the header.
   const int64_t offset = bigEndian(header.dataOffset);

@@ -152,7 +152,7 @@ void mark(const ColorMap& map, PictureReader& source, const Region& region) {
   for (int32_t y = region.top; y < region.bottom; ++y, row.nextRow()) {
     uint8_t* cells = map.pixel(region.left, y);
     rows::scanRow(row, 0, width, [&](const kernels::Pixel* in, size_t count, size_t x) {
-      kernels::best().markColored(cells + x, in, count);
+      kernels::best().markColored(cells + x, in, count, kColored);
       return true;
     });
   }

@@ -63,7 +63,7 @@ void CountColorsZVR(REALpictureStruct* picture, REALmemoryBlockStruct** red, REA
   if (!source.GetPictureReader(picture)) return;
   kernels::ChannelCounts counts = {};
   size_t pixels = 0;
-  const auto kernel = kernels::best().countChannels;
+  const auto kernel = kernels::best().histogram;
   scanRegion(source, Region::whole(source), [&](const kernels::Pixel* in, size_t spanCount) {
     kernel(in, spanCount, counts);
     pixels += spanCount;

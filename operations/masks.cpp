@@ -16,19 +16,15 @@ REALpictureStruct* GetEmbededMask(REALpictureStruct* picture, RBBoolean swap) {
   PictureWriter result;
   if (!result.NewPictureWriter(source.width, source.height)) return nullptr;
   const kernels::Table& k = kernels::best();
+  const bool isOpaque = source.format != kFormatHostBitmap && source.format != kFormatCairoAlpha;
+  const auto gray = source.format == kFormatHostBitmap ? k.grayFromTop7 : k.grayFromTop8;
   mapRegion(
       result, Region::whole(source),
       [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
-        switch (source.format) {
-          case kFormatHostBitmap:
-            k.grayFromTop7(out, in, count, top);
-            break;
-          case kFormatCairoAlpha:
-            k.grayFromTop8(out, in, count, top);
-            break;
-          default:
-            k.fill(out, count, 0xFFFFFF | top);
-            break;  // no alpha: opaque
+        if (isOpaque) {
+          k.fill(out, count, 0xFFFFFF | top);
+        } else {
+          gray(out, in, count, top);
         }
         if (swap) k.invert(out, out, count, top);
       },

@@ -12,11 +12,12 @@ bool sameSize(const PictureEditor& one, const PictureEditor& other) {
 }  // namespace
 
 REALpictureStruct* MergePicture(REALpictureStruct* source1, REALpictureStruct* source2) {
+  if (!source1 || !source2) return nullptr;  // before either is opened
   PictureReader first, second;
   if (!first.GetPictureReader(source1) || !second.GetPictureReader(source2)) return nullptr;
   PictureWriter result;
   if (!sameSize(first, second) || !result.NewPictureWriter(first.width, first.height)) return nullptr;
-  mapRegion(result, Region::whole(result), kernels::best().brighter, first, second);
+  mapRegion(result, Region::whole(result), kernels::best().max, first, second);
   return result.RenderPictureWriter();
 }
 

@@ -13,7 +13,8 @@
 
 // Whether the picture has a mask picture.
 RBBoolean PictureHasMask(REALpictureStruct* picture);
-// The picture's alpha as a new gray picture; white for a picture without alpha. `swap` inverts it.
+// What the top bytes of the picture's words hold as a new gray picture: alpha on desktop hosts, white for a
+// picture without; transparency on console hosts, black for an opaque picture. `swap` inverts it.
 REALpictureStruct* GetEmbededMask(REALpictureStruct* picture, RBBoolean swap);
 // Writes the red channel of `mask` into the first byte (the blue) of the picture's pixel words, in place. Not
 // the reverse of the getter, on purpose. `swap` inverts it. Nothing happens for a nil or unreadable picture
@@ -104,8 +105,8 @@ REALpictureStruct* ReplaceBlueChannel(REALpictureStruct* picture, REALpictureStr
 
 // These move a picture's own pixels by `delta` (right or down when positive): with `wrap` what leaves at one
 // side comes in at the other, else white comes in (all bits set). With `scrollMask` the mask, if there is
-// one, is moved first, and a mask that can't be ends the call with false. A delta of 0 succeeds untried.
-// Pictures that can't be changed in place and lacking memory: true sideways, false up and down.
+// one, is moved first; a mask that can't be moved up or down ends the call with false. A delta of 0 succeeds
+// untried. Pictures that can't be changed in place and lacking memory: true sideways, false up and down.
 RBBoolean ScrollHorizontalZVR(REALpictureStruct* picture, int32_t delta, RBBoolean wrap,
                               RBBoolean scrollMask);
 RBBoolean ScrollVerticalZVR(REALpictureStruct* picture, int32_t delta, RBBoolean wrap, RBBoolean scrollMask);
@@ -137,7 +138,7 @@ REALpictureStruct* TintPicture(REALpictureStruct* picture, RBColor grayBase, RBC
 // ---- samples.cpp ----
 
 // A new picture of sound samples: bars from the centre line up for the negative and down for the positive
-// excursions, each the mean over its column's share of the samples.
+// excursions, each twice their sum over the number of all samples in its column's share.
 //
 // `bits` 7 and 15 are signed samples of one and two bytes, 8 and 16 unsigned ones; any other value gives nil.
 // A `count` below 1 stands for all samples of the block, a height for 500 rows, a width for one column a

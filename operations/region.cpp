@@ -6,8 +6,9 @@
 namespace {
 
 // Whether every pixel of the rectangle passes a kernel's test; an empty one does.
+template <typename Parameter>
 RBBoolean testRegion(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width, int32_t height,
-                     kernels::SpanTest* test, int32_t parameter) {
+                     bool (*test)(const kernels::Pixel*, size_t, Parameter), Parameter parameter) {
   PictureReader source;
   if (!source.GetPictureReader(picture)) return false;
   if (width < 0) width = source.width;
@@ -27,13 +28,13 @@ int32_t magnitude(int32_t tolerance) {
 }  // namespace
 
 RBBoolean isBlack(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width, int32_t height) {
-  return testRegion(picture, left, top, width, height, kernels::best().isAllColor, 0x000000);
+  return testRegion(picture, left, top, width, height, kernels::best().isAllColor, 0x000000U);
 }
 
 RBBoolean isBlack2(REALpictureStruct* picture) { return isBlack(picture, 0, 0, -1, -1); }
 
 RBBoolean isWhite(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width, int32_t height) {
-  return testRegion(picture, left, top, width, height, kernels::best().isAllColor, 0xFFFFFF);
+  return testRegion(picture, left, top, width, height, kernels::best().isAllColor, 0xFFFFFFU);
 }
 
 RBBoolean isWhite2(REALpictureStruct* picture) { return isWhite(picture, 0, 0, -1, -1); }

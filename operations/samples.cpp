@@ -1,11 +1,12 @@
-// Sound samples drawn as a waveform. Arithmetic is in extended precision throughout; what is kept between
-// steps is kept as doubles.
+// Sound samples drawn as a waveform. Arithmetic is in extended precision throughout; a column's values are
+// rounded to double between steps, the moving average and the scale are not.
 
 #include "frame/errors.h"
 #include "frame/graphics.h"
 #include "frame/held.h"
 #include "frame/text.h"
 #include "kernels/convert.h"
+#include "operations/memory_blocks.h"
 #include "operations/operations.h"
 #include "operations/outline.h"
 #include "picture/rows.h"
@@ -36,15 +37,14 @@ const SampleKind* sampleKindOf(int32_t bits) {
   return nullptr;
 }
 
-// The samples of a block. What lies past its end reads as zero bytes; a block whose size the host does not
-// know has no end.
+// The samples of a block. What lies past its end reads as zero bytes.
 class Samples {
  public:
   Samples(const rbData& block, const SampleKind& kind)
       : bytes_(block.data()),
         kind_(kind),
         sums_(kernels::best().*kind.sums),
-        length_(block.length() > 0 ? block.length() : INT64_MAX) {}
+        length_(bytesWithin(block, INT64_MAX)) {}
 
   kernels::Excursions sum(int32_t start, int32_t end) const {
     const int64_t whole = length_ / kind_.size;

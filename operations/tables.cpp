@@ -18,9 +18,9 @@ void mapThroughTables(PictureEditor& result, kernels::ChannelTables& tables, Pic
         },
         source);
   };
-  kernels::ChannelLines lines;
-  if (int64_t{source.width} * source.height >= kWorthSearching && kernels::findLines(tables, lines)) {
-    mapBy(kernels::best().mapAlongLines, lines);
+  kernels::LinearMaps lines;
+  if (int64_t{source.width} * source.height >= kWorthSearching && kernels::findLinearMaps(tables, lines)) {
+    mapBy(kernels::best().mapPiecewiseLinear, lines);
   } else {
     kernels::placeEntries(tables);
     mapBy(kernels::best().mapThroughTables, tables);

@@ -7,7 +7,7 @@ class DescriptionLock {
  public:
   DescriptionLock(REALpictureStruct* picture, REALpictureDescription* description, int32_t pictureType)
       : picture_(REALLockPictureDescriptionX(picture, description, pictureType) ? picture : nullptr) {}
-  ~DescriptionLock() {
+  ~DescriptionLock() noexcept(false) {
     if (picture_) REALUnlockPictureDescription(picture_);
   }
   DescriptionLock(const DescriptionLock&) = delete;

@@ -44,7 +44,7 @@ bool isUsable(const REALbitmapRecord* bitmap, int32_t width, int32_t height) {
 
 // ---- PictureEditor ----
 
-PictureEditor::~PictureEditor() { clear(); }
+PictureEditor::~PictureEditor() noexcept(false) { clear(); }
 
 bool PictureEditor::GetPictureEditor(REALpictureStruct* source, bool needsPixels, bool changesPixels) {
   clear();
@@ -167,19 +167,28 @@ void PictureEditor::takeOver(Held<REALpictureStruct>& made) {
 }
 
 void PictureEditor::clear() {
-  if (pixbuf && _gdk_pixbuf_unref) _gdk_pixbuf_unref(pixbuf);
-  pixbuf = nullptr;
-  if (descriptionLocked && picture) REALUnlockPictureDescription(picture);
+  // From the last to the first of what is done, and each also when the host throws from the one before.
+  const Held<REALpictureStruct> reference(static_cast<Held<REALpictureStruct>&&>(reference_));
+  REALpictureStruct* const cleared = picture;
+  picture = nullptr;
+  const AtExit dropCache([&] {
+    if (writeAccess && cleared) REALPictureClearCache(cleared);
+  });
+  const bool isLocked = descriptionLocked;
   descriptionLocked = false;
-  if (writeAccess && picture) REALPictureClearCache(picture);
-  setPicture(nullptr);
+  const AtExit unlock([&] {
+    if (isLocked && cleared) REALUnlockPictureDescription(cleared);
+  });
+  GdkPixbuf* const copy = pixbuf;
+  pixbuf = nullptr;
+  if (copy && _gdk_pixbuf_unref) _gdk_pixbuf_unref(copy);
 }
 
 uint8_t* PictureEditor::GetRow(int32_t y) {
   column = 0;
   rowIndex = y;
   if (y >= height) return firstRow;
-  return format == kFormatHostBitmap ? rowTable[y] : firstRow + static_cast<ptrdiff_t>(y) * rowBytes;
+  return format == kFormatHostBitmap ? rowTable[y] : rowAt(firstRow, y, rowBytes);
 }
 
 uint8_t* PictureEditor::AddPixelRow() { return row = GetRow(rowIndex + 1); }
@@ -195,7 +204,8 @@ PictureWriter::~PictureWriter() { FreeMemoryNow(buffer); }
 
 bool PictureWriter::openFor(REALpictureStruct* target, int32_t newWidth, int32_t newHeight) {
   if (!GetPictureEditor(target, false, true)) return false;
-  if (width < newWidth || height < newHeight) {
+  // The size of a copy is of no interest: the writer leaves it for a buffer of its own.
+  if (format != kFormatRGB24 && (width < newWidth || height < newHeight)) {
     clear();  // while the picture lives: on a host that can't count the caller's reference is the only one
     return false;
   }
@@ -217,6 +227,10 @@ bool PictureWriter::NewPictureWriter(int32_t newWidth, int32_t newHeight) {
 bool PictureWriter::NewPictureWriterWithAlphaChannel(int32_t newWidth, int32_t newHeight) {
   Held<REALpictureStruct> made(NewPictureWithAlphaChannel(newWidth, newHeight));
   if (!made || !openFor(made.get(), newWidth, newHeight)) return false;
+  if (format == kFormatRGB24) {
+    clear();
+    return false;
+  }
   takeOver(made);
   return true;
 }

@@ -22,10 +22,16 @@ enum PixelFormat : int32_t {
 // The largest width and height of a picture that the plug-in makes.
 constexpr int32_t kLargestPictureSide = 32767;
 
+// Start of row y of rows that lie `rowBytes` apart. All of them may take up more than half the address space.
+inline uint8_t* rowAt(uint8_t* firstRow, int32_t y, int32_t rowBytes) {
+  return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(firstRow) +
+                                    static_cast<uintptr_t>(y) * static_cast<uintptr_t>(rowBytes));
+}
+
 class PictureEditor {
  public:
   PictureEditor() = default;
-  virtual ~PictureEditor();
+  virtual ~PictureEditor() noexcept(false);  // as clear
   PictureEditor(const PictureEditor&) = delete;
   PictureEditor& operator=(const PictureEditor&) = delete;
 
@@ -37,7 +43,8 @@ class PictureEditor {
   bool GetPictureEditor(REALpictureStruct* source);
   // Takes a reference on a picture (or null) and releases the one held before.
   void setPicture(REALpictureStruct* newPicture);
-  // Releases lock, pixbuf and picture. Sizes, format, row, buffer and access flags stay as they are.
+  // Releases lock, pixbuf and picture. Sizes, format, row, buffer and access flags stay as they are. A host's
+  // exception out of one of these services passes through once all of them were called.
   void clear();
 
   // Start of row y. A row past the end is row 0; a row below 0 is the caller's mistake.
@@ -102,13 +109,14 @@ class PictureReader : public PictureEditor {
   bool GetPictureReader(REALpictureStruct* source) { return GetPictureEditor(source, true, false); }
 };
 
-// A new picture, filled row by row. Sizes from 1 to kLargestPictureSide.
+// A new picture, filled row by row.
 class PictureWriter : public PictureEditor {
  public:
   ~PictureWriter() override;
 
-  // On a new host picture, with or without an alpha channel.
+  // On a new host picture, of sizes from 1 to kLargestPictureSide.
   bool NewPictureWriter(int32_t newWidth, int32_t newHeight);
+  // The same with an alpha channel; its largest size is the host's. False where writes would land in a copy.
   bool NewPictureWriterWithAlphaChannel(int32_t newWidth, int32_t newHeight);
   // With an alpha channel if that is wanted and to be had.
   bool NewPictureWriter(int32_t newWidth, int32_t newHeight, bool alpha);

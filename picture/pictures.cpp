@@ -121,7 +121,7 @@ bool GraphicsDrawPicture(REALgraphicsStruct* graphics, REALpictureStruct* destin
       reinterpret_cast<Draw>(method)(graphics, source, x, y, w, h, sx, sy, sw, sh);
       return true;
     }
-    // Asked for, and not used: older hosts have come to expect the question.
+    // Asked for and not called, on purpose: older hosts see the question and nothing more.
     if (rbversion_rbversion < kDrawMethodVersion) HCallResolver("RuntimeGraphicsDrawPicture");
   }
   return OwnCopy(destination, source, x, y, w, h, sx, sy, sw, sh);

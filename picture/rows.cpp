@@ -16,7 +16,9 @@ Extent cutExtent(int32_t start, int32_t length, int32_t limit) {
   return {start > 0 ? start : 0, static_cast<int32_t>(end < limit ? (end > 0 ? end : 0) : limit)};
 }
 
-ptrdiff_t leftOffset(const Region& region) { return ptrdiff_t{region.left} * 4; }
+constexpr size_t kRGB24Size = 3;
+
+size_t leftOffset(const Region& region) { return static_cast<size_t>(region.left) * 4; }
 
 // Moves an editor to the region's first row. One that stands there already keeps its row, which for a writer
 // with a buffer of its own is not the buffer's.
@@ -34,7 +36,7 @@ Region Region::cut(int32_t left, int32_t top, int32_t width, int32_t height, con
 }
 
 bool rows::areOne(const PictureEditor& editor, const Region& region) {
-  // Rows of a host bitmap may lie anywhere, and a picture with fewer rows than the region starts over.
+  // Rows of a host bitmap may lie anywhere, and past its last row a picture shows row 0.
   return editor.hasWords() && editor.format != kFormatHostBitmap && editor.rowBytes == editor.width * 4 &&
          region.left == 0 && region.right == editor.width && region.bottom <= editor.height;
 }
@@ -47,31 +49,41 @@ RowSource::RowSource(PictureEditor& editor, const Region& region)
 void RowSource::at(const uint8_t* row) {
   start_ = nullptr;
   available_ = 0;
-  if (!row) return;  // there is none in a picture without rows
-  start_ = row + offset_;
+  const size_t size = static_cast<size_t>(editor_.GetBytesPerPixel());
+  if (!row || size == 0) return;  // a picture without rows, or of unknown pixels
   // Rows of a host bitmap may lie anywhere; the others lie in one block that ends with the last row's pixels.
+  // It may be larger than a signed difference of addresses.
   const uint8_t* lastRow = editor_.format == kFormatHostBitmap
                                ? row
-                               : editor_.firstRow + ptrdiff_t{editor_.rowBytes} * (editor_.height - 1);
-  available_ = lastRow + ptrdiff_t{editor_.width} * editor_.bytesPerPixel - start_;
+                               : rowAt(editor_.firstRow, editor_.height - 1, editor_.rowBytes);
+  const auto end = reinterpret_cast<uintptr_t>(lastRow) + static_cast<size_t>(editor_.width) * size;
+  const auto start = reinterpret_cast<uintptr_t>(row) + offset_;
+  if (start >= end) return;
+  start_ = row + offset_;
+  available_ = end - start;
 }
 
 size_t RowSource::readable(size_t first, size_t count) const {
-  const ptrdiff_t size = editor_.GetBytesPerPixel();
-  if (size <= 0 || available_ <= 0) return 0;
-  const auto pixels = static_cast<size_t>(available_ / size);
+  const size_t pixels = available_ / (editor_.hasWords() ? sizeof *tile_ : kRGB24Size);
   return pixels <= first ? 0 : pixels - first < count ? pixels - first : count;
 }
 
 const kernels::Pixel* RowSource::span(size_t first, size_t count) {
   const size_t whole = readable(first, count);
   if (editor_.hasWords() && whole == count) return reinterpret_cast<const kernels::Pixel*>(start_) + first;
-  if (whole > 0 && editor_.hasWords()) {
-    memcpy(tile_, start_ + first * sizeof *tile_, whole * sizeof *tile_);
-  } else if (whole > 0) {
-    kernels::best().unpackRGB24(tile_, start_ + first * 3, whole, 0);
-  }
   memset(tile_ + whole, 0, (count - whole) * sizeof *tile_);
+  if (editor_.hasWords()) {
+    if (whole > 0) memcpy(tile_, start_ + first * sizeof *tile_, whole * sizeof *tile_);
+    return tile_;
+  }
+  if (whole > 0) kernels::best().unpackRGB24(tile_, start_ + first * kRGB24Size, whole, 0);
+  // Of a pixel that straddles the picture's last byte the bytes before it are seen.
+  const size_t next = (first + whole) * kRGB24Size;
+  if (whole < count && next < available_) {
+    uint8_t pixel[kRGB24Size] = {};
+    memcpy(pixel, start_ + next, available_ - next);
+    kernels::best().unpackRGB24(tile_ + whole, pixel, 1, 0);
+  }
   return tile_;
 }
 
@@ -79,5 +91,5 @@ RowTarget::RowTarget(PictureEditor& editor, const Region& region)
     : editor_(editor), offset_(leftOffset(region)), start_(firstRowOf(editor, region) + offset_) {}
 
 void RowTarget::finish(size_t first, size_t count) {
-  if (editor_.format == kFormatRGB24) kernels::best().packRGB24(start_ + first * 3, tile_, count);
+  if (editor_.format == kFormatRGB24) kernels::best().packRGB24(start_ + first * kRGB24Size, tile_, count);
 }

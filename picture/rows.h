@@ -30,11 +30,11 @@ class RowSource {
 
   void nextRow() { at(editor_.AddPixelRow()); }
   void toRow(int32_t y) { at(editor_.row = editor_.GetRow(y)); }
-  // How many of the pixels from `first` on, at most `count`, can be read.
+  // How many of the pixels from `first` on, at most `count`, can be read whole.
   size_t readable(size_t first, size_t count) const;
   // Whether all pixels up to `count` lie in the picture as words.
   bool isDirect(size_t count) const { return editor_.hasWords() && readable(0, count) == count; }
-  // Words of the pixels first .. first + count - 1, good until the next call. What can't be read is black.
+  // Words of the pixels first .. first + count - 1, good until the next call. Bytes that can't be read are 0.
   // `count` is at most kTile unless the row is direct.
   const kernels::Pixel* span(size_t first, size_t count);
 
@@ -44,9 +44,9 @@ class RowSource {
   void at(const uint8_t* row);
 
   PictureEditor& editor_;
-  ptrdiff_t offset_;                        // of the left column, bytes
+  size_t offset_;                           // of the left column, bytes
   const uint8_t* start_;                    // left column of the current row
-  ptrdiff_t available_ = 0;                 // bytes from there to the end of what can be read
+  size_t available_ = 0;                    // bytes from there to the end of what can be read
   alignas(64) kernels::Pixel tile_[kTile];  // vectors in it don't cross cache lines
 };
 
@@ -66,7 +66,7 @@ class RowTarget {
 
  private:
   PictureEditor& editor_;
-  ptrdiff_t offset_;
+  size_t offset_;
   uint8_t* start_;
   alignas(64) kernels::Pixel tile_[RowSource::kTile];
 };
@@ -117,7 +117,7 @@ bool scanRow(RowSource& source, size_t first, size_t end, const Kernel& kernel) 
 
 // Writes a region of `result` from the same region of one or more readers:
 // kernel(Pixel* out, const Pixel* in..., size_t count, uint32_t topByte) for each span, which may be all of
-// it. Rows outside the region are not touched. A reader with fewer rows starts over at its row 0.
+// it. Rows outside the region are not touched. A reader with fewer rows shows its row 0 past its end.
 template <typename Kernel, typename... Readers>
 void mapRegion(PictureEditor& result, const Region& region, const Kernel& kernel, Readers&... readers) {
   if (region.isEmpty()) return;

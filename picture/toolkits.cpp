@@ -25,6 +25,7 @@ void* _g_object_get;
 
 namespace {
 
+// "Tried" is set last: a thread that comes while another loads tries as well, and isn't told of a failure.
 bool gtkTried, gtkLoaded;
 bool cairoTried, cairoLoaded;
 
@@ -46,7 +47,6 @@ void find(void* library, const char* symbol, Function* function) {
 
 bool LoadGTK() {
   if (gtkTried) return gtkLoaded;
-  gtkTried = true;
   void* gtk = openFirst({"libgtk-x11-2.0.so", "libgtk-x11-2.0.so.0", "/usr/lib/libgtk-x11-2.0.so",
                          "/usr/lib32/libgtk-x11-2.0.so", "/usr/lib/libgtk-x11-2.0.so.0",
                          "/usr/lib32/libgtk-x11-2.0.so.0"});
@@ -67,20 +67,22 @@ bool LoadGTK() {
   }
   gtkLoaded = _gdk_pixbuf_get_pixels && _gdk_pixbuf_get_rowstride && _gdk_pixbuf_get_from_drawable &&
               _gdk_pixbuf_unref;
+  gtkTried = true;
   return gtkLoaded;
 }
 
 bool LoadCairo() {
   if (cairoTried) return cairoLoaded;
-  cairoTried = true;
   void* cairo = openFirst({"libcairo.so", "libcairo.so.2", "libcairo.so.2.10800.10"});
-  if (!cairo) return false;
-  find(cairo, "cairo_image_surface_get_data", &_cairo_image_surface_get_data);
-  find(cairo, "cairo_image_surface_get_width", &_cairo_image_surface_get_width);
-  find(cairo, "cairo_image_surface_get_height", &_cairo_image_surface_get_height);
-  find(cairo, "cairo_image_surface_get_stride", &_cairo_image_surface_get_stride);
-  find(cairo, "cairo_get_target", &_cairo_get_target);
+  if (cairo) {
+    find(cairo, "cairo_image_surface_get_data", &_cairo_image_surface_get_data);
+    find(cairo, "cairo_image_surface_get_width", &_cairo_image_surface_get_width);
+    find(cairo, "cairo_image_surface_get_height", &_cairo_image_surface_get_height);
+    find(cairo, "cairo_image_surface_get_stride", &_cairo_image_surface_get_stride);
+    find(cairo, "cairo_get_target", &_cairo_get_target);
+  }
   cairoLoaded = _cairo_image_surface_get_data && _cairo_image_surface_get_width &&
                 _cairo_image_surface_get_height && _cairo_image_surface_get_stride && _cairo_get_target;
+  cairoTried = true;
   return cairoLoaded;
 }

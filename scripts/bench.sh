@@ -1,10 +1,11 @@
-# ./dev bench: measures the built library, and keeps the tables of README.md.
+# ./dev bench: measures the built library, and keeps the tables of docs/performance.md.
 # Sourced by dev.
 # shellcheck shell=bash
 
+kSpeedPage=docs/performance.md
 kSpeedBegin='<!-- Made by ./dev bench --table: from here … -->'
 kSpeedEnd='<!-- … to here -->'
-# The rows of the README's tables.
+# The rows of the tables.
 kSpeedFilter='^(operation/|growth/|fixed/[^/]*/words)'
 
 runBench() {
@@ -23,43 +24,20 @@ runBench() {
   say 'Measuring; this takes some minutes'
   tables=$(build/release/picturezvr_bench --tables "$kSpeedFilter") || fail 'Measuring failed.'
   putTables "$tables"
-  say 'README.md has new tables under "How fast".'
+  say "$kSpeedPage has new tables."
 }
 
-# putTables TEXT: between the markers in README.md, which are made when they are not there.
+# putTables TEXT: between the markers in the page.
 putTables() {
-  local readme=README.md made
-  grep -qxF -- "$kSpeedBegin" "$readme" || addSpeedSection "$readme"
+  local made
+  grep -qxF -- "$kSpeedBegin" "$kSpeedPage" || fail "$kSpeedPage lacks the line \"$kSpeedBegin\"."
   made=$(mktemp)
   (
     removeOnExit "$made"
     TEXT=$1 awk -v begin="$kSpeedBegin" -v end="$kSpeedEnd" '
       $0 == end { inside = 0 }
       !inside { print }
-      $0 == begin { print "\n" ENVIRON["TEXT"] "\n"; inside = 1 }' "$readme" > "$made"
-    cat "$made" > "$readme"
+      $0 == begin { print "\n" ENVIRON["TEXT"] "\n"; inside = 1 }' "$kSpeedPage" > "$made"
+    cat "$made" > "$kSpeedPage"
   )
-}
-
-addSpeedSection() {
-  local section
-  section="## How fast
-
-\`./dev bench\` measures every method and class through the built library and our host, and every kernel by itself on each
-instruction set; \`./dev bench --json\` and \`./dev bench FILTER\` give figures for programs and a choice of them.
-\`./dev bench --table\` writes the tables below. Only the plug-in's own processor time counts: neither the host's services
-nor the clearing and first touching of memory, for our host and the heap use the memory of earlier calls again. Pictures are
-3840 × 2160 unless a column says otherwise; \`RenderSamplesZVR\` shows 10 million 16-bit samples at 1500 × 300.
-
-- *copies*: the time as a multiple of a plain copy (\`rep movsb\`) of the same bytes, made by turns with the calls
-- *SSE2 alone*, *1000 × 1000*: the same, with that instruction set or of that size; *3-byte pixels*: the same, of pictures of
-  older desktop hosts, and *in word copies* of as many 4-byte pixels
-- *KiB besides*: the most memory that a call takes besides its pictures
-- *16 × 16: ns*: one call on so small a picture
-
-$kSpeedBegin
-$kSpeedEnd
-"
-  TEXT=$section awk '/^## On other systems/ { print ENVIRON["TEXT"] } { print }' "$1" > "$1.new"
-  mv "$1.new" "$1"
 }

@@ -24,7 +24,7 @@ struct Call {
 // the host for what is registered.
 std::vector<Call> everyCall();
 
-// What one call works on and what came of it, all held until the scene dies.
+// The arguments and the outcome of one call, all held until the scene dies.
 class Scene {
  public:
   // Makes host objects. The plug-in that registered the member must be loaded.
@@ -34,9 +34,9 @@ class Scene {
 
   // The picture arguments: receiver or source first, masks among them.
   std::vector<host::PictureRef> pictures;
-  // Contents of every object that was given, one text each.
+  // Contents of every object among the arguments, one text each.
   std::vector<std::string> inputs() const;
-  // What the call answered, byref arguments included.
+  // The result, byref arguments included.
   std::string answer() const;
   bool answersNull() const;
   bool raised() const { return outcome_.exception.has_value(); }

@@ -1,4 +1,4 @@
-// Hosts in which something is missing or fails, and what one call does in such a host.
+// Hosts in which something is missing or fails, and the outcome of one call in such a host.
 #pragma once
 
 #include <map>
@@ -8,6 +8,8 @@
 #include "tests/every_call.h"
 #include "tests/plugin_memory.h"
 
+// Every call, or with sanitizers a third of them, another one on each kind of host.
+std::vector<Call> callsToTry();
 // The names of all that the host offers.
 std::vector<std::string> allServices();
 
@@ -35,22 +37,22 @@ class Stage {
   int serviceUses_;
 };
 
-// What one call did.
+// The outcome of one call.
 struct Trial {
   std::string answer;
   bool answersNull = false, raised = false, unwound = false;
-  std::vector<std::string> before, after;  // contents of what was given
+  std::vector<std::string> before, after;  // contents of the arguments
   int blocks = 0;                          // of plug-in memory, without those given to the host
-  host::Ledger left;                       // once everything that was given is gone
+  host::Ledger left;                       // once the arguments are gone
   std::string held;
   std::map<std::string, int> uses;  // of the host's services
   int allocations = 0;
 };
 
-// Makes what the call needs, lets `arm` prepare the fault, calls.
+// Makes the arguments, lets `arm` prepare the fault, calls.
 Trial attempt(const Stage& stage, const Call& call, const std::function<void(Scene&)>& arm = {});
 
-// Expects nothing to be left of a call, but for the locks of pictures with alpha whose surface could not be
+// Expects nothing to be left of a call, except the locks of pictures with alpha whose surface could not be
 // had.
 void expectNothingHeld(const Call& call, const Trial& trial);
 // Whether a member has something to answer although no pixels of the given pictures can be had.
@@ -64,7 +66,7 @@ class FaultTest : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  std::vector<Call> calls_;  // all members
+  std::vector<Call> calls_;  // to try
   int injected_ = 0;
   int least_ = 500;  // fewer would mean that hardly anything was tried
 };

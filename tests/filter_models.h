@@ -12,7 +12,7 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 constexpr size_t kSide = 18, kUsed = 16;
 
-// A table of 64ths, which sums keep exactly; what may not be read would make the result 0 or 255.
+// A table of entries; those that may not be read are NaN.
 template <typename Entry>
 inline std::vector<double> makeCube(Entry entry) {
   std::vector<double> cube(kSide * kSide * kSide * 3, kNaN);
@@ -30,7 +30,7 @@ inline std::vector<double> identityCube() {
 inline std::vector<double> wholeCube(Random& random) {
   return makeCube([&](const auto&, size_t) { return random.between(0, 255); });
 }
-// Out of the range of colours by up to `excess` on both sides.
+// In 64ths, of which sums are exact; out of the range of colours by up to `excess` on both sides.
 inline std::vector<double> fractionalCube(Random& random, int excess) {
   return makeCube(
       [&](const auto&, size_t) { return random.between(-64 * excess, 64 * (255 + excess)) / 64.0; });
@@ -53,8 +53,8 @@ inline Rgb toned(Rgb color, const Weights& weights, const std::array<int32_t, 3>
   };
   const auto word = [&](size_t i) { return static_cast<uint32_t>(tone[i]); };
   Rgb result;
-  plain::tone(&result, &color, 1, 0,
-              {fixedPoint(weights.red), fixedPoint(weights.green), fixedPoint(weights.blue), word(0), word(1),
-               word(2)});
+  plain::sepia(&result, &color, 1, 0,
+               {fixedPoint(weights.red), fixedPoint(weights.green), fixedPoint(weights.blue), word(0),
+                word(1), word(2)});
   return result;
 }

@@ -1,4 +1,4 @@
-// What the kernels are called with.
+// Operands and parameters of kernels.
 
 #include "tests/kernel_cases.h"
 
@@ -12,14 +12,18 @@ namespace {
 using kernels::Pixel;
 using kernels::Table;
 
+int32_t anyNumber(Random& random, const Hint&) { return static_cast<int32_t>(random.word()); }
+
 // `call` takes the kernel, Operands and Parameters.
 template <typename Kernel, typename Call>
-Case makeCase(const char* name, Kernel* Table::*field, const Shape& shape, const Call& call) {
+Case makeCase(const char* name, Kernel* Table::*field, const Shape& shape, const Call& call,
+              int32_t (*number)(Random&, const Hint&) = anyNumber) {
   const auto place = [](const auto& part) { return reinterpret_cast<const char*>(&part); };
   Case c;
   c.name = name;
   c.slot = static_cast<size_t>(place(plain::kTable.*field) - place(plain::kTable)) / sizeof(void*);
   c.shape = shape;
+  c.number = number;
   c.run = [=](const Table& table, const Operands& o, Parameters& p) -> uint64_t {
     if constexpr (std::is_void_v<decltype(call(table.*field, o, p))>) {
       call(table.*field, o, p);
@@ -31,51 +35,12 @@ Case makeCase(const char* name, Kernel* Table::*field, const Shape& shape, const
   return c;
 }
 
-constexpr Shape kMap = {{4}, 4}, kTest = {{4}};
-constexpr Shape kMapInPlace[] = {
-    {{4}, 4, false, true}, {{4, 4}, 4, false, true}, {{4, 4, 4}, 4, false, true}};
-
-Case caseOf(const char* name, kernels::SpanMap* Table::*field) {
-  return makeCase(name, field, kMapInPlace[0], [](auto kernel, const Operands& o, Parameters& p) {
-    kernel(o.pixelsOut(), o.pixels(0), o.count, p.top);
-  });
-}
-Case caseOf(const char* name, kernels::SpanMerge* Table::*field) {
-  return makeCase(name, field, {{4}, 4}, [](auto kernel, const Operands& o, Parameters&) {
-    kernel(o.pixelsOut(), o.pixels(0), o.count);
-  });
-}
-Case caseOf(const char* name, kernels::SpanCount* Table::*field) {
-  return makeCase(name, field, kTest, [](auto kernel, const Operands& o, Parameters& p) {
-    return kernel(o.pixels(0), o.count, p.words[0]);
-  });
-}
-Case caseOf(const char* name, kernels::SampleSums* Table::*field, size_t sampleSize) {
-  return makeCase(name, field, {{sampleSize}}, [](auto kernel, const Operands& o, Parameters&) {
-    const kernels::Excursions sums = kernel(o.in[0], o.count);
-    return uint64_t{sums.negative} << 32 | sums.positive;
-  });
-}
-template <typename Parameter>
-Case caseOf(const char* name, bool (*Table::*field)(const Pixel*, size_t, Parameter),
-            int32_t (*number)(Random&, const Hint&)) {
-  Case c = makeCase(name, field, kTest, [](auto kernel, const Operands& o, Parameters& p) {
-    return kernel(o.pixels(0), o.count, p.number);
-  });
-  c.number = number;
-  return c;
-}
-
-// Numbers around what decides.
+// Numbers around the one that decides.
 int32_t tolerance(Random& random, const Hint& hint) {
   return random.chance(80) ? std::clamp(hint.spread + random.between(-1, 1), 0, 255) : random.between(0, 255);
 }
 int32_t threshold(Random& random, const Hint& hint) {
   return random.chance(10) ? -1 : tolerance(random, hint);
-}
-int32_t colorOf(Random& random, const Hint& hint) {
-  return static_cast<int32_t>((random.chance(80) ? hint.word & 0xFFFFFF : random.color()) | random.word()
-                                                                                                << 24);
 }
 int32_t row(Random& random, const Hint&) {
   return random.chance(10) ? (random.chance(50) ? INT32_MIN : INT32_MAX) : random.between(-10, 26);
@@ -89,8 +54,8 @@ int32_t saturation(Random& random, const Hint&) {
   return random.chance(5) ? INT32_MIN : random.chance(50) ? -factor : factor;
 }
 
-// Adds what is in `out` to the counts, and answers their sums over the lanes there.
-void countChannels(kernels::SpanHistogram* kernel, const Operands& o, Parameters&) {
+// Starts with the counts in `out`, and leaves there the sums over the lanes.
+void histogram(kernels::SpanHistogram* kernel, const Operands& o, Parameters&) {
   static kernels::ChannelCounts counts;
   uint32_t(*const channels[])[256] = {counts.red, counts.green, counts.blue};
   Pixel* out = o.pixelsOut();
@@ -109,76 +74,130 @@ void countChannels(kernels::SpanHistogram* kernel, const Operands& o, Parameters
   }
 }
 
-std::deque<Case> makeCases() {
-  std::deque<Case> cases = {
-      caseOf("invert", &Table::invert),
-      caseOf("invertGray", &Table::invertGray),
-      caseOf("grayFromTop8", &Table::grayFromTop8),
-      caseOf("grayFromTop7", &Table::grayFromTop7),
-      caseOf("redIntoBlue", &Table::redIntoBlue),
-      caseOf("invertedRedIntoBlue", &Table::invertedRedIntoBlue),
-      caseOf("countColor", &Table::countColor),
-      caseOf("findColor", &Table::findColor),
-      caseOf("isAllColor", &Table::isAllColor, colorOf),
-      caseOf("isAllGray", &Table::isAllGray, tolerance),
-      caseOf("sumInt8", &Table::sumInt8, 1),
-      caseOf("sumUInt8", &Table::sumUInt8, 1),
-      caseOf("sumInt16", &Table::sumInt16, 2),
-      caseOf("sumUInt16", &Table::sumUInt16, 2),
-      makeCase("countChannels", &Table::countChannels, {{4}, 3 * 256 * 4, true}, countChannels),
-  };
-  const auto add = [&](const char* name, auto field, const Shape& shape, const auto& call) -> Case& {
-    return cases.emplace_back(makeCase(name, field, shape, call));
-  };
-  using O = const Operands&;
-  using P = Parameters&;
-  add("unpackRGB24", &Table::unpackRGB24, {{3}, 4},
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.in[0], o.count, p.top); });
-  add("packRGB24", &Table::packRGB24, {{4}, 3}, [](auto f, O o, P) { f(o.out, o.pixels(0), o.count); });
-  add("fill", &Table::fill, {{}, 4}, [](auto f, O o, P p) { f(o.pixelsOut(), o.count, p.words[0]); });
-  add("brighter", &Table::brighter, kMapInPlace[1],
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.pixels(1), o.count, p.top); });
-  add("combineChannels", &Table::combineChannels, kMapInPlace[2],
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.pixels(1), o.pixels(2), o.count, p.top); });
-  add("replaceBits", &Table::replaceBits, kMapInPlace[1], [](auto f, O o, P p) {
+constexpr Shape kMap = {{4}, 4}, kTest = {{4}};
+constexpr Shape kMapInPlace[] = {
+    {{4}, 4, false, true}, {{4, 4}, 4, false, true}, {{4, 4, 4}, 4, false, true}};
+
+// A case for each type of kernel.
+using O = const Operands&;
+using P = Parameters&;
+Case caseOf(const char* name, kernels::SpanMap* Table::*field) {
+  return makeCase(name, field, kMapInPlace[0],
+                  [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top); });
+}
+Case caseOf(const char* name, kernels::SpanMap2* Table::*field) {
+  return makeCase(name, field, kMapInPlace[1],
+                  [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.pixels(1), o.count, p.top); });
+}
+Case caseOf(const char* name, kernels::SpanMap3* Table::*field) {
+  return makeCase(name, field, kMapInPlace[2], [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.pixels(0), o.pixels(1), o.pixels(2), o.count, p.top);
+  });
+}
+Case caseOf(const char* name, kernels::SpanReplace* Table::*field) {
+  return makeCase(name, field, kMapInPlace[1], [](auto f, O o, P p) {
     f(o.pixelsOut(), o.pixels(0), o.pixels(1), o.count, p.top, p.words[0] & 0xFFFFFF);
   });
-  add("mapThroughTables", &Table::mapThroughTables, kMap,
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, *p.tables); });
-  add("mapAlongLines", &Table::mapAlongLines, kMap,
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.lines); });
-  add("countColorful", &Table::countColorful, kTest, [](auto f, O o, P p) {
-    return f(o.pixels(0), o.count, p.number);
-  }).number = threshold;
-  add("areEqual", &Table::areEqual, {{4, 4}},
-      [](auto f, O o, P) { return f(o.pixels(0), o.pixels(1), o.count); });
-  add("markColored", &Table::markColored, {{4}, 1}, [](auto f, O o, P) { f(o.out, o.pixels(0), o.count); });
-  add("blackWhere", &Table::blackWhere, {{1}, 4},
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.in[0], o.count, static_cast<uint8_t>(p.words[0]), p.top); });
-  add("replaceColor", &Table::replaceColor, kMap,
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.words[0], p.words[1]); });
-  add("extractColor", &Table::extractColor, kMap, [](auto f, O o, P p) {
+}
+Case caseOf(const char* name, kernels::SpanMerge* Table::*field) {
+  return makeCase(name, field, kMap, [](auto f, O o, P) { f(o.pixelsOut(), o.pixels(0), o.count); });
+}
+Case caseOf(const char* name, kernels::SpanUnpack* Table::*field) {
+  return makeCase(name, field, {{3}, 4}, [](auto f, O o, P p) { f(o.pixelsOut(), o.in[0], o.count, p.top); });
+}
+Case caseOf(const char* name, kernels::SpanPack* Table::*field) {
+  return makeCase(name, field, {{4}, 3}, [](auto f, O o, P) { f(o.out, o.pixels(0), o.count); });
+}
+Case caseOf(const char* name, kernels::SpanFill* Table::*field) {
+  return makeCase(name, field, {{}, 4}, [](auto f, O o, P p) { f(o.pixelsOut(), o.count, p.words[0]); });
+}
+Case caseOf(const char* name, kernels::SpanLookup* Table::*field) {
+  return makeCase(name, field, kMap,
+                  [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, *p.tables); });
+}
+Case caseOf(const char* name, kernels::SpanLinear* Table::*field) {
+  return makeCase(name, field, kMap,
+                  [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.lines); });
+}
+// SpanFind is of the same type.
+Case caseOf(const char* name, kernels::SpanCount* Table::*field) {
+  return makeCase(name, field, kTest, [](auto f, O o, P p) { return f(o.pixels(0), o.count, p.words[0]); });
+}
+Case caseOf(const char* name, kernels::SpanHistogram* Table::*field) {
+  return makeCase(name, field, {{4}, 3 * 256 * 4, true}, histogram);
+}
+Case caseOf(const char* name, kernels::SpanIsColor* Table::*field) {
+  return makeCase(name, field, kTest, [](auto f, O o, P p) { return f(o.pixels(0), o.count, p.words[0]); });
+}
+Case caseOf(const char* name, kernels::SpanIsGray* Table::*field) {
+  return makeCase(
+      name, field, kTest, [](auto f, O o, P p) { return f(o.pixels(0), o.count, p.number); }, tolerance);
+}
+Case caseOf(const char* name, kernels::SpanCountBeyond* Table::*field) {
+  return makeCase(
+      name, field, kTest, [](auto f, O o, P p) { return f(o.pixels(0), o.count, p.number); }, threshold);
+}
+Case caseOf(const char* name, kernels::SpanCompare* Table::*field) {
+  return makeCase(name, field, {{4, 4}}, [](auto f, O o, P) { return f(o.pixels(0), o.pixels(1), o.count); });
+}
+Case caseOf(const char* name, kernels::SpanMark* Table::*field) {
+  return makeCase(name, field, {{4}, 1},
+                  [](auto f, O o, P p) { f(o.out, o.pixels(0), o.count, static_cast<uint8_t>(p.words[0])); });
+}
+Case caseOf(const char* name, kernels::SpanDraw* Table::*field) {
+  return makeCase(name, field, {{1}, 4}, [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.in[0], o.count, static_cast<uint8_t>(p.words[0]), p.top);
+  });
+}
+Case caseOf(const char* name, kernels::SpanReplaceColor* Table::*field) {
+  return makeCase(name, field, kMap, [](auto f, O o, P p) {
+    f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.words[0], p.words[1]);
+  });
+}
+Case caseOf(const char* name, kernels::SpanExtractColor* Table::*field) {
+  return makeCase(name, field, kMap, [](auto f, O o, P p) {
     f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.words[0], p.words[1], p.words[2]);
   });
-  add("saturate", &Table::saturate, kMap, [](auto f, O o, P p) {
-    f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.number);
-  }).number = saturation;
-  add("tint", &Table::tint, kMap,
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.tint); });
-  add("mapThroughCube", &Table::mapThroughCube, kMap,
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.cube); });
-  add("mapThroughWholeCube", &Table::mapThroughWholeCube, kMap,
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.wholeCube); });
-  add("tone", &Table::tone, kMap,
-      [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.toning); });
-  add("bars", &Table::bars, {{4, 4}, 4, false, false, true}, [](auto f, O o, P p) {
-    f(o.pixelsOut(), o.numbers(0), o.numbers(1), o.count, p.number, p.words[0], p.words[1]);
-  }).number = row;
-  return cases;
+}
+Case caseOf(const char* name, kernels::SpanSaturate* Table::*field) {
+  return makeCase(
+      name, field, kMap, [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.number); },
+      saturation);
+}
+Case caseOf(const char* name, kernels::SpanTint* Table::*field) {
+  return makeCase(name, field, kMap,
+                  [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.tint); });
+}
+Case caseOf(const char* name, kernels::SpanCube* Table::*field) {
+  return makeCase(name, field, kMap,
+                  [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.cube); });
+}
+Case caseOf(const char* name, kernels::SpanWholeCube* Table::*field) {
+  return makeCase(name, field, kMap,
+                  [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.wholeCube); });
+}
+Case caseOf(const char* name, kernels::SpanSepia* Table::*field) {
+  return makeCase(name, field, kMap,
+                  [](auto f, O o, P p) { f(o.pixelsOut(), o.pixels(0), o.count, p.top, p.sepia); });
+}
+Case caseOf(const char* name, kernels::SampleSums* Table::*field) {
+  const size_t sampleSize = std::string(name).find("16") == std::string::npos ? 1 : 2;
+  return makeCase(name, field, {{sampleSize}}, [](auto f, O o, P) {
+    const kernels::Excursions sums = f(o.in[0], o.count);
+    return uint64_t{sums.negative} << 32 | sums.positive;
+  });
+}
+Case caseOf(const char* name, kernels::SpanBars* Table::*field) {
+  return makeCase(
+      name, field, {{4, 4}, 4, false, false, true},
+      [](auto f, O o, P p) {
+        f(o.pixelsOut(), o.numbers(0), o.numbers(1), o.count, p.number, p.words[0], p.words[1]);
+      },
+      row);
 }
 
-// Lookup tables of all kinds, each at the end of its guarded memory: nothing that lies behind what may be
-// read is there.
+// Lookup tables of all kinds, each at the end of its guarded memory: bytes past those that may be read can't
+// be touched.
 class Lookups {
  public:
   Lookups() {
@@ -236,7 +255,7 @@ class Lookups {
           if (r == kLast && (g > kLast || (g == kLast && b > kLast))) continue;  // behind
           for (size_t x = 0; x < 3; ++x) {
             const size_t indices[] = {r, g, b};
-            // What is not to be used is no number, which shows even where it weighs nothing.
+            // Entries that are not to be used are NaN, which shows even where the weight is 0.
             const double value = g > kLast || b > kLast ? std::nan("") : cubeValue(indices[x]);
             memcpy(bytes + (((r * kSide + g) * kSide + b) * 3 + x) * sizeof value, &value, sizeof value);
           }
@@ -292,7 +311,9 @@ Bytes bytesOf(const std::vector<uint32_t>& words, size_t size) {
 }  // namespace
 
 const std::deque<Case>& allCases() {
-  static const std::deque<Case> cases = makeCases();
+#define ZVR_CASE(type, kernel) caseOf(#kernel, &Table::kernel),
+  static const std::deque<Case> cases = {ZVR_KERNELS(ZVR_CASE)};
+#undef ZVR_CASE
   return cases;
 }
 
@@ -310,16 +331,16 @@ Parameters drawParameters(Random& random, const Case& c, const Hint& hint, uint3
   p.tint.gray = color();
   p.tint.sepia = color();
   if (variant == 0) p.tint = {0x555555, 0xFFFFFF, {}};  // very many results are near whole numbers
-  p.toning = {306, 601, 116, 40, 20, static_cast<uint32_t>(-30)};
+  p.sepia = {306, 601, 116, 40, 20, static_cast<uint32_t>(-30)};
   if (random.chance(70)) {
-    for (uint32_t* part : {&p.toning.redWeight, &p.toning.greenWeight, &p.toning.blueWeight, &p.toning.red,
-                           &p.toning.green, &p.toning.blue}) {
+    for (uint32_t* part : {&p.sepia.redWeight, &p.sepia.greenWeight, &p.sepia.blueWeight, &p.sepia.red,
+                           &p.sepia.green, &p.sepia.blue}) {
       const uint32_t any = random.word() >> random.between(0, 31);
       *part = random.chance(50) ? any : 0 - any;
     }
   }
   p.lines.shift = static_cast<uint32_t>(random.between(1, 8));
-  for (kernels::ChannelLine* line : {&p.lines.red, &p.lines.green, &p.lines.blue}) {
+  for (kernels::LinearMap* line : {&p.lines.red, &p.lines.green, &p.lines.blue}) {
     const auto any = [&](int least, int most) {
       return random.chance(20) ? (random.chance(50) ? least : most) : random.between(least, most);
     };

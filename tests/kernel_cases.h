@@ -1,4 +1,4 @@
-// The kernels as the tests call them: what each works on, and what it is given.
+// The kernels as the tests call them: the operands and the parameters of each.
 #pragma once
 
 #include <sys/mman.h>
@@ -39,10 +39,10 @@ struct Parameters {
   uint32_t top = 0, words[3] = {};
   int32_t number = 0;
   kernels::Tint tint = {};
-  kernels::Toning toning = {};
+  kernels::Sepia sepia = {};
   // Each in guarded memory.
   const kernels::ChannelTables* tables = nullptr;
-  kernels::ChannelLines lines = {};
+  kernels::LinearMaps lines = {};
   const double* cube = nullptr;
   const kernels::Pixel* wholeCube = nullptr;
 };
@@ -65,7 +65,7 @@ struct Shape {
   bool inIsNumbers = false;  // 32-bit numbers, aligned as such
 };
 
-// What a parameter is drawn by: the largest difference that channels of grayish contents have, a word of the
+// Parameters are drawn by these: the largest difference between channels of grayish contents, a word of the
 // contents.
 struct Hint {
   int spread;
@@ -78,9 +78,7 @@ struct Case {
   Shape shape;
   // Calls the table's kernel; answers its result, 0 when it has none.
   std::function<uint64_t(const kernels::Table&, const Operands&, Parameters&)> run;
-  std::function<int32_t(Random&, const Hint&)> number = [](Random& random, const Hint&) {
-    return static_cast<int32_t>(random.word());
-  };
+  int32_t (*number)(Random&, const Hint&);
 };
 
 // Every kernel.

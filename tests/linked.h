@@ -4,11 +4,26 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "frame/plugin_main.h"
 #include "host/host.h"
 #include "host/objects.h"
 #include "host/strings.h"
 #include "tests/support.h"
+
+// Runs a body in a process of its own, in which the plug-in has found no service of a host yet, and after
+// which a host holds nothing.
+template <typename Body>
+void inFreshProcess(const Body& body) {
+  const auto runAndExit = [&] {
+    body();
+    EXPECT_EQ(host::held(), host::Ledger()) << host::describeHeld();
+    std::exit(testing::Test::HasFailure());
+  };
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";  // a process from its beginning
+  EXPECT_EXIT(runAndExit(), testing::ExitedWithCode(0), "");
+}
 
 // After each test the host must hold nothing.
 class LinkedTest : public ::testing::Test {
@@ -18,7 +33,7 @@ class LinkedTest : public ::testing::Test {
     EXPECT_FALSE(host::takeException()) << "an exception is still pending";
     EXPECT_EQ(host::held(), host::Ledger()) << host::describeHeld();
   }
-  // A new host of that version. What the plug-in resolved before stays resolved, at the same addresses.
+  // A new host of that version. Services that the plug-in found before stay found, at the same addresses.
   void beginAt(double version) {
     host::Settings settings = settingsForRoad();
     settings.version = version;

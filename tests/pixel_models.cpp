@@ -30,7 +30,7 @@ Rgb invertGray(const Rgb* source, const Values&) { return by<plain::invertGray>(
 
 Rgb brighter(const Rgb* source, const Values&) {
   Rgb result;
-  plain::brighter(&result, source, source + 1, 1, 0);
+  plain::max(&result, source, source + 1, 1, 0);
   return result;
 }
 

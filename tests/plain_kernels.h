@@ -71,7 +71,7 @@ inline void invertedRedIntoBlue(Pixel* out, const Pixel* in, size_t count) {
   for (size_t i = 0; i < count; ++i) out[i] = (out[i] & 0xFFFFFF00) | static_cast<uint32_t>(255 - red(in[i]));
 }
 
-inline void brighter(Pixel* out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top) {
+inline void max(Pixel* out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top) {
   write(out, count, top, [=](size_t i) {
     const uint32_t a = in1[i], b = in2[i];
     return rgb(std::max(red(a), red(b)), std::max(green(a), green(b)), std::max(blue(a), blue(b)));
@@ -91,9 +91,9 @@ inline void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t
     return rgb(tables.red[red(in[i])], tables.green[green(in[i])], tables.blue[blue(in[i])]);
   });
 }
-inline void mapAlongLines(Pixel* out, const Pixel* in, size_t count, uint32_t top,
-                          const kernels::ChannelLines& lines) {
-  const auto value = [&](const kernels::ChannelLine& line, int v) {
+inline void mapPiecewiseLinear(Pixel* out, const Pixel* in, size_t count, uint32_t top,
+                               const kernels::LinearMaps& lines) {
+  const auto value = [&](const kernels::LinearMap& line, int v) {
     const uint32_t from = static_cast<uint32_t>(line.isFalling ? 255 - v : v) * 256 + line.before;
     const int height = static_cast<int>(from * line.slope >> 16) + line.offset;
     return std::min(std::clamp(height, 0, 65535) >> lines.shift, 255);
@@ -107,15 +107,15 @@ inline void mapAlongLines(Pixel* out, const Pixel* in, size_t count, uint32_t to
 inline uint32_t countColor(const Pixel* in, size_t count, uint32_t color) {
   return countOf(count, [=](size_t i) { return sameColor(in[i], color); });
 }
-inline void countChannels(const Pixel* in, size_t count, kernels::ChannelCounts& counts) {
+inline void histogram(const Pixel* in, size_t count, kernels::ChannelCounts& counts) {
   for (size_t i = 0; i < count; ++i) {
     ++counts.red[0][red(in[i])];
     ++counts.green[0][green(in[i])];
     ++counts.blue[0][blue(in[i])];
   }
 }
-inline bool isAllColor(const Pixel* in, size_t count, int32_t color) {
-  return countColor(in, count, static_cast<uint32_t>(color)) == count;
+inline bool isAllColor(const Pixel* in, size_t count, uint32_t color) {
+  return countColor(in, count, color) == count;
 }
 inline bool isAllGray(const Pixel* in, size_t count, int32_t tolerance) {
   return count == countOf(count, [=](size_t i) {
@@ -138,8 +138,8 @@ inline bool areEqual(const Pixel* in1, const Pixel* in2, size_t count) {
   return count == countOf(count, [=](size_t i) { return sameColor(in1[i], in2[i]); });
 }
 
-inline void markColored(uint8_t* cells, const Pixel* in, size_t count) {
-  for (size_t i = 0; i < count; ++i) cells[i] = isGray(in[i]) ? 0 : 1;
+inline void markColored(uint8_t* cells, const Pixel* in, size_t count, uint8_t colored) {
+  for (size_t i = 0; i < count; ++i) cells[i] = isGray(in[i]) ? uint8_t{0} : colored;
 }
 inline void blackWhere(Pixel* out, const uint8_t* cells, size_t count, uint8_t black, uint32_t top) {
   write(out, count, top, [=](size_t i) { return gray(cells[i] == black ? 0 : 255); });
@@ -166,7 +166,7 @@ inline void saturate(Pixel* out, const Pixel* in, size_t count, uint32_t top, in
   });
 }
 
-// What is found is not looked up again here.
+// Without the memo of results that kernels keep in Tint.
 inline void tint(Pixel* out, const Pixel* in, size_t count, uint32_t top, kernels::Tint& tint) {
   const double gr = red(tint.gray) / 255.0, gg = green(tint.gray) / 255.0, gb = blue(tint.gray) / 255.0;
   const double sr = red(tint.sepia) / 255.0, sg = green(tint.sepia) / 255.0, sb = blue(tint.sepia) / 255.0;
@@ -228,7 +228,7 @@ inline void mapThroughWholeCube(Pixel* out, const Pixel* in, size_t count, uint3
     });
   });
 }
-inline void tone(Pixel* out, const Pixel* in, size_t count, uint32_t top, const kernels::Toning& t) {
+inline void sepia(Pixel* out, const Pixel* in, size_t count, uint32_t top, const kernels::Sepia& t) {
   write(out, count, top, [&](size_t i) {
     const auto brightness = static_cast<uint32_t>(wrapped(uint32_t(red(in[i])) * t.redWeight +
                                                           uint32_t(green(in[i])) * t.greenWeight +
@@ -251,21 +251,14 @@ kernels::Excursions sum(const uint8_t* samples, size_t count) {
   }
   return sums;
 }
+constexpr kernels::SampleSums *sumInt8 = sum<int8_t>, *sumUInt8 = sum<uint8_t>, *sumInt16 = sum<int16_t>,
+                              *sumUInt16 = sum<uint16_t>;
 inline void bars(Pixel* out, const int32_t* first, const int32_t* last, size_t count, int32_t row,
                  uint32_t inside, uint32_t outside) {
   for (size_t i = 0; i < count; ++i) out[i] = first[i] <= row && row <= last[i] ? inside : outside;
 }
 
-// A kernel more than there are definitions does not compile.
-constexpr kernels::Table kTable = {
-    "plain",      unpackRGB24,     packRGB24,    invert,           invertGray,
-    grayFromTop8, grayFromTop7,    fill,         redIntoBlue,      invertedRedIntoBlue,
-    brighter,     combineChannels, replaceBits,  mapThroughTables, mapAlongLines,
-    countColor,   countChannels,   isAllColor,   isAllGray,        countColorful,
-    findColor,    areEqual,        markColored,  blackWhere,       replaceColor,
-    extractColor, saturate,        tint,         mapThroughCube,   mapThroughWholeCube,
-    tone,         sum<int8_t>,     sum<uint8_t>, sum<int16_t>,     sum<uint16_t>,
-    bars,
-};
+// A kernel without a definition does not compile.
+constexpr kernels::Table kTable = {"plain", ZVR_KERNELS(ZVR_ADDRESS)};
 
 }  // namespace plain

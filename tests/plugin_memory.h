@@ -1,5 +1,5 @@
 // The heap of the plug-in under test. A second library is made of the plug-in's own objects whose calls of
-// calloc, realloc and free the linker leads here: what is released carries nothing of this.
+// calloc, realloc and free the linker leads here: the released library has nothing of this.
 #pragma once
 
 struct PluginMemory {

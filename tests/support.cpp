@@ -1,8 +1,11 @@
 #include "tests/support.h"
 
+#include <signal.h>
+
 #include <algorithm>
 #include <cstring>
 #include <iostream>
+#include <sstream>
 #include <stdexcept>
 
 namespace {
@@ -163,8 +166,70 @@ host::PictureRef HostTest::callPicture(const std::string& name, const host::Pict
   return picture ? *picture : host::PictureRef();
 }
 
+namespace {
+
+// ---- How failures are told ----
+
+// The running case, for handlers of signals.
+std::string runningCase;
+struct sigaction handlersBefore[NSIG];
+
+void tellSignal(int signal) {
+  std::cerr << "signal " << signal << " in " << runningCase << std::endl;
+  if (describeRunning) std::cerr << describeRunning() << std::endl;
+  sigaction(signal, &handlersBefore[signal], nullptr);  // and on to what would have happened
+}
+
+// The first and last lines of a message, none of them endless.
+std::string shortened(const std::string& message) {
+  constexpr size_t kHead = 5, kTail = 3, kWidth = 300;
+  std::vector<std::string> lines;
+  std::istringstream stream(message);
+  for (std::string line; std::getline(stream, line);) {
+    if (line.empty() || line == "Google Test trace:") continue;
+    lines.push_back(line.size() > kWidth ? line.substr(0, kWidth) + " ..." : line);
+  }
+  std::string text;
+  for (size_t i = 0; i < lines.size(); ++i) {
+    const bool isLeftOut = i >= kHead && i + kTail < lines.size();
+    if (!isLeftOut) text += lines[i] + '\n';
+    if (isLeftOut && i == kHead) text += "...\n";
+  }
+  return text;
+}
+
+// Ends a case at its second failure, or its first that is fatal, wherever that is found. Prints the first
+// failures of all and the names of the cases that failed.
+class FirstFailures : public testing::EmptyTestEventListener {
+  void OnTestStart(const testing::TestInfo& test) override {
+    runningCase = std::string(test.test_suite_name()) + '.' + test.name();
+    failures_ = 0;
+  }
+  void OnTestPartResult(const testing::TestPartResult& result) override {
+    if (!result.failed()) return;
+    if (shown_++ < 2) {
+      std::cerr << (result.file_name() ? result.file_name() : runningCase.c_str()) << ':'
+                << result.line_number() << ": " << shortened(result.message());
+    }
+    // Without a file it is an exception that gtest is about to swallow.
+    const bool isLast = ++failures_ == 2 || result.fatally_failed();
+    if (isLast && result.file_name()) throw testing::AssertionException(result);
+  }
+  void OnTestEnd(const testing::TestInfo& test) override {
+    if (test.result()->Failed() && ++cases_ <= 5) std::cerr << "FAILED " << runningCase << '\n';
+  }
+  void OnTestProgramEnd(const testing::UnitTest& tests) override {
+    std::cout << tests.test_to_run_count() << " cases, " << cases_ << " failed, "
+              << tests.skipped_test_count() << " skipped\n";
+  }
+
+  int shown_ = 0, failures_ = 0, cases_ = 0;
+};
+
+}  // namespace
+
 int main(int argc, char** argv) {
-  ::testing::InitGoogleTest(&argc, argv);
+  testing::InitGoogleTest(&argc, argv);
   const std::pair<const char*, host::Road> roads[] = {{"--road=cairo", host::Road::cairo},
                                                       {"--road=gdk", host::Road::gdk},
                                                       {"--road=console", host::Road::console}};
@@ -177,5 +242,17 @@ int main(int argc, char** argv) {
     }
     roadOfProcess = found->second;
   }
-  return RUN_ALL_TESTS();
+  auto& listeners = testing::UnitTest::GetInstance()->listeners();
+  delete listeners.Release(listeners.default_result_printer());
+  listeners.Append(new FirstFailures);
+  for (const int signal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT}) {
+    struct sigaction action = {};
+    action.sa_handler = tellSignal;
+    action.sa_flags = static_cast<int>(SA_ONSTACK);
+    sigaction(signal, &action, &handlersBefore[signal]);
+  }
+  const int status = RUN_ALL_TESTS();
+  if (testing::UnitTest::GetInstance()->test_to_run_count() > 0) return status;
+  std::cerr << "no case was run\n";
+  return 1;
 }

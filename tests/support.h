@@ -1,4 +1,8 @@
-// What the tests share: a host with the built plug-in in it, pictures from colours and back, calls by name.
+// Shared by all tests: a host with the built plug-in in it, pictures from colours and back, calls by name.
+//
+// A case ends at its second failure, and at its first ASSERT wherever that stands: loops need not look for
+// failures. A program prints its first two failures and names the cases that failed, and on SIGABRT the one
+// that runs.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,6 +18,9 @@
 #include "host/calls.h"
 #include "host/host.h"
 #include "host/objects.h"
+
+// Adds what is being worked on, for the message of a process that a signal ends.
+inline std::function<std::string()> describeRunning;
 
 // A colour 0xRRGGBB.
 using Rgb = uint32_t;
@@ -57,7 +64,7 @@ host::PictureRef makePicture(const Pixels& pixels, bool alpha = false);
 host::PictureRef makePictureFromWords(int width, int height, const std::vector<uint32_t>& words, bool alpha);
 Pixels colorsOf(const host::PictureRef& picture);
 std::vector<uint32_t> wordsOf(const host::PictureRef& picture);
-// What a result made through NewPictureWriter shows on this road: on the GDK road row 0 stays black.
+// A result of NewPictureWriter as this road shows it: on the GDK road row 0 stays black.
 Pixels asWritten(Pixels expected);
 // The same for a result of which only some pixels were written: the others are fresh, or black on the GDK
 // road.
@@ -67,13 +74,13 @@ uint32_t opaqueTopByte();
 
 // Whole numbers as arguments.
 std::vector<host::Value> numbers(std::initializer_list<int64_t> values);
-// What a rectangle that begins at column `left` shows at (x, y), in rows without padding: on 3-byte rows the
-// left column is counted in steps of 4 bytes, and nothing lies past the last row's end.
+// The colour at (x, y) of a rectangle that begins at column `left`, in rows without padding: on 3-byte rows
+// the left column is counted in steps of 4 bytes, and nothing lies past the last row's end.
 std::optional<Rgb> seenInRectangle(const Pixels& source, int left, int x, int y);
 // Expects a call to have answered nil and raised a NilObjectException with this message.
 void expectNilException(const host::Outcome& outcome, const std::string& message);
 
-// Random contents that find what uniform noise does not: runs and clusters of 00 and FF, grays, near misses,
+// Random contents that find more than uniform noise does: runs and clusters of 00 and FF, grays, near misses,
 // few colours.
 class Random {
  public:
@@ -90,7 +97,7 @@ class Random {
   std::mt19937 engine_;
 };
 
-// A test in a host with the plug-in loaded. After each test the host must hold what `leaves` says, by default
+// A test in a host with the plug-in loaded. After each test the host must hold exactly `leaves`, by default
 // nothing.
 class HostTest : public ::testing::Test {
  protected:
@@ -98,7 +105,7 @@ class HostTest : public ::testing::Test {
   void TearDown() override;
   // Begins the host anew with other settings and loads the plug-in afresh.
   void begin(const host::Settings& settings);
-  // The same with the usual settings but for the version; nullopt: a host that tells none.
+  // The same with the usual settings and another version; nullopt: a host that tells none.
   void beginAt(std::optional<double> version);
   void unloadPlugin() { plugin_.reset(); }
 

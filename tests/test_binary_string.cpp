@@ -30,7 +30,7 @@ std::string encoded(const Pixels& pixels) {
          bigEndian(32) + bigEndian(40) + std::string(16, '\0') + bytes;
 }
 
-// What a string stands for; nothing for one that doesn't hold what it says.
+// The picture that a string holds; none for one that is shorter or longer than it says.
 std::optional<Pixels> decoded(const std::string& bytes) {
   if (bytes.size() < 24 || bytes.compare(0, 4, "PPIC") != 0 || wordAt(bytes, 4) != bytes.size()) return {};
   const uint64_t width = wordAt(bytes, 8), height = wordAt(bytes, 12), offset = wordAt(bytes, 20);
@@ -92,7 +92,7 @@ TEST_F(BinaryString, OldHosts) {
   EXPECT_EQ(colorsOf(toPicture(encoded(pixels))), asWritten(pixels));
 }
 
-// A word of a good string replaced; `size` is the length it is then given, and what its header says.
+// A word of a good string replaced; `size` is its length then, also in its header.
 struct HeaderCase {
   const char* what;
   size_t at;

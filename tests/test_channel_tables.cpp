@@ -19,12 +19,12 @@ class Lines : public ::testing::Test {
  protected:
   // Whether lines are found, which then must be right.
   static bool findAndCheck(const ChannelTables& tables) {
-    kernels::ChannelLines lines;
-    if (!kernels::findLines(tables, lines)) return false;
+    kernels::LinearMaps lines;
+    if (!kernels::findLinearMaps(tables, lines)) return false;
     uint32_t in[256], expected[256], got[256];
     for (int v = 0; v < 256; ++v) in[v] = rgb(v, v, v);
     plain::mapThroughTables(expected, in, 256, 0, tables);
-    plain::mapAlongLines(got, in, 256, 0, lines);
+    plain::mapPiecewiseLinear(got, in, 256, 0, lines);
     for (int v = 0; v < 256; ++v) EXPECT_EQ(got[v], expected[v]) << v;
     return true;
   }

@@ -16,7 +16,7 @@ class Count : public HostTest {
   int64_t countColor(const PictureRef& picture, RBColor color) {
     return std::get<int64_t>(call("CountColorZVR", picture.get(), {host::Color{color}}).result);
   }
-  // Counts into blocks, which are replaced by what stands in the references afterwards.
+  // Counts into blocks, which are replaced by those that the references hold afterwards.
   int64_t countColors(const PictureRef& picture, std::vector<MemoryBlockRef>& blocks) {
     const auto outcome = call("CountColorsZVR", picture.get(), {blocks[0], blocks[1], blocks[2], int64_t{7}});
     EXPECT_FALSE(outcome.exception);
@@ -67,7 +67,7 @@ TEST_F(Count, HistogramsAddToWhatTheBlocksHold) {
       Counters scaled = expected[i];
       for (uint32_t& n : scaled) n *= times;
       EXPECT_EQ(countersIn(blocks[i]), scaled) << times << " times, block " << i;
-      EXPECT_EQ(host::references(blocks[i].get()), 1) << "ours alone";
+      EXPECT_EQ(host::references(blocks[i].get()), 1) << "only ours";
     }
   }
   std::vector<MemoryBlockRef> one(3, blockOf(std::vector<uint8_t>(1024)));
@@ -92,13 +92,20 @@ TEST_F(Count, BlocksOfAnyLengthTakeWhatFits) {
   }
 }
 
+// A size of 0 is 0; only a host that can't tell sizes is trusted.
 TEST_F(Count, BlocksOfUnknownSizeAreTrustedAndThoseWithoutBytesLeftAlone) {
-  const auto picture = makePicture({2, 2, Rgb{0x000005}});
-  std::vector<MemoryBlockRef> blocks = {{}, {}, blockOf(std::vector<uint8_t>(1024))};
-  host::setReportedSize(blocks[2].get(), 0);
-  EXPECT_EQ(countColors(picture, blocks), 4);
-  EXPECT_EQ(bytesIn(blocks[2])[20], 4);
-  blocks = std::vector<MemoryBlockRef>(3);
+  host::PictureRef picture;
+  for (const bool tellsSizes : {true, false}) {
+    picture = {};
+    begin(settingsForRoad());
+    picture = makePicture({2, 2, Rgb{0x000005}});
+    if (!tellsSizes) host::removeEntryPoint("memoryBlockGetSize");
+    std::vector<MemoryBlockRef> blocks = {{}, {}, blockOf(std::vector<uint8_t>(1024))};
+    host::setReportedSize(blocks[2].get(), 0);
+    EXPECT_EQ(countColors(picture, blocks), 4);
+    EXPECT_EQ(bytesIn(blocks[2])[20], tellsSizes ? 0 : 4);
+  }
+  std::vector<MemoryBlockRef> blocks = std::vector<MemoryBlockRef>(3);
   host::failAt("memoryBlockGetPtr", 2);
   EXPECT_EQ(countColors(picture, blocks), 4);
   EXPECT_EQ(countersIn(blocks[0])[0], 4u);
@@ -131,10 +138,10 @@ MemoryBlockRef adding(int amount, size_t size = 256) {
 
 TEST_F(Transform, WhatATableLacksIsZero) {
   const auto picture = makePicture({1, 2, Rgb{0x0A0B0C}});
-  const auto unknown = adding(1);
-  host::setReportedSize(unknown.get(), 0);
-  EXPECT_EQ(colorsOf(callPicture("TransformColorsZVR", picture, {adding(1, 11), unknown, adding(1, 11)})),
-            asWritten({1, 2, Rgb{0x0B000D}}));
+  const auto empty = adding(1);
+  host::setReportedSize(empty.get(), 0);
+  EXPECT_EQ(colorsOf(callPicture("TransformColorsZVR", picture, {adding(1, 11), empty, adding(1, 11)})),
+            asWritten({1, 2, Rgb{0x0B0000}}));
   host::failAt("memoryBlockGetPtr", 3);
   EXPECT_FALSE(callPicture("TransformColorsZVR", picture, {adding(1), adding(1), adding(1)}))
       << "a table without bytes";

@@ -67,7 +67,7 @@ TEST(Cube, IsReadWhateverItsLineEnds) {
   }
 }
 
-// The good file with one line changed ("" for the line left out), and what is said about it.
+// The good file with one line changed ("" for the line left out), and the message about it.
 struct Broken {
   size_t line;
   const char* replacement;
@@ -80,9 +80,9 @@ const Broken kBroken[] = {
     {4, "LUT_3D_SIZE", "line 4: LUT_3D_SIZE: ''"},
     {4, "LUT_3D_SIZE 2 2", "line 4: more than is expected here: '2'"},
     {4, "LUT_1D_SIZE 2", "line 4: LUT_1D_SIZE: a one-dimensional table"},
-    {4, "", "line 7: an entry stands before LUT_3D_SIZE"},
+    {4, "", "line 7: an entry comes before LUT_3D_SIZE"},
     {4, "LUT_3D_SIZE 3", "line 15: the file ends after 8 of the 27 entries of a 3 x 3 x 3 table"},
-    {1, "LUT_3D_SIZE 2", "line 4: LUT_3D_SIZE stands here a second time"},
+    {1, "LUT_3D_SIZE 2", "line 4: LUT_3D_SIZE is given a second time"},
     {2, "TITEL x", "line 2: unknown keyword 'TITEL'"},
     {2, "\x01\xFFPNG-and-much-more-that-is-long", "line 2: unknown keyword '??PNG-and-much-more-that...'"},
     {5, "DOMAIN_MIN 0 0", "line 5: DOMAIN_MIN has too few numbers"},
@@ -91,9 +91,9 @@ const Broken kBroken[] = {
     {8, "1 0", "line 8: an entry has too few numbers"},
     {8, "1 0 0,5", "line 8: '0,5' is not a number"},
     {8, "1 0 +-5", "line 8: '+-5' is not a number"},
-    {8, "1 nan 0", "line 8: 'nan' is no value of a colour"},
-    {8, "1 1e400 0", "line 8: '1e400' is no value of a colour (at most 65536 either way)"},
-    {8, "1 -65537 0", "line 8: '-65537' is no value of a colour"},
+    {8, "1 nan 0", "line 8: 'nan' is not the value of a colour"},
+    {8, "1 1e400 0", "line 8: '1e400' is not the value of a colour (at most 65536 either way)"},
+    {8, "1 -65537 0", "line 8: '-65537' is not the value of a colour"},
     {8, "one 0 0", "line 8: expected an entry of three numbers, found 'one'"},
     {9, "DOMAIN_MIN 0 0 0", "line 9: expected an entry of three numbers, found 'DOMAIN_MIN'"},
     {9, "", "line 15: the file ends after 7 of the 8 entries of a 2 x 2 x 2 table"},
@@ -175,7 +175,7 @@ TEST(Cube, InputsAreTakenFromTheDomain) {
 
 // ---- zvr lut and zvr run ----
 
-// What a linear look makes of a colour: tetrahedra keep it exactly, whatever the size of the table.
+// A linear look: interpolation in tetrahedra keeps it exactly, whatever the size of the table.
 Color warm(const Color& c) {
   return {0.9 * c[0] + 0.05 * c[1] + 0.03, 0.85 * c[1] + 0.1 * c[2], 0.7 * c[2] + 0.1 * c[0] + 0.05};
 }
@@ -192,7 +192,7 @@ class Looks : public zvr_test::Zvr {
     writePng(folder_ / "photo.png", photo_, PNG_FORMAT_RGB);
   }
 
-  // What a program makes of the photograph.
+  // The photograph as zvr changed it.
   zvr_test::Pixels result(const std::string& words) {
     const Finished done = runLine(words + " -o out.png");
     EXPECT_EQ(done.status, 0) << done.errors;
@@ -271,7 +271,7 @@ TEST_F(Looks, SaysWhatIsWrong) {
       {"lut photo.png none.cube -o out.png", 1, "none.cube: No such file"},
       {"lut photo.png", 2, "expected a picture and a .cube file, found only photo.png"},
       {"lut", 2, "expected a .cube file, or --identity"},
-      {"lut photo.png more.png bad.cube", 2, "'more.png' is more than is expected"},
+      {"lut photo.png more.png bad.cube", 2, "unexpected word 'more.png'"},
       {"run PictureSepia photo.png", 2,
        "no class 'PictureSepia'; there are PictureSepiaZVR, PictureLut3DZVR"},
       {"run PictureSepiaZVR photo.png Sepia=1", 2,

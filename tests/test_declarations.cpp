@@ -49,7 +49,7 @@ TEST(Declarations, areRead) {
   }
 }
 
-// What a call says when it refuses; empty when it doesn't.
+// The message of a call that refuses; empty when it doesn't.
 template <typename Refusing>
 std::string complaint(const Refusing& refusing) {
   try {
@@ -142,7 +142,7 @@ TEST(Words, becomeValues) {
   }
 }
 
-TEST(Words, ofObjectsAreNilAlone) {
+TEST(Words, ofObjectsAreOnlyNil) {
   for (const Type type : {Type::picture, Type::memoryBlock, Type::object}) {
     Parameter parameter;
     parameter.type = type;
@@ -216,7 +216,7 @@ TEST_F(Calls, takeOverWhatIsStoredByReference) {
   EXPECT_EQ(memoryBlockSize(std::get<MemoryBlockRef>(outcome.arguments[1]).get()), 2U);
   EXPECT_EQ(std::get<MemoryBlockRef>(outcome.arguments[2]).get(), kept.get());
   EXPECT_EQ(std::get<int64_t>(outcome.arguments[3]), 42);
-  EXPECT_EQ(references(replaced.get()), 1);  // what the caller held stays the caller's
+  EXPECT_EQ(references(replaced.get()), 1);  // the caller's reference stays the caller's
   EXPECT_EQ(references(kept.get()), 2);
 }
 

@@ -1,8 +1,7 @@
-// Every wrapper around a host service: the name that it asks for, what it answers when there is none, and the
+// Every wrapper around a host service: the name that it asks for, its answer when there is none, and the
 // arguments that it hands on. The host here is a resolver of our own that offers nothing at first, then one
 // function that writes down its arguments.
 
-#include <algorithm>
 #include <cstring>
 
 #include "frame/arrays.h"
@@ -61,7 +60,7 @@ struct Wrapper {
 
 // Hands on these very arguments.
 template <typename Result, typename... Parameters, typename... Arguments>
-Wrapper hands(const char* entryPoint, Result (*wrapper)(Parameters...), Arguments... arguments) {
+Wrapper hands(const char* entryPoint, std::function<Result(Parameters...)> wrapper, Arguments... arguments) {
   Wrapper result{entryPoint, {}, {}};
   (append(result.arguments, static_cast<Parameters>(arguments)), ...);
   result.call = [=]() -> int64_t {
@@ -75,6 +74,15 @@ Wrapper hands(const char* entryPoint, Result (*wrapper)(Parameters...), Argument
     }
   };
   return result;
+}
+
+template <typename Result, typename... Parameters, typename... Arguments>
+Wrapper hands(const char* entryPoint, Result (*wrapper)(Parameters...), Arguments... arguments) {
+  return hands(entryPoint, std::function<Result(Parameters...)>(wrapper), arguments...);
+}
+template <typename Result, typename... Parameters, typename... Arguments>
+Wrapper hands(const char* entryPoint, HostEntry<Result(Parameters...)>& wrapper, Arguments... arguments) {
+  return hands(entryPoint, std::function<Result(Parameters...)>(std::ref(wrapper)), arguments...);
 }
 
 // Of overloads the one of that type.
@@ -151,36 +159,36 @@ class EntryPoints : public ::testing::Test {
 };
 
 TEST_F(EntryPoints, AskForTheirNameAndHandOnTheirArguments) {
-  for (const Wrapper& wrapper : kWrappers) {
-    SCOPED_TRACE(wrapper.entryPoint);
-    asked.clear();
-    offering = false;
-    const int missing = wrapper.entryPoint == std::string("PluginRegisterBackgroundTask") ? -1 : 0;
-    EXPECT_EQ(wrapper.call(), missing);
-    EXPECT_EQ(wrapper.call(), missing);
-    // A null answer is not remembered. (Some ask twice in a call.)
-    EXPECT_GE(asked.size(), 2u);
-    EXPECT_EQ(std::count(asked.begin(), asked.end(), wrapper.entryPoint), static_cast<int>(asked.size()));
+  inFreshProcess([&] {
+    for (const Wrapper& wrapper : kWrappers) {
+      SCOPED_TRACE(wrapper.entryPoint);
+      asked.clear();
+      offering = false;
+      const int missing = wrapper.entryPoint == std::string("PluginRegisterBackgroundTask") ? -1 : 0;
+      EXPECT_EQ(wrapper.call(), missing);
+      EXPECT_EQ(wrapper.call(), missing);
+      EXPECT_EQ(asked, std::vector<std::string>(2, wrapper.entryPoint)) << "a null answer is not remembered";
 
-    asked.clear();
-    offering = true;
-    wordsWanted = wrapper.arguments.size();
-    handed = {0xDEAD};
-    wrapper.call();
-    EXPECT_EQ(handed, wrapper.arguments);
-    wrapper.call();
-    EXPECT_EQ(asked, std::vector<std::string>{wrapper.entryPoint}) << "an address is asked for once";
-  }
-  REALDrawPicturePrimitive(graphics, picture, memory);
-  wordsWanted = 4;
-  REALDrawPicturePrimitive(graphics, picture, memory);
-  EXPECT_EQ(handed[3], 0u) << "not transparent";
+      asked.clear();
+      offering = true;
+      wordsWanted = wrapper.arguments.size();
+      handed = {0xDEAD};
+      wrapper.call();
+      EXPECT_EQ(handed, wrapper.arguments);
+      wrapper.call();
+      EXPECT_EQ(asked, std::vector<std::string>{wrapper.entryPoint}) << "an address is asked for once";
+    }
+    REALDrawPicturePrimitive(graphics, picture, memory);
+    wordsWanted = 4;
+    REALDrawPicturePrimitive(graphics, picture, memory);
+    EXPECT_EQ(handed[3], 0u) << "not transparent";
+  });
 }
 
 // Three steps from an array to an element: each wrapper asks for the procedure of its kind by itself.
 
 template <typename T>
-void expectGetter(T (*get)(REALarrayStruct*, int32_t, T*)) {
+void expectGetter(ElementGetter<T>& get) {
   asked.clear();
   T value{};
   std::memset(&value, 0x5A, sizeof value);
@@ -190,12 +198,12 @@ void expectGetter(T (*get)(REALarrayStruct*, int32_t, T*)) {
   EXPECT_EQ(asked, std::vector<std::string>{"RuntimeArrayDirectGetGetProc"});
 }
 template <typename... T>
-void expectGetters(T (*... get)(REALarrayStruct*, int32_t, T*)) {
+void expectGetters(ElementGetter<T>&... get) {
   (expectGetter(get), ...);
 }
-template <typename... T>
-void expectSetters(const char* procedure, void (*... set)(REALarrayStruct*, int32_t, T)) {
-  const auto expectSetter = [&](auto setter, auto value) {
+template <template <typename> typename Kind, typename... T>
+void expectSetters(const char* procedure, Kind<T>&... set) {
+  const auto expectSetter = [&](auto& setter, auto value) {
     asked.clear();
     setter(array, 3, value);
     EXPECT_EQ(asked, std::vector<std::string>{procedure});
@@ -233,20 +241,22 @@ TEST_F(EntryPoints, OldArrayHandlesHaveServicesOfTheirOwn) {
 
 // The record on the host's side: its second word, wherever that leads.
 TEST_F(EntryPoints, AnEventIsHandedOnByItsOwnSecondWord) {
-  offering = true;
-  wordsWanted = 2;
-  REALevent event = {"Action", Pointer{0x1234}, {}};
-  CurrentREALControlVersion = 12;
-  asked.clear();
-  EXPECT_NE(REALGetEventInstance(control, &event), nullptr);
-  EXPECT_EQ(asked, std::vector<std::string>{"GetEventInstance"});
-  EXPECT_EQ(handed, (Words{control.word, 0x1234}));
+  inFreshProcess([&] {
+    offering = true;
+    wordsWanted = 2;
+    REALevent event = {"Action", Pointer{0x1234}, {}};
+    CurrentREALControlVersion = 12;
+    asked.clear();
+    EXPECT_NE(REALGetEventInstance(control, &event), nullptr);
+    EXPECT_EQ(asked, std::vector<std::string>{"GetEventInstance"});
+    EXPECT_EQ(handed, (Words{control.word, 0x1234}));
 
-  REALoldEvent copy = {{0, 0x5678}};
-  event.forOldHosts = &copy;
-  CurrentREALControlVersion = 9;
-  REALGetEventInstance(control, &event);
-  EXPECT_EQ(handed, (Words{control.word, 0x5678}));
+    REALoldEvent copy = {{0, 0x5678}};
+    event.forOldHosts = &copy;
+    CurrentREALControlVersion = 9;
+    REALGetEventInstance(control, &event);
+    EXPECT_EQ(handed, (Words{control.word, 0x5678}));
+  });
 }
 
 TEST_F(EntryPoints, NullsThatNeverReachTheHost) {

@@ -32,7 +32,7 @@ std::string unescaped(std::string text) {
   return text;
 }
 
-// What stands between the two marks, each time.
+// The texts between the two marks.
 std::vector<std::string> between(const std::string& page, const std::string& begin, const std::string& end) {
   std::vector<std::string> parts;
   for (size_t at = 0; (at = page.find(begin, at)) != std::string::npos;) {
@@ -82,9 +82,10 @@ class Gallery : public Zvr {
     for (uint8_t& byte : photo.bytes) byte = static_cast<uint8_t>(random());
     writePng(folder_ / "photo.png", photo, PNG_FORMAT_RGB);
   }
-  std::string make(const std::vector<std::string>& options) {
-    std::vector<std::string> words{"gallery", "photo.png", "-o", "out", "--ledger"};
+  std::string make(const std::vector<std::string>& options, const std::string& input = "photo.png") {
+    std::vector<std::string> words{"gallery", "-o", "out", "--ledger"};
     words.insert(words.end(), options.begin(), options.end());
+    words.insert(words.end(), {"--", input});
     const Finished done = run(words);
     EXPECT_EQ(done.status, 0) << done.errors;
     EXPECT_EQ(done.output, "wrote out/index.html\n");
@@ -105,7 +106,7 @@ TEST_P(GalleryOn, showsEverythingThatIsRegistered) {
   ASSERT_FALSE(members.pictureMethods.empty() || members.globals.empty());
   for (const auto* methods : {&members.pictureMethods, &members.globals}) {
     for (const host::Method& method : *methods) {
-      // What can be assigned to is shown twice.
+      // Methods that can be assigned to are shown twice.
       const auto entry = shown.find(method.text);
       ASSERT_NE(entry, shown.end()) << method.text;
       EXPECT_EQ(entry->second, method.setter ? 2 : 1) << method.text;
@@ -137,14 +138,17 @@ TEST_P(GalleryOn, isOneSoundPage) {
 
 INSTANTIATE_TEST_SUITE_P(Hosts, GalleryOn, testing::Values("cairo", "console"));
 
-// Every line for a shell on the page is one that zvr takes, with the files beside the page.
+// Every line for a shell on the page is one that zvr takes, with the files beside the page, whatever the
+// photograph's name reads as.
 TEST_F(Gallery, linesRun) {
-  const std::string page = make({});
-  const std::vector<std::string> lines = between(page, "<b>zvr</b><code>zvr ", "</code>");
-  ASSERT_GE(lines.size(), 47U);
-  for (const std::string& line : lines) {
-    const Finished done = runLine(line);
-    EXPECT_EQ(done.status, 0) << line << "\n" << done.errors;
+  for (const char* name : {"-o", "InvertZVR"}) {
+    fs::copy(folder_ / "photo.png", folder_ / name);
+    const std::vector<std::string> lines = between(make({}, name), "<b>zvr</b><code>zvr ", "</code>");
+    ASSERT_GE(lines.size(), 47U);
+    for (const std::string& line : lines) {
+      const Finished done = runLine(line);
+      EXPECT_EQ(done.status, 0) << line << "\n" << done.errors;
+    }
   }
 }
 
@@ -169,7 +173,7 @@ TEST_F(Gallery, marksWhatWasFoundAndPlotsWhatWasCounted) {
   EXPECT_TRUE(contains(card("TintPictureZVR"), "fill=\"#FFD08C\"")) << card("TintPictureZVR");
 }
 
-// Boxes of a row of five: two pixels and three. What is transparent has no say in the colour.
+// Boxes of a row of five: two pixels and three. Transparent pixels have no say in the colour.
 TEST(ScaledDown, takesMeansOfBoxes) {
   zvr::Image image;
   image.allocate(5, 1);

@@ -2,8 +2,6 @@
 // lengths, all alignments, memory that ends where the spans end, adversarial contents and parameters.
 
 #include <cpuid.h>
-#include <signal.h>
-#include <unistd.h>
 
 #include <iomanip>
 #include <iostream>
@@ -25,7 +23,7 @@ std::vector<const Table*> supportedTables() {
   return {tables.table, tables.table + tables.count};
 }
 
-// The same as an earlier operand but for top bytes and, perhaps, one bit.
+// The same as an earlier operand except for top bytes and, perhaps, one bit.
 Bytes nearly(Random& random, Bytes bytes) {
   for (size_t i = 3; i < bytes.size(); i += 4) bytes[i] = static_cast<uint8_t>(i * 37);
   if (random.chance(50))
@@ -71,31 +69,31 @@ class Operand {
   size_t size_ = 0, at_ = 0, from_ = 0, end_ = 0;
 };
 
-// What is being run, for the message when a kernel touches what it must not.
-struct Running {
-  const char *table, *name;
-  unsigned count, in, out;
-} running;
+constexpr unsigned kAvx = 1U << 2, kAvx512 = 1U << 6;
 
-void reportFault(int signal) {
-  char text[200];
-  const int length =
-      snprintf(text, sizeof text, "signal %d in %s %s: length %u, in at %u, out at %u (modulo 64)\n", signal,
-               running.table, running.name, running.count, running.in, running.out);
-  [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, static_cast<size_t>(length));
+unsigned stateComponents(unsigned which) {
+  unsigned low, high;
+  __asm__ volatile("xgetbv" : "=a"(low), "=d"(high) : "c"(which));
+  return low;
 }
 
-// Whether vector registers hold more than SSE code knows of, which slows such code down; false where the
-// processor doesn't tell.
-bool areUpperHalvesInUse() {
+// Whether this processor has AVX and tells which parts of its registers are in use. Asked once: CPUID leaves
+// a virtual machine, and when it comes back all parts may count as in use.
+const bool kTellsPartsInUse = [] {
   unsigned a = 0, b, c = 0, d;
-  __cpuid(1, a, b, c, d);
-  if ((c & bit_OSXSAVE) == 0) return false;
-  __cpuid_count(0xD, 1, a, b, c, d);
-  if ((a & 1U << 2) == 0) return false;
-  constexpr unsigned kAvx = 1U << 2, kAvx512 = 1U << 6;
-  __asm__ volatile("xgetbv" : "=a"(a), "=d"(d) : "c"(1));
-  return (a & (kAvx | kAvx512)) != 0;
+  if (!__get_cpuid(1, &a, &b, &c, &d) || (c & bit_OSXSAVE) == 0 || (c & bit_AVX) == 0) return false;
+  if ((stateComponents(0) & kAvx) == 0) return false;
+  return __get_cpuid_count(0xD, 1, &a, &b, &c, &d) != 0 && (a & 1U << 2) != 0;
+}();
+
+// Whether vector registers hold more than SSE code knows of after a call, which slows such code down. Nothing
+// may come between the call and the question. An interrupt there can leave them in use, too: one answer
+// proves nothing.
+template <typename Call>
+bool leavesUpperHalvesInUse(const Call& call) {
+  if (kTellsPartsInUse) __asm__ volatile("vzeroupper");
+  call();
+  return kTellsPartsInUse && (stateComponents(1) & (kAvx | kAvx512)) != 0;
 }
 
 std::string describe(const Table& table, const Case& c, const Parameters& p) {
@@ -104,7 +102,7 @@ std::string describe(const Table& table, const Case& c, const Parameters& p) {
        << ", words";
   for (const uint32_t word : p.words) text << ' ' << word;
   text << ", tint " << p.tint.gray << ' ' << p.tint.sepia << ", toning";
-  const kernels::Toning& t = p.toning;
+  const kernels::Sepia& t = p.sepia;
   for (uint32_t part : {t.redWeight, t.greenWeight, t.blueWeight, t.red, t.green, t.blue})
     text << ' ' << part;
   text << '\n';
@@ -117,24 +115,31 @@ class Duel {
   Duel(const Table& table, const Case& c, uint32_t seed) : table_(table), case_(c), random_(seed) {}
 
   // One call with drawn contents and parameters; or, `cut`, one for each part of spans that are cut at
-  // random, of which the results are not looked at. False after a failure.
-  bool run(size_t count, const Place& in, const Place& out, bool cut = false) {
+  // random, of which the results are not looked at.
+  void run(size_t count, const Place& in, const Place& out, bool cut = false) {
     layOperands(count, in, out);
     const Hint hint = {spread_, wordOf(0, count > 0 ? random_.word() % count : 0)};
     Parameters expected = drawParameters(random_, case_, hint, random_.word()), got = expected;
     const uint64_t right = case_.run(plain::kTable, definitions_, expected);
-    running = {table_.name, case_.name.c_str(), count, remainder(kernels_.in[0]), remainder(kernels_.out)};
-    const uint64_t result = cut ? runParts(got), right : case_.run(table_, kernels_, got);
-    if (areUpperHalvesInUse()) ADD_FAILURE() << table_.name << ' ' << case_.name << " leaves them in use";
-    if (result != right) {
-      ADD_FAILURE() << describe(table_, case_, got) << where() << std::hex << "got " << result
-                    << ", expected " << right << inputs();
-    }
-    return result == right && areSame(got);
+    uint64_t result = right;
+    const auto call = [&] { cut ? runParts(got) : void(result = case_.run(table_, kernels_, got)); };
+    const bool leavesThem = leavesUpperHalvesInUse(call);
+    ASSERT_TRUE(result == right) << describe(table_, case_, got) << where() << std::hex << "got " << result
+                                 << ", expected " << right;
+    expectSame(got);
+    ASSERT_FALSE(leavesThem && leavesUpperHalvesInUse(call) && leavesUpperHalvesInUse(call))
+        << table_.name << ' ' << case_.name << " leaves the upper halves of registers in use";
+  }
+
+  std::string where() const {
+    const auto remainder = [](const uint8_t* at) { return reinterpret_cast<uintptr_t>(at) % 64; };
+    std::ostringstream text;
+    text << "length " << kernels_.count << ", in at " << remainder(kernels_.in[0]) << ", out at "
+         << remainder(kernels_.out) << (out_ < 3 ? " (in place)" : "") << " modulo 64, ";
+    return text.str();
   }
 
  private:
-  static unsigned remainder(const uint8_t* at) { return reinterpret_cast<uintptr_t>(at) % 64; }
   size_t outSize(size_t count) const { return case_.shape.out * (case_.shape.outIsWhole ? 1 : count); }
 
   void layOperands(size_t count, const Place& in, const Place& out) {
@@ -180,29 +185,23 @@ class Duel {
     }
   }
 
-  bool areSame(const Parameters& parameters) const {
+  void expectSame(const Parameters& parameters) const {
     for (size_t k = 0; k < 4; ++k) {
       const std::optional<ptrdiff_t> offset = operands_[k].difference();
       if (!offset) continue;
       const bool isInside =
           k == out_ && *offset >= 0 && *offset < static_cast<ptrdiff_t>(outSize(kernels_.count));
-      if (!isInside) {
-        ADD_FAILURE() << describe(table_, case_, parameters) << where() << "wrote outside: at byte "
-                      << *offset << " of " << (k == out_ ? "out" : "an input");
-        return false;
-      }
+      ASSERT_TRUE(isInside) << describe(table_, case_, parameters) << where() << "wrote outside: at byte "
+                            << *offset << " of " << (k == out_ ? "out" : "an input");
       const size_t element = case_.shape.outIsWhole ? 4 : case_.shape.out;
       const size_t index = static_cast<size_t>(*offset) / element;
-      std::ostringstream text;
-      text << describe(table_, case_, parameters) << where() << "index " << index << std::hex << ": got "
-           << number(kernels_.out + index * element, element) << ", expected "
-           << number(definitions_.out + index * element, element);
+      std::ostringstream from;
       for (size_t j = 0; j < 3 && kernels_.in[j] && !case_.shape.outIsWhole; ++j)
-        text << ", from " << wordOf(j, index);
-      ADD_FAILURE() << text.str();
-      return false;
+        from << ", from " << std::hex << wordOf(j, index);
+      FAIL() << describe(table_, case_, parameters) << where() << "index " << index << std::hex << ": got "
+             << number(kernels_.out + index * element, element) << ", expected "
+             << number(definitions_.out + index * element, element) << from.str();
     }
-    return true;
   }
 
   static uint32_t number(const uint8_t* at, size_t size) {
@@ -214,23 +213,6 @@ class Duel {
   uint32_t wordOf(size_t k, size_t index) const {
     const size_t size = case_.shape.in[k];
     return kernels_.count > 0 && size > 0 ? number(&contents_[k][index * size], size) : 0;
-  }
-
-  std::string where() const {
-    std::ostringstream text;
-    text << "length " << kernels_.count << ", in at " << running.in << ", out at " << running.out
-         << (out_ < 3 ? " (in place)" : "") << " modulo 64, ";
-    return text.str();
-  }
-  // The elements of the inputs.
-  std::string inputs() const {
-    std::ostringstream text;
-    text << std::hex;
-    for (size_t k = 0; k < 3 && kernels_.in[k]; ++k) {
-      text << "\ninput " << k << ':';
-      for (size_t i = 0; i < kernels_.count; ++i) text << ' ' << wordOf(k, i);
-    }
-    return text.str();
   }
 
   const Table& table_;
@@ -246,14 +228,11 @@ class Duel {
 // A kernel of an instruction set.
 class Kernel : public ::testing::TestWithParam<std::tuple<const Table*, const Case*>> {
  protected:
-  static void SetUpTestSuite() {
-    for (int fault : {SIGSEGV, SIGBUS, SIGILL}) {
-      struct sigaction action = {};
-      action.sa_handler = reportFault;
-      action.sa_flags = static_cast<int>(SA_RESETHAND);  // and on to what would have happened
-      sigaction(fault, &action, nullptr);
-    }
+  // Kernels that touch memory of others end the process.
+  void SetUp() override {
+    describeRunning = [this] { return duel.where(); };
   }
+  void TearDown() override { describeRunning = nullptr; }
   Duel duel{*std::get<0>(GetParam()), *std::get<1>(GetParam()), 4};
 };
 
@@ -266,23 +245,22 @@ std::vector<size_t> lengths() {
 TEST_P(Kernel, AgreesWithItsDefinitionAtAllLengthsAndAlignments) {
   Random random(5);
   for (const size_t length : lengths()) {
-    for (const bool atEnd : {false, true}) ASSERT_TRUE(duel.run(length, {{}, atEnd}, {{}, atEnd}));
+    for (const bool atEnd : {false, true}) duel.run(length, {{}, atEnd}, {{}, atEnd});
     // Over the lengths each pair of alignments comes.
     for (size_t remainder = 0; remainder < 64; ++remainder) {
-      ASSERT_TRUE(duel.run(length, {remainder, random.chance(50)},
-                           {(remainder + 29 * length) % 64, random.chance(50)}));
+      duel.run(length, {remainder, random.chance(50)}, {(remainder + 29 * length) % 64, random.chance(50)});
     }
   }
 }
 
-// Kernels that write; what the others answer for parts follows from their agreement at all lengths.
+// Kernels that write; the answers of the others for parts follow from their agreement at all lengths.
 class WritingKernel : public Kernel {};
 
 TEST_P(WritingKernel, ResultsDontDependOnHowARowIsCut) {
   Random random(6);
   for (int i = 0; i < 200; ++i) {
     const auto length = static_cast<size_t>(random.between(2, 1000));
-    ASSERT_TRUE(duel.run(length, {random.word() % 64, true}, {random.word() % 64, true}, true));
+    duel.run(length, {random.word() % 64, true}, {random.word() % 64, true}, true);
   }
 }
 
@@ -311,7 +289,7 @@ INSTANTIATE_TEST_SUITE_P(Sets, WritingKernel, onAllSets([](const Shape& s) { ret
 TEST(Kernels, AllAreTestedOnAllSetsOfThisProcessor) {
   std::set<size_t> slots;
   for (const Case& c : allCases()) slots.insert(c.slot);
-  // Behind the name there are kernels alone.
+  // Behind the name there are only kernels.
   for (size_t slot = 1; slot < sizeof(Table) / sizeof(void*); ++slot) {
     EXPECT_EQ(slots.count(slot), 1u) << "no case for kernel " << slot << " of kernels::Table";
   }
@@ -352,26 +330,18 @@ class AllColors : public ::testing::TestWithParam<const Case*> {
       const uint64_t right = run(plain::kTable, expected, parameters[0]);
       for (size_t s = 0; s < sets_.size(); ++s) {
         const uint64_t result = run(*sets_[s], got, parameters[1 + s]);
-        ASSERT_TRUE(result == right && got == expected) << difference(*sets_[s], first, expected, got, drawn);
+        ASSERT_TRUE(result == right && got == expected)
+            << describe(*sets_[s], c, drawn) << "colours from " << std::hex << first << " on";
       }
     }
   }
 
  private:
-  std::string difference(const Table& table, uint32_t first, const Bytes& expected, const Bytes& got,
-                         const Parameters& p) const {
-    const auto at = std::mismatch(expected.begin(), expected.end(), got.begin()).first - expected.begin();
-    std::ostringstream text;
-    text << describe(table, *GetParam(), p) << "colours from " << std::hex << first
-         << ": other results from byte " << std::dec << at << " on";
-    return text.str();
-  }
-
   const std::vector<const Table*> sets_ = supportedTables();
 };
 
 TEST_P(AllColors, AgreeWithTheirDefinitions) {
-  for (const uint32_t variant : {0u, 3u}) ASSERT_NO_FATAL_FAILURE(compare(4096, kSpanStep, variant));
+  for (const uint32_t variant : {0u, 3u}) compare(4096, kSpanStep, variant);
   // One result for many says little of each.
   if (GetParam()->shape.out == 0) compare(1, kSingleStep, 1);
 }
@@ -395,7 +365,7 @@ TEST_P(LongSpans, AgreeWithTheirDefinitions) {
     Bytes in(kCount * 4 + 4), out(in.size());
     for (size_t i = 0; i < in.size(); i += contents.size())
       memcpy(&in[i], contents.data(), std::min(contents.size(), in.size() - i));
-    // A word off what memory for so much is aligned to: no cache line starts there.
+    // So much memory is aligned to cache lines: a word further on none starts.
     uint8_t *from = in.data() + 4, *to = inPlace ? from : out.data() + 4;
     Parameters p = drawn;
     c.run(table, {to, {from, from, from}, kCount}, p);
@@ -432,19 +402,28 @@ std::vector<uint32_t> pixelsOfAllDistances() {
   return pixels;
 }
 
+// run(table, out): on those pixels.
+template <typename Run>
+void expectAgreement(const std::vector<uint32_t>& in, const Run& run, uint32_t parameter) {
+  std::vector<uint32_t> expected(in.size()), got(in.size());
+  run(plain::kTable, expected.data());
+  for (const Table* table : supportedTables()) {
+    run(*table, got.data());
+    const auto [right, wrong] = std::mismatch(expected.begin(), expected.end(), got.begin());
+    ASSERT_TRUE(right == expected.end())
+        << table->name << std::hex << ", parameter " << parameter << ", pixel "
+        << in[static_cast<size_t>(right - expected.begin())] << ": got " << *wrong << ", expected " << *right;
+  }
+}
+
 // Factors for which the kernel may calculate otherwise than for huge ones, and some beyond.
 TEST(Kernels, SaturationByEveryModerateFactor) {
   const std::vector<uint32_t> in = pixelsOfAllDistances();
-  std::vector<uint32_t> expected(in.size()), got(in.size());
   for (int32_t factor = -0x8100; factor <= 0x8100; factor += kFactorStep) {
-    plain::saturate(expected.data(), in.data(), in.size(), 0, factor);
-    for (const Table* table : supportedTables()) {
-      table->saturate(got.data(), in.data(), in.size(), 0, factor);
-      const auto [right, wrong] = std::mismatch(expected.begin(), expected.end(), got.begin());
-      ASSERT_TRUE(right == expected.end()) << table->name << ", factor " << factor << std::hex << ", pixel "
-                                           << in[static_cast<size_t>(right - expected.begin())] << ": got "
-                                           << *wrong << ", expected " << *right;
-    }
+    const auto run = [&](const Table& table, Pixel* out) {
+      table.saturate(out, in.data(), in.size(), 0, factor);
+    };
+    expectAgreement(in, run, static_cast<uint32_t>(factor));
   }
 }
 
@@ -456,22 +435,15 @@ TEST(Kernels, TintByBasesOfAllKinds) {
       {0x4C961D, 0xFFFFFF}, {0x4C961D, 0xFFF0D1}, {0x336699, 0xFFCC55}, {0x3355CC, 0xAA0133},
       {0xFF5533, 0xFF66CC}, {0x000000, 0xFFFFFF}, {0x010203, 0x0405FE}, {0x80FE7F, 0x998811},
   };
-  std::vector<uint32_t> in, expected, got;
+  std::vector<uint32_t> in;
   for (uint32_t color = 0; color < 1U << 24; color += 11) in.push_back(color);
-  expected.resize(in.size());
-  got.resize(in.size());
   for (const auto& [gray, sepia] : bases) {
-    kernels::Tint tint = {gray, sepia, {}};
-    plain::tint(expected.data(), in.data(), in.size(), 0, tint);
-    for (const Table* table : supportedTables()) {
-      tint = {gray, sepia, {}};
-      table->tint(got.data(), in.data(), in.size(), 0, tint);
-      const auto [right, wrong] = std::mismatch(expected.begin(), expected.end(), got.begin());
-      ASSERT_TRUE(right == expected.end())
-          << table->name << std::hex << ", bases " << gray << " and " << sepia << ", pixel "
-          << in[static_cast<size_t>(right - expected.begin())] << ": got " << *wrong << ", expected "
-          << *right;
-    }
+    const kernels::Tint fresh = {gray, sepia, {}};
+    const auto run = [&](const Table& table, Pixel* out) {
+      kernels::Tint tint = fresh;
+      table.tint(out, in.data(), in.size(), 0, tint);
+    };
+    expectAgreement(in, run, gray);
   }
 }
 

@@ -80,7 +80,7 @@ TEST_F(Masks, SmallerMasksAreNotRefused) {
   const auto picture = makePicture({3, 3, Rgb{0x111111}});
   const auto mask = makePicture({2, 2, {0x010000, 0x020000, 0x030000, 0x040000}});
   assign(picture, false, mask);
-  // On the cairo road what lies behind a row is the next row; on the console road each row ends for itself.
+  // On the cairo road the next row lies behind a row; on the console road each row is a block of its own.
   const bool rowsFollow = road() == host::Road::cairo;
   const Rgb third = rowsFollow ? 0x111103 : 0x111100;
   EXPECT_EQ(colorsOf(picture), Pixels(3, 3,

@@ -1,4 +1,4 @@
-// Run by old_processor.sh before other programs: the emulated processor really lacks what came after SSE2.
+// Run by old_processor.sh: on its processor the instructions that came after SSE2 are illegal indeed.
 
 #include <csignal>
 #include <cstdio>

@@ -34,21 +34,22 @@ const Case kCases[] = {
     {"", kEncodingUTF8, kEncodingMacRoman, ""},
 };
 
-// First of all, while neither service is known. (An address that was found is not asked for again.)
 TEST_F(OldStringData, NeedsBothServices) {
-  const auto string = host::newString("text");
-  for (bool bytesMissing : {true, false}) {
-    host::clearFaults();
-    host::removeEntryPoint("PluginGetStringData");
-    host::removeEntryPoint("LenB( s as string ) as integer");
-    if (bytesMissing) host::removeEntryPoint("StringGetCString");
-    for (uint32_t encoding : {+kEncodingNone, +kEncodingUTF8, +kEncodingUTF16}) {
-      REALstringData record = {};
-      EXPECT_FALSE(REALGetStringData(string.get(), encoding, &record));
-      EXPECT_EQ(record.data, nullptr);
+  inFreshProcess([&] {
+    const auto string = host::newString("text");
+    for (bool bytesMissing : {true, false}) {
+      host::clearFaults();
+      host::removeEntryPoint("PluginGetStringData");
+      host::removeEntryPoint("LenB( s as string ) as integer");
+      if (bytesMissing) host::removeEntryPoint("StringGetCString");
+      for (uint32_t encoding : {+kEncodingNone, +kEncodingUTF8, +kEncodingUTF16}) {
+        REALstringData record = {};
+        EXPECT_FALSE(REALGetStringData(string.get(), encoding, &record));
+        EXPECT_EQ(record.data, nullptr);
+      }
     }
-  }
-  EXPECT_EQ(host::held().strings, 1);
+    EXPECT_EQ(host::held().strings, 1);
+  });
 }
 
 TEST_F(OldStringData, CopiesTheBytesWithFourZerosBehind) {
@@ -56,7 +57,10 @@ TEST_F(OldStringData, CopiesTheBytesWithFourZerosBehind) {
     SCOPED_TRACE(&c - kCases);
     const auto string = host::newString(c.bytes, c.encoding, /*terminated=*/false);
     REALstringData record = {};
+    host::clearFaults();
+    host::removeEntryPoint("PluginGetStringData");
     ASSERT_TRUE(REALGetStringData(string.get(), c.wanted, &record));
+    EXPECT_EQ(host::uses("StringGetCString"), 1) << "of what was converted alone";
     EXPECT_EQ(record.encoding, c.wanted);
     ASSERT_EQ(record.length, static_cast<int32_t>(c.expected.size()));
     const auto* bytes = static_cast<const char*>(record.data);
@@ -104,15 +108,17 @@ TEST_F(OldStringData, FailsQuietly) {
   EXPECT_FALSE(REALGetStringData(string.get(), 0x7777, &record)) << "an encoding that the host can't make";
 }
 
-// The service once offered, it is used, and what it gives goes back to it. Last, as it stays resolved.
+// Once offered, the service is used, and releases what it gave. In the process at hand it would stay known.
 TEST_F(OldStringData, TheServiceIsTakenWhenItComes) {
-  host::clearFaults();
-  const auto string = host::newString("text");
-  REALstringData record = {};
-  ASSERT_TRUE(REALGetStringData(string.get(), kEncodingNone, &record));
-  EXPECT_EQ(host::held().stringData, 1);
-  REALDisposeStringData(&record);
-  EXPECT_EQ(host::held().stringData, 0);
+  inFreshProcess([&] {
+    host::clearFaults();
+    const auto string = host::newString("text");
+    REALstringData record = {};
+    ASSERT_TRUE(REALGetStringData(string.get(), kEncodingNone, &record));
+    EXPECT_EQ(host::held().stringData, 1);
+    REALDisposeStringData(&record);
+    EXPECT_EQ(host::held().stringData, 0);
+  });
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
 // The editor's corners and the making and copying of pictures, which no registered method reaches by itself.
 
+#include <sys/mman.h>
+
 #include <cmath>
 
 #include "picture/editor.h"
 #include "picture/pictures.h"
+#include "picture/rows.h"
 #include "tests/linked.h"
 
 namespace {
@@ -108,6 +111,48 @@ TEST_F(Pictures, AlphaPicturesNeedAHostThatHasThem) {
     EXPECT_EQ(PictureHasAlphaChannel(made.get()), has && !isGdk()) << version;
     EXPECT_TRUE(own(NewPicture(3, 2, true))) << version;
   }
+}
+
+// Where a new picture turns out to be a copy of 3-byte pixels the alpha form gives up, and the plain form
+// takes a buffer of the size asked for, whatever the copy's.
+TEST_F(Pictures, WritersNeverShowACopy) {
+  host::Settings settings = settingsForRoad();
+  for (const int more : {-1, 0}) {
+    settings.newPicturesGrowBy = more;
+    host::start(settings);
+    for (const bool alpha : {true, false}) {
+      SCOPED_TRACE(std::to_string(more) + (alpha ? " with alpha" : ""));
+      PictureWriter writer;
+      const bool opened =
+          alpha ? writer.NewPictureWriterWithAlphaChannel(4, 3) : writer.NewPictureWriter(4, 3);
+      EXPECT_EQ(opened, isGdk() ? !alpha : more == 0);
+      EXPECT_EQ(writer.picture != nullptr, opened && !isGdk());
+    }
+  }
+}
+
+// Addresses behind the middle of the memory are as good as others: a black surface of more than 2 GiB.
+TEST_F(Pictures, RowsOfMoreThanHalfTheMemory) {
+  constexpr int32_t kWidth = 30000, kHeight = 17900;
+  constexpr size_t kBytes = size_t{kWidth} * kHeight * 4;
+  void* const memory = mmap(nullptr, kBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (memory == MAP_FAILED) GTEST_SKIP() << "no room for " << kBytes << " bytes";
+  PictureReader reader;
+  reader.format = kFormatCairoOpaque;
+  reader.bytesPerPixel = 4;
+  reader.width = kWidth;
+  reader.height = kHeight;
+  reader.rowBytes = kWidth * 4;
+  reader.firstRow = reader.row = static_cast<uint8_t*>(memory);
+  size_t pixels = 0;
+  const auto look = [&](const kernels::Pixel* in, size_t count) {
+    pixels += count;
+    return in + count <= static_cast<const void*>(static_cast<uint8_t*>(memory) + kBytes);
+  };
+  EXPECT_TRUE(scanRegion(reader, Region::whole(reader), look));
+  EXPECT_EQ(pixels, kBytes / 4);
+  EXPECT_EQ(RowSource(reader, Region::cut(0, kHeight - 1, kWidth, 1, reader)).readable(0, kWidth), kWidth);
+  munmap(memory, kBytes);
 }
 
 TEST_F(Pictures, ClonesWithAndWithoutMasks) {

@@ -66,7 +66,7 @@ TEST_F(Records, FlagsSetByCode) {
   EXPECT_EQ(type.flags, 0x116u);
 }
 
-TEST_F(Records, InstanceDataIsRoundedUpForClassesAlone) {
+TEST_F(Records, InstanceDataIsRoundedUpOnlyForClasses) {
   CurrentREALControlVersion = 12;
   struct Case {
     int32_t declared, registered;
@@ -135,7 +135,7 @@ TEST_F(Records, OldHostsGetShorterRecords) {
   expectShortened<REALevent, REALoldEvent>(old->events, eventsBefore, 3);
   for (size_t i = 0; i < 3; ++i)
     EXPECT_EQ(events[i].forOldHosts, reinterpret_cast<REALoldEvent*>(old->events) + i);
-  // Everything else as it was, but for the version and the obsolete words.
+  // Everything else as it was, except the version and the obsolete words.
   const auto* words = reinterpret_cast<const uint32_t*>(old);
   const auto* before = reinterpret_cast<const uint32_t*>(&type);
   EXPECT_EQ(words[0], 9u);

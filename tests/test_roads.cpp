@@ -1,5 +1,5 @@
-// The roads to a picture's pixels: which is taken, and what each refuses. Pictures and drawing libraries that
-// fail in every way are tried elsewhere.
+// The roads to a picture's pixels: which is taken, and which pictures each refuses. test_odd_pictures has all
+// ways in which pictures and drawing libraries fail.
 
 #include <dlfcn.h>
 
@@ -41,20 +41,6 @@ TEST_F(Roads, RefusedSurfaces) {
     EXPECT_EQ(host::held().descriptionLocks, alpha ? 1 : 0);
   }
   leaves.errors = 1;  // the picture with alpha died locked
-}
-
-TEST_F(Roads, BitmapsThatAreNotWhole) {
-  if (!isConsole()) GTEST_SKIP();
-  constexpr void (*spoils[])(host::PictureOddities&) = {
-      [](host::PictureOddities& o) { o.bitmapKind = 1; },
-      [](host::PictureOddities& o) { o.noRowTable = true; },
-      [](host::PictureOddities& o) { o.noRequired = true; },
-  };
-  for (const auto spoil : spoils) {
-    const auto picture = makePicture(source_);
-    spoil(oddities(picture.get()));
-    EXPECT_FALSE(inverts(picture));
-  }
 }
 
 TEST_F(Roads, UnlockablePicturesAreReadThroughACopy) {

@@ -1,4 +1,4 @@
-// Scrolling in place: what moves where, masks, and the answers for pictures that can't be scrolled.
+// Scrolling in place: moved and filled pixels, masks, and the answers for pictures that can't be scrolled.
 
 #include "tests/support.h"
 
@@ -106,7 +106,7 @@ TEST_F(Scroll, MasksThatCanNotBeScrolled) {
   EXPECT_TRUE(horizontally(picture, 1, true, true));
   EXPECT_EQ(wordsOf(picture), scrolled(words, 6, 1, 0, true));
   EXPECT_FALSE(both(picture, 1, 1, true, true));
-  EXPECT_EQ(wordsOf(picture), scrolled(words, 6, 2, 0, true)) << "sideways alone";
+  EXPECT_EQ(wordsOf(picture), scrolled(words, 6, 2, 0, true)) << "only sideways";
 }
 
 TEST_F(Scroll, PicturesThatCanNotBeScrolledAreDoneSidewaysAndFailUpAndDown) {

@@ -95,7 +95,7 @@ TEST_F(Search, EveryColumn) {
   }
 }
 
-// A needle larger than what is sampled for its rarest pixel, in a large picture.
+// Only part of so large a needle is sampled for its rarest pixel.
 TEST_F(Search, LargePictures) {
   if (road() == host::Road::gdk) return;  // the same code, and slow through the X server
   Pixels picture(1200, 700, Rgb{0xFFFFFF});

@@ -202,6 +202,8 @@ TEST_F(Text, DataOfABlock) {
   }
   EXPECT_EQ(host::references(block.get()), 1);
   EXPECT_EQ(rbData(static_cast<REALmemoryBlockStruct*>(nullptr)).length(), 0);
+  host::failAt("memoryBlockGetPtr", 1);
+  EXPECT_EQ(rbData(block.get(), 0, 4).length(), 0) << "no bytes, no length";
 }
 
 TEST_F(Text, LeakedDataReleasesNothing) {

@@ -1,5 +1,5 @@
-// What the per-pixel methods make of known colours: truncation, clamping and wrapping, odd numbers; and of
-// large pictures, which may go another way than small ones.
+// The per-pixel methods on known colours: truncation, clamping and wrapping, odd numbers; and on large
+// pictures, which may go another way than small ones.
 
 #include <algorithm>
 #include <limits>
@@ -46,10 +46,10 @@ const Case kCases[] = {
     {kContrast, {-1.0, 0.0, 1.0}, 0x646464, 0x7F6449},
     {kContrastLinear, {-1.0, 0.0, 1.0, -255.0, 0.0, 255.0}, 0x646464, 0x0064FF},
     {kContrastAbsolute, {-1.0, 0.0, 1.0, 1.0, 2.0, 3.0}, 0x646464, 0x80664C},
-    // Out of range: linear brightness alone wraps, with the low 8 bits.
+    // Out of range: only linear brightness wraps, with the low 8 bits.
     {kLinear, {300.0}, 0x000000, 0x2C2C2C},
     {kContrastLinear, {0.0, 300.0}, 0x000000, 0xFFFFFF},
-    // What no 32-bit integer can hold becomes the most negative one: black, however large it was.
+    // Numbers that no 32-bit integer can hold become the most negative one: black, however large they were.
     {kLinear, {1e12}, 0x00FF10, 0x00FF00},  // 255 * f + o comes out as 255 exactly
     {kAbsolute, {2147483392.0}, 0x00FFFF, 0xFFFFFF},
     {kAbsolute, {2147483648.0}, 0x00FF10, 0x000000},
@@ -69,7 +69,7 @@ const Case kCases[] = {
     {kTint, {Color{0xFFFFFF}, Color{0xFFFFFF}}, rgb(50, 50, 50), rgb(150, 150, 150)},
     {kTint, {Color{0xFFFFFF}, Color{0xFFFFFF}}, rgb(100, 100, 100), rgb(255, 255, 255)},
     {kTint, {Color{0xAAFF0000}, Color{0x55FF8000}}, rgb(200, 10, 10), rgb(200, 100, 0)},
-    // 85 / 255 is a little below a third: what would be whole is one less.
+    // 85 / 255 is a little below a third: whole results are one less.
     {kTint, {Color{0x555555}, Color{0xFFFFFF}}, rgb(100, 100, 100), rgb(99, 99, 99)},
     {kTint, {Color{0x555555}, Color{0xFFFFFF}}, rgb(101, 100, 100), rgb(100, 100, 100)},
     // Colours match exactly or not at all, whatever the top bytes.

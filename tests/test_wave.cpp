@@ -45,7 +45,7 @@ const SoundCase kSounds[] = {
     {"16 bits", 1, 1, 16, {0x00, 0x80, 0xFF, 0xFF, 0x34, 0x12}, 15, {0x00, 0x80, 0xFF, 0xFF, 0x34, 0x12}},
     {"24 bits", 1, 1, 24, {0x00, 0x34, 0x12}, 15, {0x34, 0x12}},
     {"two channels", 1, 2, 16, {0x00, 0x10, 0x00, 0x20, 0x00, 0x10, 0x00, 0xF0}, 15, {0x00, 0x18, 0, 0}},
-    // 0.5, and 2 beyond what a sample can say.
+    // 0.5, and 2, which no sample can say.
     {"floats", 3, 1, 32, {0, 0, 0, 0x3F, 0, 0, 0, 0x40}, 15, {0x00, 0x40, 0xFF, 0x7F}},
 };
 
@@ -98,6 +98,16 @@ TEST_F(Wave, WritesWhatTheMethodAnswers) {
   EXPECT_NE(runLine("wave sound.wav --width 2001").status, 0) << "too short";
   EXPECT_EQ(runLine("wave sound.wav --smooth -1").status, 2) << "would be no waveform";
   EXPECT_FALSE(std::filesystem::exists(folder_ / "sound-wave.png"));
+}
+
+// The pen covers much of the picture, and steep lines have many points.
+TEST_F(Wave, DrawsWideOutlinesInSeconds) {
+  Bytes samples;
+  for (size_t i = 0; i < 48000; ++i) samples.push_back(i / 20 % 2 == 0 ? 0 : 128);
+  write(wav(1, 1, 8, samples));
+  const std::string words =
+      "wave sound.wav -o wave.png --auto-scale --width 1200 --height 1000 --outline 1000";
+  EXPECT_EQ(runLine(words, "ulimit -t 60 &&").status, 0);
 }
 
 }  // namespace

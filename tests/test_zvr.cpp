@@ -14,8 +14,8 @@ namespace {
 
 using namespace zvr_test;
 
-// A flat JPEG of one to four components.
-void writeJpeg(const fs::path& path, int components) {
+// A JPEG of one to four components; with scans a progressive one.
+void writeJpeg(const fs::path& path, int components, const std::vector<jpeg_scan_info>& scans = {}) {
   constexpr J_COLOR_SPACE kSpaces[] = {JCS_UNKNOWN, JCS_GRAYSCALE, JCS_UNKNOWN, JCS_RGB, JCS_CMYK};
   jpeg_compress_struct encoder{};
   jpeg_error_mgr errors;
@@ -28,6 +28,10 @@ void writeJpeg(const fs::path& path, int components) {
   encoder.input_components = components;
   encoder.in_color_space = kSpaces[components];
   jpeg_set_defaults(&encoder);
+  if (!scans.empty()) {
+    encoder.scan_info = scans.data();
+    encoder.num_scans = static_cast<int>(scans.size());
+  }
   jpeg_start_compress(&encoder, TRUE);
   Bytes row(static_cast<size_t>(64 * components), 200);
   while (encoder.next_scanline < encoder.image_height) {
@@ -39,6 +43,17 @@ void writeJpeg(const fs::path& path, int components) {
   jpeg_destroy_compress(&encoder);
   writeBytes(path, Bytes(memory, memory + size));
   std::free(memory);
+}
+
+// Every coefficient of a gray picture by itself, and its last bit in a scan of its own where asked: 64 or
+// 127.
+std::vector<jpeg_scan_info> manyScans(bool isRefined) {
+  std::vector<jpeg_scan_info> scans = {{1, {0}, 0, 0, 0, 0}};
+  for (int i = 1; i < 64; ++i) {
+    scans.push_back({1, {0}, i, i, 0, isRefined ? 1 : 0});
+    if (isRefined) scans.push_back({1, {0}, i, i, 1, 0});
+  }
+  return scans;
 }
 
 TEST_F(Zvr, invertsOnDesktopAndConsole) {
@@ -73,7 +88,7 @@ TEST_F(Zvr, keepsTransparencyOnEveryKindOfHost) {
     const char *host, *version;
   } const hosts[] = {{"cairo", "2013.03"}, {"cairo", "2010.1"}, {"console", "2013.03"}, {"console", "none"}};
   for (const auto& [host, version] : hosts) {
-    // A question changes nothing: what is written is what was read.
+    // A question changes nothing: the picture is written as it was read.
     const Finished done = run(
         {"apply", "glass.png", "HasMaskZVR", "-o", "same.png", "--host", host, "--host-version", version});
     ASSERT_EQ(done.status, 0) << done.errors;
@@ -93,7 +108,7 @@ TEST_F(Zvr, keepsTransparencyOnEveryKindOfHost) {
 TEST_F(Zvr, readsEveryKindOfFileByContent) {
   writePng(folder_ / "gray.png", rgb_, PNG_FORMAT_GRAY);
   writeJpeg(folder_ / "color.dat", 3);
-  writeJpeg(folder_ / "gray.jpeg", 1);
+  writeJpeg(folder_ / "gray.jpeg", 1, manyScans(false));
   fs::copy(folder_ / "photo.png", folder_ / "really-png.jpg");
   const Finished done = run({"apply", "gray.png", "color.dat", "gray.jpeg", "really-png.jpg", "InvertZVR",
                              "-o", "out/{n}-{name}.{ext}", "--quality", "100"});
@@ -116,6 +131,7 @@ TEST_F(Zvr, writesOnlyWhatWasMade) {
 TEST_F(Zvr, goesOnAfterAnInputThatFails) {
   const Bytes good = readBytes(folder_ / "photo.png");
   writeJpeg(folder_ / "cmyk.jpg", 4);
+  writeJpeg(folder_ / "scans.jpg", 1, manyScans(true));
   writeJpeg(folder_ / "color.jpg", 3);
   const Bytes jpeg = readBytes(folder_ / "color.jpg");
   Bytes flipped = good;
@@ -127,19 +143,20 @@ TEST_F(Zvr, goesOnAfterAnInputThatFails) {
   writeBytes(folder_ / "empty.png", {});
   writeBytes(folder_ / "text.png", {'h', 'i'});
   fs::create_directory(folder_ / "folder.png");
-  const Finished done =
-      run({"apply", "half.png", "half.jpg", "flipped.png", "empty.png", "text.png", "cmyk.jpg", "folder.png",
-           "gone.png", "photo.png", "InvertZVR", "-o", "out/{n}.png", "--ledger"});
+  const Finished done = run({"apply", "half.png", "half.jpg", "flipped.png", "empty.png", "text.png",
+                             "cmyk.jpg", "folder.png", "gone\x1b[1m\n\xc2\x9b\xff\u00e9.png", "scans.jpg",
+                             "photo.png", "InvertZVR", "-o", "out/{n}.png", "--ledger"});
   EXPECT_EQ(done.status, 1);
-  EXPECT_EQ(filesIn(folder_ / "out"), std::vector<std::string>{"9.png"});
+  EXPECT_EQ(filesIn(folder_ / "out"), std::vector<std::string>{"10.png"});
   for (const char* problem :
        {"half.png: damaged PNG", "half.jpg: damaged JPEG", "flipped.png: damaged PNG",
         "empty.png: the file is empty", "text.png: neither a PNG nor a JPEG", "cmyk.jpg: CMYK",
-        "folder.png: ", "gone.png: No such file", "held: 0 objects"}) {
+        "folder.png: ", "gone\\x1B[1m\\x0A\\xC2\\x9B\\xFF\u00e9.png: No such file",
+        "scans.jpg: a JPEG of more than 100 scans", "held: 0 objects"}) {
     EXPECT_TRUE(contains(done.errors, problem)) << problem << "\n" << done.errors;
   }
   // One line each, and nothing from the libraries themselves.
-  EXPECT_EQ(std::count(done.errors.begin(), done.errors.end(), '\n'), 9) << done.errors;
+  EXPECT_EQ(std::count(done.errors.begin(), done.errors.end(), '\n'), 10) << done.errors;
 }
 
 TEST_F(Zvr, refusesPicturesThatAreTooLarge) {
@@ -155,12 +172,56 @@ TEST_F(Zvr, leavesNothingHalfWritten) {
   fs::create_directory(folder_ / "taken.png");
   EXPECT_EQ(run({"apply", "photo.png", "InvertZVR", "-o", "taken.png/x.png/"}).status, 0);
   EXPECT_EQ(filesIn(folder_ / "taken.png/x.png"), std::vector<std::string>{"photo-InvertZVR.png"});
-  // No room on the way (nor for what it says): the old file stays as it was, and no other is left.
-  const Bytes before = readBytes(folder_ / "photo.png");
-  const Finished done = run({"apply", "photo.png", "InvertZVR", "-o", "photo.png"}, "ulimit -f 0 &&");
+  // No room (nor for messages): the old file stays as it was, and no other is left.
+  writeBytes(folder_ / "old.png", {1});
+  const Finished done = run({"apply", "photo.png", "InvertZVR", "-o", "old.png"}, "ulimit -f 0 &&");
   EXPECT_EQ(done.status, 1);
-  EXPECT_EQ(readBytes(folder_ / "photo.png"), before);
-  EXPECT_EQ(filesIn(folder_), (std::vector<std::string>{"photo.png", "taken.png"}));
+  EXPECT_EQ(readBytes(folder_ / "old.png"), Bytes{1});
+  EXPECT_EQ(filesIn(folder_), (std::vector<std::string>{"old.png", "photo.png", "taken.png"}));
+}
+
+TEST_F(Zvr, keepsModesAndLinks) {
+  writeBytes(folder_ / "old.png", {1});
+  fs::permissions(folder_ / "old.png", fs::perms{0600});
+  fs::create_symlink("old.png", folder_ / "link.png");
+  fs::create_symlink("folder/new.png", folder_ / "dangling.png");
+  for (const char* name : {"link.png", "dangling.png"}) {
+    ASSERT_EQ(run({"apply", "photo.png", "InvertZVR", "-o", name}).status, 0);
+    EXPECT_TRUE(fs::is_symlink(folder_ / name)) << name;
+    EXPECT_EQ(readPng(folder_ / name), inverted(rgb_)) << name;
+  }
+  EXPECT_EQ(fs::status(folder_ / "old.png").permissions(), fs::perms{0600});
+  EXPECT_TRUE(fs::is_regular_file(folder_ / "folder/new.png"));
+}
+
+// Under whatever name, and before anything is written.
+TEST_F(Zvr, writesOverNoInput) {
+  fs::copy(folder_ / "photo.png", folder_ / "2.png");
+  fs::create_hard_link(folder_ / "2.png", folder_ / "hard.png");
+  fs::create_symlink("2.png", folder_ / "soft.png");
+  fs::create_symlink(".", folder_ / "here");
+  const std::vector<std::string> files = filesIn(folder_);
+  const char* cases[] = {
+      "photo.png 2.png InvertZVR -o '{n}.png'",
+      "photo.png MergePictureZVR @ 2.png -o hard.png",
+      "photo.png EmbeddedMaskZVR false = 2.png -o soft.png",
+      "photo.png ReplaceRedChannelZVR --in RedChannel=soft.png -o here/2.png",
+      "photo.png CountColorsZVR --in red=2.png --out blue=hard.png",
+      "photo.png CountColorsZVR --out red=new --out blue=here/new",
+  };
+  for (const char* words : cases) {
+    const Finished done = runLine(std::string("apply ") + words);
+    EXPECT_EQ(done.status, 2) << words;
+    EXPECT_TRUE(contains(done.errors, " would ") && contains(done.errors, " be written ")) << done.errors;
+  }
+  EXPECT_EQ(filesIn(folder_), files);
+  EXPECT_EQ(readPng(folder_ / "2.png"), rgb_);
+}
+
+TEST_F(Zvr, makesNoFolderOfAName) {
+  fs::rename(folder_ / "photo.png", folder_ / "...png");
+  EXPECT_EQ(run({"apply", "...png", "InvertZVR", "-o", "out/{name}/x.png"}).output,
+            "wrote out/...png/x.png\n");
 }
 
 TEST_F(Zvr, saysWhyAnOutputCantBeWritten) {
@@ -219,6 +280,14 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{{"apply", "photo.png", "InvertZVR", "-o", "out.gif"}, ".png, .jpg or .jpeg"},
         Refused{{"apply", "photo.png", "InvertZVR", "-o", "{what}.png"}, "{what} is unknown"},
         Refused{{"apply", "photo.png", "./photo.png", "InvertZVR", "-o", "x.png"}, "would both be written"},
+        Refused{{"apply", "photo.png", "InvertZVR", "-o", "./photo.png"}, "over the input photo.png"},
+        Refused{{"run", "PictureSepiaZVR", "photo.png", "-o", "photo.png"}, "over the input photo.png"},
+        Refused{{"run", "PictureSepiaZVR", "a.png", "SourcePicture=photo.png", "-o", "photo.png"},
+                "over the input photo.png"},
+        Refused{{"lut", "a.png", "photo.png", "-o", "photo.png"}, "over the input photo.png"},
+        Refused{{"wave", "photo.png", "-o", "photo.png"}, "over the input photo.png"},
+        Refused{{"gallery", "files/part.png", "-o", "."}, "over the input files/part.png"},
+        Refused{{"gallery", "photo.png", "--sound", "a/files/samples.raw", "-o", "a"}, "over the input a/"},
         Refused{{"apply", "photo.png", "InvertZVR", "--bogus"}, "--bogus"},
         Refused{{"apply", "photo.png", "InvertZVR", "-o"}, "-o"},
         Refused{{"apply", "photo.png", "InvertZVR", "--quality", "101"}, "--quality"},
@@ -232,7 +301,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{{"apply", "photo.png", "CountColorsZVR", "+", "TransformColorsZVR", "--in", "red=a"},
                 "write METHOD.red"},
         Refused{{"apply", "photo.png", "CountColorsZVR", "nil"}, "a byref argument takes no word"},
-        Refused{{"apply", "photo.png", "PicturetoBinaryStringZVR", "+", "InvertZVR"}, "no picture but bytes"},
+        Refused{{"apply", "photo.png", "PicturetoBinaryStringZVR", "+", "InvertZVR"}, "bytes, not a picture"},
         Refused{{"apply", "photo.png", "InvertZVR", "+", "BinaryStringtoPictureZVR"}, "@ is a picture"},
         Refused{{"apply", "photo.png", "InvertZVR", "=", "photo.png"}, "can't be assigned to"},
         Refused{{"apply", "photo.png", "EmbeddedMaskZVR", "true", "="}, "expected one value after ="},

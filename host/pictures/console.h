@@ -7,7 +7,7 @@
 
 namespace host {
 
-// Null when the picture can't be shown.
+// Never null.
 std::unique_ptr<PixelView> viewByConsole(Picture& picture);
 
 }  // namespace host

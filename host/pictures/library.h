@@ -11,7 +11,7 @@ namespace host {
 
 class Library {
  public:
-  // Throws MissingLibrary with the loader's words. The library stays open for good.
+  // Throws MissingLibrary with the loader's words. The library stays open as long as the process lives.
   explicit Library(const char* name) : handle_(dlopen(name, RTLD_NOW | RTLD_LOCAL)) {
     if (!handle_) throw MissingLibrary(std::string("this host needs a library: ") + dlerror());
   }

@@ -17,7 +17,7 @@ Picture* wanted(const REALpictureStruct* picture, const char* purpose) {
   return find<Picture>(picture, purpose);
 }
 
-// The pixel of a mask that stands for a picture's own alpha channel: white where nothing is seen.
+// The pixel of a mask that stands for a picture's own alpha channel: white where the picture is transparent.
 uint32_t maskPixel(uint32_t word) {
   const bool console = settings().road == Road::console;
   const uint32_t transparency = console ? (word >> 24 & 0x7F) * 255 / 127 : 255 - (word >> 24);
@@ -68,7 +68,7 @@ REALpictureStruct* buildFromBuffer(int32_t width, int32_t height, int32_t pixelT
 
 REALpictureStruct* buildFromPlatformImage(void*) { return nullptr; }
 
-// A buffer is the host's also when no picture came of it.
+// As a fault, the host takes the buffer over although it makes no picture.
 void failToBuild(int32_t, int32_t, int32_t, uint8_t* buffer, int32_t) { std::free(buffer); }
 
 RBBoolean lockNaturally(REALpictureStruct* picture, REALpictureDescription* description) {
@@ -194,7 +194,7 @@ void unlockPicture(REALpictureStruct* handle) {
   if (picture->words->count == 0) return noteError("unlock without a lock: " + picture->describe());
   --picture->words->count;
   if (picture->halfLocks > 0) {
-    --picture->halfLocks;  // the failed lock is what is cleaned up first
+    --picture->halfLocks;  // the failed lock is cleaned up first
   }
   if (picture->words->count == picture->halfLocks) picture->view.reset();
 }

@@ -1,2 +1,2 @@
-// Nothing: built under the names of cairo, GTK and GDK it is a library that opens but holds none of their
+// Built under the names of cairo, GTK and GDK, this is a library that can be opened and has none of their
 // functions.

@@ -1,4 +1,4 @@
-// What our host, with Settings::plainDrawables, shows as a drawable.
+// The drawable that our host shows with Settings::plainDrawables.
 #pragma once
 
 #include <cstdint>

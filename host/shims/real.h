@@ -1,4 +1,4 @@
-// Reaching past a shim to the library that it stands in for.
+// How a shim reaches the library that it stands in for.
 #pragma once
 
 #include <dlfcn.h>

@@ -26,7 +26,7 @@ struct Outputs {
 Outputs planAll(const Chain& chain, const ApplyOptions& own) {
   std::string label;
   for (const Step& step : chain.steps) label += (label.empty() ? "" : "-") + step.method->declaration.name;
-  OutputPlan plan;
+  OutputPlan plan(filesRead(chain));
   Outputs outputs;
   outputs.results = chain.left == Kind::data ? plan.data(chain.inputs, "-o", own.output, label)
                                              : plan.pictures(chain.inputs, "-o", own.output, label);
@@ -37,7 +37,7 @@ Outputs planAll(const Chain& chain, const ApplyOptions& own) {
   return outputs;
 }
 
-// Takes the walk through every step. The blocks to write, as Chain::blocks.
+// Takes the walk through every step. Answers the blocks to write, in the order of Chain::blocks.
 std::vector<Bytes> takeAll(Walk& walk, const Chain& chain) {
   std::vector<Bytes> blocks(chain.blocks.size());
   for (size_t i = 0; i < chain.steps.size(); ++i) {
@@ -59,7 +59,7 @@ void applyToOne(size_t input, const Chain& chain, const Outputs& outputs, const 
   const std::vector<Bytes> blocks = takeAll(walk, chain);
   for (size_t i = 0; i < blocks.size(); ++i) {
     writeFile(outputs.blocks[i][input], blocks[i]);
-    terminal::print("wrote " + outputs.blocks[i][input]);
+    terminal::printWritten(outputs.blocks[i][input]);
   }
   const std::string& output = outputs.results[input];
   // Methods without a picture result may have changed their picture in place.
@@ -69,7 +69,7 @@ void applyToOne(size_t input, const Chain& chain, const Outputs& outputs, const 
   } else {
     writeFile(output, walk.data());
   }
-  terminal::print("wrote " + output);
+  terminal::printWritten(output);
 }
 
 int apply(const Options& options, const ApplyOptions& own) {
@@ -115,7 +115,7 @@ constexpr const char* kNotes =
     "A String that is the last answer goes to -o byte by byte, into a file of any name. A picture that no "
     "step\n"
     "made or changed is not written unless -o is given. JPEG has no transparency: it becomes white. Options\n"
-    "stand anywhere; words after -- are never options.\n"
+    "stand anywhere; words after -- are never options. No result is written over a file that is read.\n"
     "\n"
     "Examples:\n"
     "  zvr apply photo.png InvertZVR -o out.png\n"

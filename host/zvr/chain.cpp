@@ -57,7 +57,7 @@ Argument argumentOf(const host::Parameter& parameter, const std::string& word) {
   return ArgumentFile{word};
 }
 
-// How many words a method takes, at least and at most.
+// Whether a method takes as many words as are given.
 bool admits(const host::Declaration& declaration, const StepWords& words) {
   size_t least = 0, most = 0;
   for (const host::Parameter& parameter : declaration.parameters) {
@@ -101,21 +101,25 @@ Step stepOf(const host::Method& method, const StepWords& words) {
 
 [[noreturn]] void refuseCount(const StepWords& words) {
   const size_t count = words.arguments.size();
-  std::string text = words.overloads[0]->declaration.name + ": " + std::to_string(count) +
-                     (count == 1 ? " argument" : " arguments") + " given, expected";
+  const std::string text = words.overloads[0]->declaration.name + ": " + std::to_string(count) +
+                           (count == 1 ? " argument" : " arguments") + " given, expected";
+  Words further;
   bool takesFile = false, takesNoWord = false;
   for (const host::Method* method : words.overloads) {
-    text += "\n  " + signatureText(method->declaration);
+    further.push_back("  " + signatureText(method->declaration));
     for (const host::Parameter& parameter : method->declaration.parameters) {
       takesNoWord = takesNoWord || parameter.byRef;
       takesFile = takesFile || (isFileType(parameter.type) && !parameter.byRef);
     }
   }
   if (takesFile) {
-    text += "\na Picture, MemoryBlock or String is given as a file name, as @ (the current one) or as nil";
+    further.emplace_back(
+        "a Picture, MemoryBlock or String is given as a file name, as @ (the current one) or as nil");
   }
-  if (takesNoWord) text += "\na byref argument takes no word: it is printed, or written with --out NAME=PATH";
-  throw UsageError(text);
+  if (takesNoWord) {
+    further.emplace_back("a byref argument takes no word: it is printed, or written with --out NAME=PATH");
+  }
+  throw UsageError(text, std::move(further));
 }
 
 Step parseStep(const StepWords& words) {
@@ -156,7 +160,7 @@ class KindCheck {
     const Kind wanted = type == Type::picture ? Kind::picture : Kind::data;
     if (kind_ != Kind::input && kind_ != wanted) {
       throw UsageError(what + ", but here @ is " +
-                       (wanted == Kind::data ? "a picture" : "no picture but bytes"));
+                       (wanted == Kind::data ? "a picture" : "bytes, not a picture"));
     }
     kind_ = wanted;
   }
@@ -177,7 +181,7 @@ BlockOutput blockOutput(const NamedFile& file, const std::vector<Step>& steps) {
   return output;
 }
 
-// No word names a method: the first that is no file either was most likely meant to.
+// No word names a method; the first that names no file either was probably meant to.
 [[noreturn]] void refuseWithoutMethod(const Words& words) {
   for (const std::string& word : words) {
     std::error_code error;
@@ -210,12 +214,28 @@ void addIns(std::vector<StepWords>& steps, const Words& ins) {
 
 }  // namespace
 
+std::vector<std::string> filesRead(const Chain& chain) {
+  std::vector<std::string> files = chain.inputs;
+  const auto add = [&](const Argument& argument) {
+    if (const auto* file = std::get_if<ArgumentFile>(&argument)) files.push_back(file->path);
+  };
+  for (const Step& step : chain.steps) {
+    std::for_each(step.arguments.begin(), step.arguments.end(), add);
+    if (step.assigned) add(*step.assigned);
+  }
+  return files;
+}
+
+std::string inputWord(const std::string& path) {
+  return namesMethod(path) || path == kBetweenSteps ? "./" + path : path;
+}
+
 bool isFileType(host::Type type) {
   return type == Type::picture || type == Type::memoryBlock || type == Type::string;
 }
 
 Chain parseChain(const Words& words, const Words& ins, const Words& outs) {
-  // What follows a + is a method's name, never an input.
+  // The word after a + is a method's name, never an input.
   const auto firstPlus = std::find(words.begin(), words.end(), kBetweenSteps);
   const auto first = std::find_if(words.begin(), firstPlus, namesMethod);
   if (first == firstPlus) refuseWithoutMethod(Words(words.begin(), firstPlus));

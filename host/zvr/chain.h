@@ -10,7 +10,7 @@
 
 namespace zvr {
 
-// What the step before left, or the input: written @.
+// The result of the step before, or the input; written @.
 struct Current {};
 // A file that becomes what the parameter is: a picture, or the bytes of a memory block or string.
 struct ArgumentFile {
@@ -30,15 +30,20 @@ struct BlockOutput {
   std::string pattern;             // as planned by OutputPlan
 };
 
-// What @ stands for. An input is a file of either kind until a step takes it as one.
+// The kind of @. An input is a file of either kind until a step takes it as one.
 enum class Kind { input, picture, data };
 
 struct Chain {
   std::vector<std::string> inputs;
   std::vector<Step> steps;
   std::vector<BlockOutput> blocks;
-  Kind left = Kind::input;  // what the last step leaves
+  Kind left = Kind::input;  // of what the last step leaves
 };
+
+// Every file that a chain reads: its inputs, and those among the arguments.
+std::vector<std::string> filesRead(const Chain& chain);
+// A path as a word among the inputs, which a method's name or a + would end.
+std::string inputWord(const std::string& path);
 
 // Whether arguments of this type are files.
 bool isFileType(host::Type type);

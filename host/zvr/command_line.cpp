@@ -16,8 +16,6 @@ bool isNumber(const std::string& word) {
   return error != std::errc::invalid_argument && stop == end;
 }
 
-bool isOption(const std::string& word) { return word.size() > 1 && word[0] == '-' && !isNumber(word); }
-
 const CLI::App* findCommand(const CLI::App& program, const std::string& name) {
   for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
     if (command->get_name() == name) return command;
@@ -44,6 +42,8 @@ bool takesNextWord(const CLI::App& program, const CLI::App* command, const std::
 
 }  // namespace
 
+bool readsAsOption(const std::string& word) { return word.size() > 1 && word[0] == '-' && !isNumber(word); }
+
 std::vector<std::string> sortWords(const CLI::App& program, const std::vector<std::string>& words) {
   std::vector<std::string> sorted, plain;
   const CLI::App* command = nullptr;
@@ -52,7 +52,7 @@ std::vector<std::string> sortWords(const CLI::App& program, const std::vector<st
       plain.insert(plain.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1, words.end());
       break;
     }
-    if (isOption(words[i])) {
+    if (readsAsOption(words[i])) {
       sorted.push_back(words[i]);
       if (!takesNextWord(program, command, words[i])) continue;
       if (i + 1 == words.size()) throw UsageError(words[i] + ": the value is missing");

@@ -10,6 +10,9 @@ class App;
 
 namespace zvr {
 
+// Whether a word begins as an option does, and is no number.
+bool readsAsOption(const std::string& word);
+
 // The words of the command line with the options of a subcommand moved before its other words and -- between
 // them, so that "apply photo.png ChangeBrightnessLinearZVR -5 -o out.png" reads as meant: what reads as a
 // number is a word, and so is everything after a -- that was given. Throws UsageError for a subcommand that

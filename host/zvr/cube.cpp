@@ -14,7 +14,7 @@ namespace {
 
 constexpr double kLargestValue = 65536;  // of entries and inputs, beyond what any look needs
 
-// A word of the file as it may stand in a message.
+// A word of the file, made fit for a message.
 std::string quoted(std::string_view word) {
   constexpr size_t kLongest = 24;
   std::string text(word.substr(0, kLongest));
@@ -98,7 +98,7 @@ class Reader {
   }
 
   void takeSize() {
-    if (cube_.size != 0) fail("LUT_3D_SIZE stands here a second time");
+    if (cube_.size != 0) fail("LUT_3D_SIZE is given a second time");
     const std::string_view word = nextWord(line_);
     int size = 0;
     const char* end = word.data() + word.size();
@@ -109,7 +109,7 @@ class Reader {
     }
     expectEnd();
     cube_.size = size;
-    constexpr size_t kShortestLine = 6;  // a file that promises much need not be given room for it
+    constexpr size_t kShortestLine = 6;  // a file that promises more than it holds is not given room for it
     cube_.entries.reserve(std::min(count(), text_.size() / kShortestLine + 1));
   }
 
@@ -127,7 +127,7 @@ class Reader {
   }
 
   void takeEntry() {
-    if (cube_.size == 0) fail("an entry stands before LUT_3D_SIZE");
+    if (cube_.size == 0) fail("an entry comes before LUT_3D_SIZE");
     if (cube_.entries.empty()) checkDomain();
     if (cube_.entries.size() == count()) fail("more than " + describeTable());
     cube_.entries.push_back(takeNumbers("an entry"));
@@ -162,9 +162,9 @@ class Reader {
       const bool isTiny = word.find("e-") != word.npos || word.find("E-") != word.npos;
       number = isTiny ? 0 : kLargestValue * 2;
     }
-    // Written so that what is not a number fails too.
+    // Written so that NaN fails too.
     if (!(std::fabs(number) <= kLargestValue)) {
-      fail(quoted(given) + " is no value of a colour (at most " +
+      fail(quoted(given) + " is not the value of a colour (at most " +
            std::to_string(static_cast<int>(kLargestValue)) + " either way)");
     }
     return number;

@@ -59,19 +59,44 @@ class TemporaryFile {
     }
     return true;
   }
-  bool becomes(const fs::path& target) {
-    const mode_t mask = umask(0);
-    umask(mask);
-    if (fchmod(descriptor_.number(), 0666 & ~mask) != 0 || !descriptor_.closes()) return false;
+  // `old` describes the file that is replaced; null when there is none.
+  bool becomes(const fs::path& target, const struct stat64* old) {
+    if (!takesModeOf(old) || !descriptor_.closes()) return false;
     if (rename(path_.c_str(), target.c_str()) != 0) return false;
     path_.clear();
     return true;
   }
 
  private:
+  bool takesModeOf(const struct stat64* old) const {
+    if (!old) {
+      const mode_t mask = umask(0);
+      umask(mask);
+      return fchmod(descriptor_.number(), 0666 & ~mask) == 0;
+    }
+    // Few may give files away; without the mode nobody gets more rights than before.
+    static_cast<void>(fchown(descriptor_.number(), old->st_uid, old->st_gid) == 0);
+    return fchmod(descriptor_.number(), old->st_mode & 0777) == 0;
+  }
+
   std::string path_;
   Descriptor descriptor_;
 };
+
+// The file that a path leads to, there or not: the last of a chain of links may name one that is missing.
+fs::path followed(const fs::path& path) {
+  constexpr int kMostLinks = 40;
+  std::error_code error;
+  fs::path target = fs::absolute(path, error);
+  for (int i = 0; i < kMostLinks; ++i) {
+    const fs::path canonical = fs::weakly_canonical(target, error);
+    if (error) break;
+    target = canonical;
+    if (!fs::is_symlink(target, error)) break;
+    target = target.parent_path() / fs::read_symlink(target, error);
+  }
+  return target;
+}
 
 }  // namespace
 
@@ -93,17 +118,23 @@ std::vector<uint8_t> readFile(const std::string& path) {
 }
 
 void writeFile(const std::string& path, const std::vector<uint8_t>& bytes) {
+  const fs::path target = followed(path);
+  struct stat64 old = {};
+  const bool exists = stat64(target.c_str(), &old) == 0;
+  if (!exists && errno != ENOENT) fail(path, errno);
+  if (exists && !S_ISREG(old.st_mode)) throw Failure(path + ": exists and is not a regular file");
   std::error_code error;
-  // Through a link the file that it names is replaced, not the link.
-  fs::path target = fs::weakly_canonical(fs::absolute(path), error);
-  if (error) target = fs::absolute(path);
-  if (fs::exists(target, error) && !fs::is_regular_file(target, error)) {
-    throw Failure(path + ": exists and is not a regular file");
-  }
   fs::create_directories(target.parent_path(), error);
   if (error) fail(path, error.value());
   TemporaryFile file(target);
-  if (!file.write(bytes) || !file.becomes(target)) fail(path, errno);
+  if (!file.write(bytes) || !file.becomes(target, exists ? &old : nullptr)) fail(path, errno);
+}
+
+std::string fileIdentity(const std::string& path) {
+  const fs::path target = followed(path);
+  struct stat64 file = {};
+  if (stat64(target.c_str(), &file) != 0) return target;
+  return std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
 }
 
 }  // namespace zvr

@@ -10,7 +10,12 @@ namespace zvr {
 // The bytes of a file. Throws Failure with "PATH: what is wrong".
 std::vector<uint8_t> readFile(const std::string& path);
 // Writes a file under another name in the same folder, which is made when it is missing, and renames it when
-// it is complete. Throws Failure with "PATH: what is wrong".
+// it is complete. A link stays, and the file that it names is written; a file that is replaced leaves its
+// mode and, where that is allowed, its owner. Throws Failure with "PATH: what is wrong".
 void writeFile(const std::string& path, const std::vector<uint8_t>& bytes);
+
+// The same text for all paths that lead to one file, through links or not, and another for every other file.
+// The file need not be there yet.
+std::string fileIdentity(const std::string& path);
 
 }  // namespace zvr

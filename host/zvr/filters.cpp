@@ -55,6 +55,7 @@ void Filter::set(const std::string& property, const std::string& word) {
   parameter.name = found->name;
   parameter.type = host::parseDeclaration(found->name + " as " + found->type).result;
   if (parameter.type == host::Type::picture && !host::equalNames(word, "nil")) {
+    files_.push_back(word);
     return host::setProperty(instance_.get(), found->name, toPicture(loadImage(word)));
   }
   try {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/calls.h"
 
@@ -17,6 +18,8 @@ class Filter {
   // Throws UsageError for a property that the class lacks and for a word that does not fit it. Pictures are
   // given as file names or nil.
   void set(const std::string& property, const std::string& word);
+  // The files that were given.
+  const std::vector<std::string>& files() const { return files_; }
   // A method by name; throws UsageError when the class lacks it.
   const host::Method& method(const std::string& methodName) const;
   // Calls a method, or what assigns to it. Throws Failure for an exception that was raised.
@@ -31,6 +34,7 @@ class Filter {
 
   const host::Class* type_ = nullptr;
   host::ObjectRef instance_;
+  std::vector<std::string> files_;
 };
 
 }  // namespace zvr

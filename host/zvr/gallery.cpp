@@ -9,6 +9,7 @@
 
 #include "host/zvr/files.h"
 #include "host/zvr/gallery_calls.h"
+#include "host/zvr/outputs.h"
 #include "host/zvr/program.h"
 #include "host/zvr/scaling.h"
 #include "host/zvr/signatures.h"
@@ -102,67 +103,85 @@ constexpr const char* kLook =
     "0.02 0.07 0.12\n1.00 0.16 0.06\n0.14 0.92 0.16\n1.00 0.94 0.10\n"
     "0.04 0.16 0.86\n0.92 0.20 0.80\n0.16 0.86 0.92\n1.00 0.96 0.86\n";
 
-// Some syllables: a tone under a swelling hull.
+// Some syllables: a tone with a swelling envelope.
 Sound tone() {
   constexpr int kCount = 12000;
   Sound sound;
   sound.bits = 15;
   for (int i = 0; i < kCount; ++i) {
-    const double hull = std::sin(i * 3.14159 / kCount) * (0.25 + 0.75 * std::pow(std::sin(i / 900.0), 2));
-    const auto sample = static_cast<uint16_t>(std::lrint(23000 * hull * std::sin(i * 0.7)));
+    const double envelope = std::sin(i * 3.14159 / kCount) * (0.25 + 0.75 * std::pow(std::sin(i / 900.0), 2));
+    const auto sample = static_cast<uint16_t>(std::lrint(23000 * envelope * std::sin(i * 0.7)));
     sound.bytes.push_back(static_cast<uint8_t>(sample));
     sound.bytes.push_back(static_cast<uint8_t>(sample >> 8));
   }
   return sound;
 }
 
-// No column without two samples of its own.
+// Every column has two samples of its own.
 int columnsFor(const Sound& sound) {
   return static_cast<int>(std::clamp<size_t>(sound.count() / 2, 1, gallery::kShownSide));
 }
 
+// The files of a gallery. None is one that it is made from.
+struct Files {
+  std::string page, photo, other, part, table, samples, look;
+
+  Files(const GalleryOptions& own, const fs::path& folder) {
+    OutputPlan plan({own.input, own.sound});
+    const auto in = [&](const char* name) {
+      const std::string path = folder / name;
+      plan.claim(path, name, own.input);
+      return path;
+    };
+    page = in("index.html");
+    photo = in("files/photo.png");
+    other = in("files/other.jpg");
+    part = in("files/part.png");
+    table = in("files/table.bin");
+    samples = in("files/samples.raw");
+    look = in("files/look.cube");
+  }
+};
+
 // Scales the photograph down when it is too large, and writes the files that the calls take.
-Material prepare(const GalleryOptions& own, const fs::path& folder, std::string& notes) {
+Material prepare(const GalleryOptions& own, const Files& files, std::string& notes) {
   const Sound sound = own.sound.empty() ? tone() : loadSound(own.sound);
   Material material;
   material.photo = loadImage(own.input);
-  material.photoPath = own.input;
-  const auto in = [&](const char* name) { return (folder / "files" / name).string(); };
+  material.photoPath = inputWord(own.input);
   const int64_t pixels = int64_t{material.photo.width} * material.photo.height;
   notes = "Every call ran on the whole photograph.";
   if (pixels > kMostPixels) {
     const double share = std::sqrt(static_cast<double>(kMostPixels) / static_cast<double>(pixels));
     const int side = std::max(material.photo.width, material.photo.height);
     notes = "The photograph of " + std::to_string(material.photo.width) + " × " +
-            std::to_string(material.photo.height) + " pixels was scaled down to " + in("photo.png") +
+            std::to_string(material.photo.height) + " pixels was scaled down to " + files.photo +
             ", on which every call ran.";
     material.photo = scaledDown(material.photo, static_cast<int>(side * share));
-    material.photoPath = in("photo.png");
+    material.photoPath = files.photo;
     saveImage(material.photo, material.photoPath, 100);
   }
   notes += own.sound.empty() ? " The waveform is of a made-up tone; --sound FILE draws a sound of yours."
                              : " The waveform is of " + fs::path(own.sound).filename().string() + ".";
-  const std::string other = in("other.jpg"), part = in("part.png"), table = in("table.bin"),
-                    samples = in("samples.raw");
   const std::string look = kLook;
-  material.lookPath = in("look.cube");
-  saveImage(turned(material.photo), other, 90);
-  saveImage(partOf(material.photo), part, 100);
-  writeFile(table, posterTable());
-  writeFile(samples, sound.bytes);
+  material.lookPath = files.look;
+  saveImage(turned(material.photo), files.other, 90);
+  saveImage(partOf(material.photo), files.part, 100);
+  writeFile(files.table, posterTable());
+  writeFile(files.samples, sound.bytes);
   writeFile(material.lookPath, Bytes(look.begin(), look.end()));
   material.fields = {{"photo", material.photoPath},
-                     {"other", other},
-                     {"part", part},
-                     {"table", table},
-                     {"samples", samples},
+                     {"other", files.other},
+                     {"part", files.part},
+                     {"table", files.table},
+                     {"samples", files.samples},
                      {"common", commonColor(material.photo)},
                      {"columns", std::to_string(columnsFor(sound))},
                      {"bits", std::to_string(sound.bits)}};
   return material;
 }
 
-// ---- What is shown ----
+// ---- Cards ----
 
 Card cardWithoutCall(const host::Method& method) {
   Card card;
@@ -173,7 +192,7 @@ Card cardWithoutCall(const host::Method& method) {
   return card;
 }
 
-// The calls of the families; what has none comes last.
+// The calls of the families; methods without one come last.
 std::vector<Group> methodGroups(Stage& stage, terminal::Progress& progress) {
   std::vector<Group> groups;
   std::set<const host::Method*> shown;
@@ -212,10 +231,10 @@ Group classGroup(Stage& stage, terminal::Progress& progress) {
 }
 
 int show(const Options& options, const GalleryOptions& own) {
-  const std::string folder = folderOf(own);
+  const Files files(own, folderOf(own));
   const Session session(options);
   gallery::Exhibition exhibition;
-  const Material material = prepare(own, folder, exhibition.notes);
+  const Material material = prepare(own, files, exhibition.notes);
   Stage stage(material);
   const host::Members& members = host::members();
   terminal::Progress progress(members.pictureMethods.size() + members.globals.size() +
@@ -229,9 +248,9 @@ int show(const Options& options, const GalleryOptions& own) {
   exhibition.histogram = gallery::histogramOf(toPicture(material.photo));
   exhibition.groups = methodGroups(stage, progress);
   exhibition.groups.push_back(classGroup(stage, progress));
-  const std::string html = gallery::page(exhibition), path = (fs::path(folder) / "index.html").string();
-  writeFile(path, Bytes(html.begin(), html.end()));
-  terminal::print("wrote " + path);
+  const std::string html = gallery::page(exhibition);
+  writeFile(files.page, Bytes(html.begin(), html.end()));
+  terminal::printWritten(files.page);
   return kDone;
 }
 

@@ -26,7 +26,7 @@ double milliseconds(Action action) {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Of at least three and at most twelve times, as long as they do not take too long together.
+// The quickest of three to twelve runs, the fewer the longer they take.
 double quickest(const std::function<double()>& once) {
   constexpr int kLeast = 3, kMost = 12;
   constexpr double kLong = 120;
@@ -39,12 +39,12 @@ double quickest(const std::function<double()>& once) {
   return best;
 }
 
-// As long as it lives the memory of earlier calls is used again, pictures' above all: else most of what is
-// measured were the system's work of clearing new memory.
+// While it lives, memory of earlier calls is reused, pictures' above all. Otherwise most of the time would be
+// the system's, for clearing new memory.
 class Recycling {
  public:
   Recycling() {
-    // The heap's doing: large blocks stay in it.
+    // Large blocks stay in the heap.
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
     host::recycleBuffers(true);
@@ -71,7 +71,7 @@ struct Call {
   }
 };
 
-// What @ stands for: a picture or bytes.
+// The current @: a picture or bytes.
 struct Now {
   host::PictureRef picture;
   Bytes data;
@@ -117,7 +117,7 @@ std::optional<int64_t> numberNamed(const char* name, const host::Declaration& de
   return number ? std::optional(*number) : std::nullopt;
 }
 
-// ---- What came of a call ----
+// ---- Results of a call ----
 
 // Three blocks by reference are histograms in the order red, green, blue. The second is called blue and the
 // third green on purpose.
@@ -160,7 +160,7 @@ void addArguments(const host::Declaration& declaration, const std::vector<host::
   }
 }
 
-// Where a picture was found, or the rectangle that was asked about.
+// The place where a picture was found, or the rectangle of the call.
 std::optional<Place> placeOf(const host::Declaration& declaration, const host::Outcome& outcome) {
   const auto& values = outcome.arguments;
   const auto left = numberNamed("left", declaration, values), top = numberNamed("top", declaration, values),
@@ -217,7 +217,7 @@ double Stage::copyMilliseconds(size_t bytes) {
   return copies_[bytes] = quickest([&] {
            return milliseconds([&] {
              std::memcpy(to.data(), from.data(), bytes);
-             // So that the copy is not left out.
+             // Keeps the compiler from dropping the copy.
              asm volatile("" : : "r"(to.data()) : "memory");
            });
          });
@@ -228,7 +228,7 @@ double Stage::copyMilliseconds() { return copyMilliseconds(before_.byteCount());
 void Stage::measure(Card& card, size_t bytes, const std::function<double()>& once) {
   const Recycling recycling;
   const double time = quickest(once), copy = copyMilliseconds(bytes);
-  // Clocks tick: a copy of next to nothing takes no time at all.
+  // A copy of very few bytes may be shorter than a tick of the clock.
   if (copy > 0) card.timing = Timing{time, time / copy};
 }
 
@@ -276,11 +276,10 @@ Card Stage::show(const Chain& chain, const Example& example) {
   } catch (const Failure& failure) {
     card.problem = failure.what();
   }
-  std::vector<std::string> words = wordsOf(example.words);
-  words.insert(words.begin(), "apply");
-  if (card.after || declaration.result == host::Type::picture) words.insert(words.end(), {"-o", "out.png"});
-  if (declaration.result == host::Type::string) words.insert(words.end(), {"-o", "out.bin"});
-  card.zvrLine = shellLine(words);
+  std::string output;
+  if (card.after || declaration.result == host::Type::picture) output = "out.png";
+  if (declaration.result == host::Type::string) output = "out.bin";
+  card.zvrLine = shellLine("apply", wordsOf(example.words), output);
   return card;
 }
 
@@ -292,13 +291,12 @@ Card Stage::show(const host::Class& type, const ClassExample* example) {
   card.isConsoleSafe = (type.flags & kFlagConsoleSafe) != 0;
   const bool isLook = example && example->isLook;
   const std::vector<std::string> settings = example ? wordsOf(example->settings) : wordsOf("");
-  std::vector<std::string> words{isLook ? "lut" : "run"};
+  std::vector<std::string> words;
   if (!isLook) words.push_back(type.name);
   words.push_back(material_.photoPath);
   if (isLook) words.push_back(material_.lookPath);
   words.insert(words.end(), settings.begin(), settings.end());
-  words.insert(words.end(), {"-o", "out.png"});
-  card.zvrLine = shellLine(words);
+  card.zvrLine = shellLine(isLook ? "lut" : "run", words, "out.png");
   card.basicLines = {"Dim filter As New " + type.name, "filter.SourcePicture = photo"};
   for (const std::string& setting : settings) card.basicLines.push_back(propertyLine(setting));
   if (isLook)
@@ -307,7 +305,8 @@ Card Stage::show(const host::Class& type, const ClassExample* example) {
   try {
     const host::PictureRef photo = toPicture(material_.photo);
     host::PictureRef result;
-    // A new instance each time: a second Run would keep what the first has made, on purpose.
+    // A new instance each time: a second Run forgets the picture of the first without releasing it, on
+    // purpose.
     const auto once = [&] {
       Filter filter(type.name);
       if (isLook) {

@@ -13,9 +13,9 @@
 
 namespace zvr::gallery {
 
-// What the calls run on.
+// The photograph and files that the calls take.
 struct Material {
-  std::string photoPath, lookPath;            // as they stand in zvr's lines
+  std::string photoPath, lookPath;            // as written in zvr's lines
   Image photo;                                // of photoPath
   std::map<std::string, std::string> fields;  // for the words of examples
 };
@@ -30,7 +30,7 @@ class Stage {
 
   // An example of a registered method, as words of `zvr apply`; nothing when its method is not registered.
   std::optional<Chain> parse(const Example& example) const;
-  // The last step is shown and measured. What goes wrong in a call becomes the card's problem.
+  // The last step is shown and measured. A failure of a call becomes the card's problem.
   Card show(const Chain& chain, const Example& example);
   // A class, with its example or none.
   Card show(const host::Class& type, const ClassExample* example);

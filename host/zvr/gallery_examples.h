@@ -1,4 +1,4 @@
-// What the gallery shows of each registered member: a call with its arguments, and a sentence.
+// The gallery's examples: for each registered member a call with its arguments, and a sentence.
 #pragma once
 
 #include <map>
@@ -28,7 +28,7 @@ struct ClassExample {
 };
 const std::vector<ClassExample>& classExamples();
 
-// The words of an example, what stands in braces filled in from `fields`, and shares of `width` and `height`.
+// The words of an example. Names in braces are replaced from `fields`, or by shares of `width` and `height`.
 std::vector<std::string> filledWords(const std::string& words,
                                      const std::map<std::string, std::string>& fields, int width, int height);
 

@@ -17,7 +17,7 @@ struct Fineness {
 };
 constexpr Fineness kFinenesses[] = {{kShownSide, 85}, {kShownSide, 70}, {480, 70}, {360, 60}, {240, 50}};
 
-// In copies; few calls take longer, and all others would have short bars for their sake.
+// In copies. Few calls take longer, and room for them would leave all others short bars.
 constexpr int kLongestBar = 10;
 
 std::string number(double value) {
@@ -155,7 +155,7 @@ class Writer {
     groups += fill("group", {{"anchor", anchor}, {"title", group.title}, {"cards", cards}});
   }
 
-  // Cards stay where they are while the page is written.
+  // Cards are told apart by their addresses, which stay while the page is written.
   std::string anchorOf(const Card& card) {
     const auto entry = anchors_.find(&card);
     if (entry != anchors_.end()) return entry->second;
@@ -176,23 +176,23 @@ class Writer {
                 {{"anchor", anchorOf(card)},
                  {"name", breakable(card.name)},
                  {"signature", card.signature},
-                 {"says", card.says + (card.isConsoleSafe ? "" : " Registered for desktop hosts alone.")},
+                 {"says", card.says + (card.isConsoleSafe ? "" : " Registered for desktop hosts only.")},
                  {"shown", shownHtml(card)},
                  {"facts", factsHtml(card)},
                  {"calls", calls}});
   }
 
-  // What there is to look at; else what was answered.
+  // The picture or the place; without them the answers.
   std::string shownHtml(const Card& card) const {
     std::string html = pictureHtml(card);
     if (card.place) html += placeHtml(*card.place);
     if (!card.problem.empty()) html += fill("problem", {{"text", card.problem}});
     if (!html.empty()) return html;
     return answersHtml(card) +
-           plot(card.histogram, "What it counted: red, green and blue, 0 to 255", 100, "");
+           plot(card.histogram, "Counts of red, green and blue values, 0 to 255", 100, "");
   }
 
-  // What there is to know besides.
+  // Answers beside a picture, colours, tables and times.
   std::string factsHtml(const Card& card) const {
     std::string html = card.after || card.place ? answersHtml(card) : "";
     if (!card.swatches.empty()) html += swatchesHtml(card.swatches);

@@ -10,7 +10,7 @@ extern const char* const kGalleryHtml;
 
 namespace {
 
-// "page" is what stands before the first "<!-- piece NAME -->".
+// "page" is the part before the first "<!-- piece NAME -->".
 std::string_view pieceNamed(const std::string& name) {
   const std::string_view html = kGalleryHtml;
   const std::string mark = "<!-- piece " + name + " -->\n";

@@ -1,7 +1,9 @@
 #include "host/zvr/gallery_words.h"
 
+#include <algorithm>
 #include <filesystem>
 
+#include "host/zvr/command_line.h"
 #include "host/zvr/signatures.h"
 
 namespace zvr::gallery {
@@ -63,10 +65,13 @@ void addStatements(const Step& step, bool isLast, std::vector<std::string>& line
 
 }  // namespace
 
-std::string shellLine(const std::vector<std::string>& words) {
-  std::string line = "zvr";
+std::string shellLine(const std::string& command, const std::vector<std::string>& words,
+                      const std::string& output) {
+  const std::string option = output.empty() ? "" : " -o " + shellWord(output);
+  const bool needsMark = std::any_of(words.begin(), words.end(), readsAsOption);
+  std::string line = "zvr " + command + (needsMark ? option + " --" : "");
   for (const std::string& word : words) line += " " + shellWord(word);
-  return line;
+  return needsMark ? line : line + option;
 }
 
 std::vector<std::string> basicLines(const Chain& chain) {

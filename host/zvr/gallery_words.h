@@ -8,8 +8,10 @@
 
 namespace zvr::gallery {
 
-// "zvr" and the words, quoted where a shell needs it.
-std::string shellLine(const std::vector<std::string>& words);
+// "zvr COMMAND WORD... -o OUTPUT", quoted where a shell needs it; no option for an empty output. Where a word
+// reads as an option, words stand last and behind --.
+std::string shellLine(const std::string& command, const std::vector<std::string>& words,
+                      const std::string& output);
 // The steps as statements; the input is `photo`, files are variables of their names.
 std::vector<std::string> basicLines(const Chain& chain);
 // "ScrollZVR(deltaX, deltaY, wrap, scrollmask)"; of more arguments than four only how many.

@@ -41,7 +41,7 @@ uint32_t packed(unsigned top, unsigned r, unsigned g, unsigned b) { return top <
 // How one pixel lies in a host picture: `pack` makes the word, `unpack` writes the four bytes.
 struct Opaque {
   static uint32_t pack(const uint8_t* p) {
-    // The unused byte is as the host leaves it: full on desktops, nothing in bitmaps.
+    // The unused byte is as the host leaves it: 255 on desktops, 0 in bitmaps.
     return packed(host::settings().road == host::Road::console ? 0 : 0xFF, p[0], p[1], p[2]);
   }
   static unsigned opacity(uint32_t) { return 255; }

@@ -44,7 +44,8 @@ host::PictureRef toPicture(const Image& image);
 // The way back: alpha or mask become opacity.
 Image fromPicture(REALpictureStruct* picture);
 
-// The formats. Decoders throw Failure with the problem alone; nothing is written by the libraries themselves.
+// The formats. Decoders throw Failure with the problem, without a path; the libraries themselves print
+// nothing.
 bool isPng(const std::vector<uint8_t>& file);
 Image decodePng(const std::vector<uint8_t>& file);
 std::vector<uint8_t> encodePng(const Image& image);

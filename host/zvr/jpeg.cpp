@@ -19,17 +19,28 @@ struct Problem {
   jpeg_error_mgr manager;
   jmp_buf jump;
   char text[JMSG_LENGTH_MAX] = "";
+  bool isTooLong = false;
 };
+
+// Each scan takes time for the whole picture, however few bytes it has. Encoders make ten or so.
+constexpr int kMostScans = 100;
 
 [[noreturn]] void onError(j_common_ptr common) {
   auto* problem = reinterpret_cast<Problem*>(common->err);  // the manager is its first member
   common->err->format_message(common, problem->text);
   std::longjmp(problem->jump, 1);
 }
-// Missing data is an error to us; of other oddities the pixels are complete.
+// Missing data is an error; other oddities leave the pixels complete.
 void onMessage(j_common_ptr common, int level) {
   const int code = common->err->msg_code;
   if (level < 0 && (code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER)) onError(common);
+}
+// Called again and again while a file of several scans is read.
+void onProgress(j_common_ptr common) {
+  if (reinterpret_cast<j_decompress_ptr>(common)->input_scan_number <= kMostScans) return;
+  auto* problem = reinterpret_cast<Problem*>(common->err);
+  problem->isTooLong = true;
+  std::longjmp(problem->jump, 1);
 }
 void prepare(Problem& problem) {
   jpeg_std_error(&problem.manager);
@@ -44,6 +55,7 @@ class Reader {
   Reader() {
     prepare(problem_);
     decoder_.err = &problem_.manager;
+    progress_.progress_monitor = onProgress;
   }
   ~Reader() { jpeg_destroy_decompress(&decoder_); }
   Reader(const Reader&) = delete;
@@ -63,6 +75,7 @@ class Reader {
   bool open(const std::vector<uint8_t>& file) {
     if (setjmp(problem_.jump)) return false;
     jpeg_create_decompress(&decoder_);
+    decoder_.progress = &progress_;
     jpeg_mem_src(&decoder_, file.data(), static_cast<unsigned long>(file.size()));
     jpeg_read_header(&decoder_, TRUE);
     return true;
@@ -92,9 +105,14 @@ class Reader {
     }
   }
 
-  [[noreturn]] void fail() const { throw Failure(std::string("damaged JPEG: ") + problem_.text); }
+  [[noreturn]] void fail() const {
+    if (!problem_.isTooLong) throw Failure(std::string("damaged JPEG: ") + problem_.text);
+    throw Failure("a JPEG of more than " + std::to_string(kMostScans) +
+                  " scans, which would take too long to read");
+  }
 
   Problem problem_;
+  jpeg_progress_mgr progress_{};
   jpeg_decompress_struct decoder_{};
 };
 
@@ -141,7 +159,7 @@ class Writer {
     return true;
   }
 
-  // Onto white, as far as a pixel is transparent.
+  // Blended with white by opacity.
   static void narrow(const uint8_t* source, int width, uint8_t* target) {
     for (int x = 0; x < width; ++x, source += 4, target += 3) {
       const unsigned opacity = source[3];

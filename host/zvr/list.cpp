@@ -77,7 +77,7 @@ std::string classJson(const host::Class& type) {
 }
 
 int list(const Options& options, bool asJson) {
-  const Session session(forMembersAlone(options));
+  const Session session(forMembersOnly(options));
   const host::Members& members = host::members();
   if (asJson) {
     print("{\"globalMethods\": " + array(members.globals, methodJson, "\n  ") +

@@ -27,20 +27,20 @@ struct LutOptions {
   int quality = kUsualQuality;
 };
 
-// What the words name: either may be empty.
-struct Files {
+// The files that the words name; either may be empty.
+struct LutFiles {
   std::string picture, cube;
 };
 
-Files filesOf(const LutOptions& own) {
+LutFiles filesOf(const LutOptions& own) {
   std::vector<std::string> words = own.files;
-  Files files;
+  LutFiles files;
   if (!own.identity && !words.empty()) {
     files.cube = words.back();
     words.pop_back();
   }
   if (!words.empty()) files.picture = words[0];
-  if (words.size() > 1) throw UsageError("'" + words[1] + "' is more than is expected");
+  if (words.size() > 1) throw UsageError("unexpected word '" + words[1] + "'");
   if (!own.identity && files.cube.empty()) throw UsageError("expected a .cube file, or --identity");
   if (files.picture.empty() && (!own.dump || !own.output.empty())) {
     throw UsageError(own.identity ? "expected a picture"
@@ -49,8 +49,8 @@ Files filesOf(const LutOptions& own) {
   return files;
 }
 
-// Numbers in a file have few digits: 0.133333 of 255 stands for 34. The class truncates, so that a hair less
-// would be one less.
+// Numbers in a file have few digits: 0.133333 of 255 means 34. The class truncates, so a hair less would
+// become 33.
 double tableValue(double value) {
   constexpr double kHair = 0.002;
   const double scaled = value * kFull, whole = std::round(scaled);
@@ -77,11 +77,12 @@ void dump(Filter& filter) {
 }
 
 int lut(const Options& options, const LutOptions& own) {
-  const Files files = filesOf(own);
+  const LutFiles files = filesOf(own);
   const Session session(options);
   Filter filter("PictureLut3DZVR");
+  const std::vector<std::string> cubes(own.identity ? 0 : 1, files.cube);
   const bool writes = !own.dump || !own.output.empty();
-  const std::string output = writes ? planOutputs({files.picture}, own.output, "lut")[0] : "";
+  const std::string output = writes ? planOutput(files.picture, own.output, "lut", cubes) : "";
   if (own.identity) {
     fillTable(filter, nullptr);
   } else {
@@ -92,7 +93,7 @@ int lut(const Options& options, const LutOptions& own) {
   if (!writes) return kDone;
   const host::PictureRef result = filter.run(toPicture(loadImage(files.picture)));
   saveImage(fromPicture(result.get()), output, own.quality);
-  terminal::print("wrote " + output);
+  terminal::printWritten(output);
   return kDone;
 }
 
@@ -121,7 +122,7 @@ void addLut(CLI::App& program, const Options& options, Run& run) {
   command->add_flag("--identity", own->identity,
                     "Instead of a .cube file, the table that leaves every colour as it is");
   command->add_flag("--dump", own->dump,
-                    "Print the table as the class holds it; without -o no picture is needed nor written");
+                    "Print the table as the class holds it; without -o no picture is needed or written");
   addQuality(*command, own->quality);
   command->footer(
       "The look is resampled to the 16 x 16 x 16 entries that PictureLut3DZVR uses (tetrahedral\n"

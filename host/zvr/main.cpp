@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <sstream>
 
 #include "host/zvr/command_line.h"
 #include "host/zvr/program.h"
@@ -38,13 +39,16 @@ void mentionSharedOptions(CLI::App& program) {
   }
 }
 
-// Nothing of ours lives any more: what is held now was lost.
+// zvr has released everything of its own: anything held now was lost.
 void reportLedger() {
   const host::Ledger ledger = host::held();
   std::fprintf(stderr, "held: %d objects, %d strings, %d locks, %d string data; %d errors\n", ledger.objects,
                ledger.strings, ledger.descriptionLocks, ledger.stringData, ledger.errors);
   if (!(ledger == host::Ledger{})) {
-    terminal::complain("warning: something is still held or was released wrongly\n" + host::describeHeld());
+    std::vector<std::string> lines;
+    std::istringstream held(host::describeHeld());
+    for (std::string line; std::getline(held, line);) lines.push_back(line);
+    terminal::complain("warning: something is still held or was released wrongly", lines);
   }
 }
 
@@ -53,7 +57,7 @@ int runCommand(const Run& run, const Options& options) {
   try {
     status = run();
   } catch (const UsageError& error) {
-    terminal::complain(error.what());
+    terminal::complain(error.what(), error.further);
     return kUsage;
   } catch (const std::bad_alloc&) {
     terminal::complain("not enough memory");
@@ -94,9 +98,12 @@ int main(const std::vector<std::string>& words) {
       "  zvr lut photo.png film.cube -o out.png\n"
       "  zvr gallery photo.jpg -o gallery\n"
       "\n"
+      "A file whose name begins with a dash is given behind --, with all options before that:\n"
+      "`zvr gallery -o gallery -- -photo.jpg`.\n"
+      "\n"
       "`zvr COMMAND --help` says more. Exit status: 0 done; 1 a method failed, answered nil or raised an\n"
       "exception, or a file can't be read or written; 2 the command line is wrong.\n");
-  // For the package and for shells; no person types these.
+  // For the package and for shells, not for people.
   if (words == std::vector<std::string>{"--man-page"}) {
     std::fputs(manualPage(program, ZVR_VERSION).c_str(), stdout);
     return kDone;
@@ -119,7 +126,7 @@ int main(const std::vector<std::string>& words) {
     terminal::complain(std::string(error.what()) + "; see `zvr " + command + "--help`");
     return kUsage;
   } catch (const UsageError& error) {
-    terminal::complain(error.what());
+    terminal::complain(error.what(), error.further);
     return kUsage;
   }
   terminal::setColor(options.color);
@@ -134,7 +141,7 @@ int main(const std::vector<std::string>& words) {
 }  // namespace zvr
 
 int main(int count, char** words) {
-  // Past the limit of a file's size writing fails, as for any other reason, rather than ending the program.
+  // Writing past a limit on file sizes then fails like any other write, instead of ending the program.
   std::signal(SIGXFSZ, SIG_IGN);
   return zvr::main({words + 1, words + count});
 }

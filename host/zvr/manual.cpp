@@ -19,7 +19,7 @@ using Lines = std::vector<std::string>;
 Lines manualText() {
   Lines lines;
   std::istringstream text(kManual);
-  const std::string wayBack = "[All methods](README.md)";  // of no use here
+  const std::string wayBack = "[All methods](README.md)";  // a link that leads nowhere in a terminal
   for (std::string line; std::getline(text, line);) {
     if (const size_t at = line.find(wayBack); at != std::string::npos) line.erase(at, wayBack.size());
     lines.push_back(line);
@@ -34,7 +34,7 @@ size_t levelOf(const std::string& line) {
   return level != std::string::npos && line[level] == ' ' ? level : 0;
 }
 
-// Where the next heading of at most this level stands; code may hold comments that look like one.
+// The line of the next heading of at most this level; code may hold comments that look like one.
 size_t endOf(const Lines& lines, size_t from, size_t level) {
   bool isCode = false;
   for (size_t i = from; i < lines.size(); ++i) {

@@ -6,7 +6,7 @@
 
 namespace zvr {
 
-// What the manual says under a heading (a method's name, or a topic such as "rectangles"; any case, with -
+// The manual's text under a heading (a method's name, or a topic such as "rectangles"; any case, with -
 // for spaces), as lines for a terminal of `width` characters; for a page's title the whole page. The
 // declarations that open a method's section are left out. Nothing for a heading that the manual lacks.
 std::vector<std::string> manualLines(const std::string& heading, size_t width);

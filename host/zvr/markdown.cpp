@@ -105,7 +105,7 @@ Row cellsOf(const std::string& line) {
   return cells;
 }
 
-// How wide the cells of a table's column are: in one line each, and folded as far as words allow.
+// Widths of a table's column: with each cell in one line, and folded as far as its words allow.
 struct Column {
   size_t width = 0, narrowest = 0;
 };
@@ -134,8 +134,7 @@ std::vector<Column> columnsFor(const std::vector<Row>& rows, size_t width) {
   return columns;
 }
 
-// Columns side by side; where there is no room the widest ones are folded. Tables of pictures have nothing to
-// show here.
+// Columns side by side; where there is no room the widest ones are folded. Tables of pictures are left out.
 void addTable(const Lines& lines, size_t width, Lines& to) {
   std::vector<Row> rows;
   for (const std::string& line : lines) {

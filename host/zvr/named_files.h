@@ -11,7 +11,7 @@ namespace zvr {
 
 struct NamedFile {
   std::string option;        // "--in"
-  std::string method, name;  // of the parameter; no method: of whichever has it
+  std::string method, name;  // of the parameter; without a method any that has it
   std::string path;
 };
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "host/zvr/files.h"
 #include "host/zvr/images.h"
 #include "host/zvr/program.h"
 
@@ -22,6 +23,12 @@ std::string writableExtension(const fs::path& input) {
   }
 }
 
+// The input's name without its extension. That of "...png" would be the folder above.
+std::string nameOf(const fs::path& input) {
+  const std::string stem = input.stem();
+  return stem == "." || stem == ".." ? input.filename() : input.stem();
+}
+
 std::string filled(const std::string& option, const std::string& pattern, const fs::path& input,
                    const std::string& extension, size_t number) {
   std::string result;
@@ -33,7 +40,7 @@ std::string filled(const std::string& option, const std::string& pattern, const 
     }
     const std::string field = pattern.substr(i, end - i + 1);
     if (field == "{name}") {
-      result += input.stem();
+      result += nameOf(input);
     } else if (field == "{ext}") {
       result += extension;
     } else if (field == "{n}") {
@@ -53,6 +60,26 @@ bool isFolder(const std::string& path) {
 
 }  // namespace
 
+OutputPlan::OutputPlan(const std::vector<std::string>& reads) {
+  for (const std::string& path : reads) reads_.emplace(fileIdentity(path), path);
+}
+
+void OutputPlan::claim(const std::string& output, const std::string& option, const std::string& input) {
+  const std::string identity = fileIdentity(output);
+  if (const auto read = reads_.find(identity); read != reads_.end()) {
+    throw UsageError(option + ": " + output + " would be written over the input " + read->second +
+                     "; choose another name or folder");
+  }
+  const auto [entry, isNew] = users_.emplace(identity, User{option, input});
+  if (isNew) return;
+  const auto& [otherOption, otherInput] = entry->second;
+  if (otherInput == input && otherOption != option) {
+    throw UsageError(otherOption + " and " + option + " would both be written to " + output);
+  }
+  throw UsageError(option + ": " + otherInput + " and " + input + " would both be written to " + output +
+                   "; use {name} or {n} in the name, or a folder");
+}
+
 std::vector<std::string> OutputPlan::add(Content content, const std::vector<std::string>& inputs,
                                          const std::string& option, const std::string& pattern,
                                          const std::string& label) {
@@ -65,18 +92,10 @@ std::vector<std::string> OutputPlan::add(Content content, const std::vector<std:
                           ? input.parent_path()
                           : fs::path(filled(option, pattern, input, extension, outputs.size() + 1));
     if (pattern.empty() || isFolder(output)) {
-      output /= input.stem().string() + "-" + label + (isPicture ? ".png" : ".bin");
+      output /= nameOf(input) + "-" + label + (isPicture ? ".png" : ".bin");
     }
     if (isPicture) checkExtension(output);
-    const auto [entry, isNew] = users_.emplace(fs::absolute(output).lexically_normal(), User{option, given});
-    if (!isNew) {
-      const auto& [otherOption, otherInput] = entry->second;
-      if (otherInput == given && otherOption != option) {
-        throw UsageError(otherOption + " and " + option + " would both be written to " + output.string());
-      }
-      throw UsageError(option + ": " + otherInput + " and " + given + " would both be written to " +
-                       output.string() + "; use {name} or {n} in the name, or a folder");
-    }
+    claim(output, option, given);
     outputs.push_back(output);
   }
   return outputs;
@@ -100,9 +119,11 @@ std::vector<std::string> OutputPlan::data(const std::vector<std::string>& inputs
   return add(Content::data, inputs, option, pattern, label);
 }
 
-std::vector<std::string> planOutputs(const std::vector<std::string>& inputs, const std::string& pattern,
-                                     const std::string& label) {
-  return OutputPlan().pictures(inputs, "-o", pattern, label);
+std::string planOutput(const std::string& input, const std::string& pattern, const std::string& label,
+                       const std::vector<std::string>& others) {
+  std::vector<std::string> reads = others;
+  reads.push_back(input);
+  return OutputPlan(reads).pictures({input}, "-o", pattern, label)[0];
 }
 
 }  // namespace zvr

@@ -1,4 +1,4 @@
-// Where results go.
+// The files that results are written to.
 #pragma once
 
 #include <map>
@@ -15,20 +15,25 @@ constexpr int kUsualQuality = 92;
 // Adds --quality, 1 to 100, for JPEG files.
 void addQuality(CLI::App& command, int& quality);
 
-// Output files that do not coincide.
+// Output files that coincide neither with one another nor with what is read: files are compared, not names.
 class OutputPlan {
  public:
+  // `reads`: every file that is read, inputs and arguments alike.
+  explicit OutputPlan(const std::vector<std::string>& reads);
+
   // The output file for each input, called NAME-LABEL.png when `pattern` has no file name of its own: a
   // pattern may hold {name} (the input's name without its extension), {ext} (its extension, png when it has
   // none that can be written) and {n} (1 for the first input), or be a folder: one that exists or that ends
   // in /. Empty: beside the input. `option` is what gave it. Throws UsageError for patterns that make no
-  // sense, formats that can't be written, and outputs that coincide with one another or with those planned
-  // before.
+  // sense, formats that can't be written, and outputs that coincide with a file that is read, with one
+  // another or with those planned before.
   std::vector<std::string> pictures(const std::vector<std::string>& inputs, const std::string& option,
                                     const std::string& pattern, const std::string& label);
   // The same for bytes: NAME-LABEL.bin, any extension, and {ext} is bin.
   std::vector<std::string> data(const std::vector<std::string>& inputs, const std::string& option,
                                 const std::string& pattern, const std::string& label);
+  // One more output, of the input, that `option` gave. Throws UsageError when it coincides with another file.
+  void claim(const std::string& output, const std::string& option, const std::string& input);
 
  private:
   enum class Content { picture, data };
@@ -39,11 +44,12 @@ class OutputPlan {
   struct User {
     std::string option, input;
   };
-  std::map<std::string, User> users_;  // by output, absolute
+  std::map<std::string, std::string> reads_;  // names by identity
+  std::map<std::string, User> users_;         // by the output's identity
 };
 
-// The pictures of a plan of their own, given by -o.
-std::vector<std::string> planOutputs(const std::vector<std::string>& inputs, const std::string& pattern,
-                                     const std::string& label);
+// The one picture of a plan of its own, given by -o; `others` are files that are read besides the input.
+std::string planOutput(const std::string& input, const std::string& pattern, const std::string& label,
+                       const std::vector<std::string>& others = {});
 
 }  // namespace zvr

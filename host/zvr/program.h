@@ -1,10 +1,12 @@
-// What the subcommands of zvr share: options, the host that they play, and how they fail.
+// Shared by the subcommands of zvr: options, the host that they play, and how they fail.
 #pragma once
 
 #include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/host.h"
 
@@ -26,11 +28,13 @@ struct Options {
   bool ledger = false;
 };
 
-// The command line does not say what can be done: exit status 2.
+// The command line makes no sense: exit status 2.
 struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
+  explicit UsageError(const std::string& problem, std::vector<std::string> more = {})
+      : std::runtime_error(problem), further(std::move(more)) {}
+  std::vector<std::string> further;  // lines that follow
 };
-// What was asked for did not come about: exit status 1.
+// The request failed: exit status 1.
 struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
@@ -46,9 +50,9 @@ class Session {
  private:
   std::optional<host::Plugin> plugin_;
 };
-// Every host is told of the same members: where nothing else is wanted the one that needs no library will do,
-// unless another was asked for.
-Options forMembersAlone(Options options);
+// Options for a session that only reads the registered members: every host is told of the same, so without
+// --host the console host is played, which needs no library.
+Options forMembersOnly(Options options);
 
 // A subcommand adds itself to the program; when it is chosen it leaves what to run, which answers the exit
 // status.

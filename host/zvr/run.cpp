@@ -28,11 +28,11 @@ void apply(Filter& filter, const std::string& setting) {
 int runFilter(const Options& options, const RunOptions& own) {
   const Session session(options);
   Filter filter(own.type);
-  const std::string output = planOutputs({own.input}, own.output, filter.name())[0];
   for (const std::string& setting : own.settings) apply(filter, setting);
+  const std::string output = planOutput(own.input, own.output, filter.name(), filter.files());
   const host::PictureRef result = filter.run(toPicture(loadImage(own.input)));
   saveImage(fromPicture(result.get()), output, own.quality);
-  terminal::print("wrote " + output);
+  terminal::printWritten(output);
   return kDone;
 }
 

@@ -6,7 +6,7 @@
 namespace zvr {
 namespace {
 
-// Where the box of pixel `index` of `count` begins among `total` pixels.
+// The first of `total` pixels in the box that becomes pixel `index` of `count`.
 int boxStart(int index, int count, int total) {
   return static_cast<int>(static_cast<int64_t>(index) * total / count);
 }

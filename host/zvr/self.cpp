@@ -78,7 +78,7 @@ Words memberNames(const std::string& command, size_t position) {
   const bool takesClass = showsAll || (command == "run" && position == 0);
   const bool takesMethod = showsAll || (command == "apply" && position > 0);
   if (!takesClass && !takesMethod) return {};
-  const Session session(forMembersAlone({}));
+  const Session session(forMembersOnly({}));
   Words names = takesMethod ? methodNames() : Words();
   if (takesClass) {
     const Words more = classNames();
@@ -151,7 +151,7 @@ std::vector<std::string> completions(const CLI::App& program, const std::vector<
       if (host::equalNames(name.substr(0, begun.size()), begun)) fitting.push_back(name);
     }
   } catch (const std::exception&) {
-    // Where nothing is known nothing is offered.
+    // Without the plug-in there is nothing to offer.
   }
   std::sort(fitting.begin(), fitting.end());
   fitting.erase(std::unique(fitting.begin(), fitting.end()), fitting.end());

@@ -50,7 +50,7 @@ std::string findPlugin() {
                 (folder.parent_path() / "lib").string() + "; name it with --plugin PATH");
 }
 
-// What brings a road's toolkit, by Debian's names. The system is a 64-bit one most likely.
+// How to install a road's toolkit, by Debian's package names. The system is most likely a 64-bit one.
 std::string howToInstall(const Options& options) {
   const std::string package = options.host == "gdk" ? "libgtk2.0-0" : "libcairo2";
   return "; install it (on Debian and Ubuntu, as root: dpkg --add-architecture i386 && apt update && "
@@ -58,7 +58,7 @@ std::string howToInstall(const Options& options) {
          package + ":i386), or add --host console, which needs none";
 }
 
-// Without cairo, which nobody asked for, a console host.
+// A console host where cairo is missing and was not asked for.
 void startHost(host::Settings& settings, const Options& options) {
   try {
     host::start(settings);
@@ -72,7 +72,7 @@ void startHost(host::Settings& settings, const Options& options) {
 
 }  // namespace
 
-Options forMembersAlone(Options options) {
+Options forMembersOnly(Options options) {
   if (options.host.empty()) options.host = "console";
   return options;
 }

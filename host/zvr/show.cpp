@@ -37,7 +37,7 @@ void printSignature(const host::Method& method) {
 }
 
 int show(const Options& options, const std::string& name) {
-  const Session session(forMembersAlone(options));
+  const Session session(forMembersOnly(options));
   for (const host::Class& type : host::members().classes) {
     if (!host::equalNames(type.name, name)) continue;
     print(classLines(type)[0]);  // the manual has the others

@@ -16,7 +16,7 @@ std::vector<std::string> signatureLines(const host::Declaration& declaration, si
 std::string signatureText(const host::Declaration& declaration);
 // Numbers in the shortest form that reads back the same; long or binary strings and blocks by their size.
 std::string valueText(const host::Value& value);
-// ": did you mean InvertZVR or InvertGrayZVR?" or nothing.
+// "; did you mean InvertZVR or InvertGrayZVR?", or "; `zvr list` shows every method" when none is near.
 std::string nearestText(const std::string& name);
 
 // The listing of one registered class, line by line.

@@ -39,6 +39,18 @@ void clearBar() {
   isBarShown = false;
 }
 
+// Bytes of the UTF-8 character that begins at a place; 0 for a control character and for what is no UTF-8.
+size_t printableLength(const std::string& text, size_t at) {
+  const auto byte = [&](size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
+  const unsigned lead = byte(at);
+  if (lead < 0x80) return lead < 0x20 || lead == 0x7F ? 0 : 1;
+  const size_t length = lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+  for (size_t i = 1; i < length; ++i) {
+    if ((byte(at + i) & 0xC0) != 0x80) return 0;
+  }
+  return lead == 0xC2 && byte(at + 1) < 0xA0 ? 0 : length;  // U+0080 to U+009F
+}
+
 std::string duration(double seconds) {
   const auto whole = static_cast<long>(seconds + 0.5);
   if (whole < 60) return std::to_string(whole) + " s";
@@ -56,16 +68,35 @@ void setColor(const std::string& when) {
 
 std::string styled(Style style, const std::string& text) { return paint(isColorOn, style, text); }
 
+std::string escaped(const std::string& text) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string shown;
+  for (size_t i = 0; i < text.size();) {
+    const size_t length = printableLength(text, i);
+    if (length == 0) {
+      const auto byte = static_cast<unsigned char>(text[i++]);
+      shown += std::string("\\x") + kDigits[byte >> 4] + kDigits[byte & 15];
+    }
+    shown += text.substr(i, length);
+    i += length;
+  }
+  return shown;
+}
+
 void print(const std::string& line) {
   clearBar();
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fputc('\n', stdout);
 }
 
-void complain(const std::string& problem) {
+void printWritten(const std::string& path) { print("wrote " + escaped(path)); }
+
+void complain(const std::string& problem, const std::vector<std::string>& further) {
   std::fflush(stdout);
   clearBar();
-  std::fprintf(stderr, "%s %s\n", paint(isErrorColorOn, Style::error, "zvr:").c_str(), problem.c_str());
+  std::fprintf(stderr, "%s %s\n", paint(isErrorColorOn, Style::error, "zvr:").c_str(),
+               escaped(problem).c_str());
+  for (const std::string& line : further) std::fprintf(stderr, "%s\n", escaped(line).c_str());
 }
 
 Progress::Progress(size_t total) : total_(total) { draw(); }

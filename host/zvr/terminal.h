@@ -1,8 +1,9 @@
-// Output to people: colour where it is wanted, progress where somebody watches.
+// Output for people: colour where wanted, progress on terminals.
 #pragma once
 
 #include <chrono>
 #include <string>
+#include <vector>
 
 namespace zvr::terminal {
 
@@ -10,12 +11,19 @@ enum class Style { plain, heading, name, type, good, faint, error };
 
 // "always", "never", or "auto": colour on a terminal unless NO_COLOR is set.
 void setColor(const std::string& when);
-// The text as it should be written to standard output.
+// The text with colour codes for standard output, where it is coloured.
 std::string styled(Style style, const std::string& text);
 
-// One line to standard output, or to standard error with "zvr: " before it. A progress bar makes room.
+// Text that has file names or words of others in it: control characters, and bytes that are no UTF-8, become
+// \x1B and the like, so that they do nothing to a terminal.
+std::string escaped(const std::string& text);
+
+// One line to standard output, as it is. A progress bar makes room.
 void print(const std::string& line);
-void complain(const std::string& problem);
+// "wrote PATH".
+void printWritten(const std::string& path);
+// A line to standard error with "zvr: " before it, and further lines; escaped.
+void complain(const std::string& problem, const std::vector<std::string>& further = {});
 
 // A bar on standard error with count, rate and time left; silent when that is no terminal or when there
 // is no more than one thing to do.

@@ -66,7 +66,7 @@ host::Value Walk::valueOf(const Argument& argument, host::Type type) {
   return std::get<host::Value>(argument);
 }
 
-// Pictures and strings become what @ stands for; everything else is printed.
+// Pictures and strings become @; everything else is printed.
 void Walk::become(const host::Declaration& declaration, const host::Value& result) {
   const auto* picture = std::get_if<host::PictureRef>(&result);
   const auto* string = std::get_if<host::StringRef>(&result);
@@ -86,7 +86,7 @@ void Walk::become(const host::Declaration& declaration, const host::Value& resul
 }
 
 void Walk::print(const std::string& name, const host::Value& value) const {
-  terminal::print(label_ + name + " = " + valueText(value));
+  terminal::print(terminal::escaped(label_ + name + " = " + valueText(value)));
 }
 
 }  // namespace zvr

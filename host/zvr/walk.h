@@ -13,11 +13,11 @@ namespace zvr {
 
 class Walk {
  public:
-  // `label` stands before every line that is printed. Throws Failure for an input that can't be read.
+  // `label` begins every line that is printed. Throws Failure for an input that can't be read.
   Walk(const std::string& input, std::string label);
 
-  // Calls the method and prints what it answers, but for pictures and strings, and the arguments by
-  // reference. Of those the blocks with a parameter index in `kept` are handed back instead. Throws Failure.
+  // Calls the method and prints its answer, except pictures and strings, and the arguments by
+  // reference. Blocks whose parameter index is in `kept` are handed back instead. Throws Failure.
   std::map<size_t, Bytes> take(const Step& step, const std::vector<size_t>& kept);
 
   // Whether a step has answered a picture or string, or changed the picture in place.

@@ -67,7 +67,7 @@ std::vector<host::Value> argumentsOf(const host::Declaration& declaration, const
   return arguments;
 }
 
-// With two samples a column none is left without: that one would be drawn as a full bar.
+// With two samples to a column none is empty; an empty one would be drawn as a full bar.
 void checkLength(const WaveOptions& own, const Sound& sound) {
   const size_t most = std::max<size_t>(sound.count() / 2, 1);
   if (static_cast<size_t>(own.width) <= most) return;
@@ -77,7 +77,7 @@ void checkLength(const WaveOptions& own, const Sound& sound) {
 
 int wave(const Options& options, const WaveOptions& own) {
   const Session session(options);
-  const std::string output = planOutputs({own.input}, own.output, "wave")[0];
+  const std::string output = planOutput(own.input, own.output, "wave");
   const host::Method& method = findMethod();
   const Sound sound = loadSound(own.input);
   checkLength(own, sound);
@@ -89,7 +89,7 @@ int wave(const Options& options, const WaveOptions& own) {
   const auto* picture = std::get_if<host::PictureRef>(&outcome.result);
   if (!picture || !*picture) throw Failure(std::string(kMethod) + " answered nil");
   saveImage(fromPicture(picture->get()), output, own.quality);
-  terminal::print("wrote " + output);
+  terminal::printWritten(output);
   return kDone;
 }
 

@@ -4,7 +4,7 @@
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
-void brighter(Pixel* out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top) {
+void max(Pixel* out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top) {
   mapLightly(out, {in1, in2}, count,
              [=](const Pixels(&p)[2]) { return (largerBytes(p[0], p[1]) & 0xFFFFFF) | top; });
 }

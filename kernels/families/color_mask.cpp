@@ -4,9 +4,9 @@
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
-void markColored(uint8_t* cells, const Pixel* in, size_t count) {
+void markColored(uint8_t* cells, const Pixel* in, size_t count, uint8_t colored) {
   // Gray when each channel equals the one above it.
-  for (size_t i = 0; i < count; ++i) cells[i] = ((in[i] ^ in[i] >> 8) & 0xFFFF) != 0 ? 1 : 0;
+  for (size_t i = 0; i < count; ++i) cells[i] = ((in[i] ^ in[i] >> 8) & 0xFFFF) != 0 ? colored : uint8_t{0};
 }
 
 void blackWhere(Pixel* out, const uint8_t* cells, size_t count, uint8_t black, uint32_t top) {

@@ -32,7 +32,7 @@ uint32_t countColor(const Pixel* in, size_t count, uint32_t color) {
   return countWhere(in, count, ~color, [=](Pixels p) { return p << 8 == wanted; });
 }
 
-void countChannels(const Pixel* in, size_t count, ChannelCounts& counts) {
+void histogram(const Pixel* in, size_t count, ChannelCounts& counts) {
   // Blocks of one colour are counted when another colour comes.
   uint32_t color = 0, times = 0;
   for (; count >= kBlock; count -= kBlock, in += kBlock) {

@@ -4,7 +4,7 @@
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
-bool isAllColor(const Pixel* in, size_t count, int32_t color) {
+bool isAllColor(const Pixel* in, size_t count, uint32_t color) {
   const Pixels wanted = allOf(static_cast<uint32_t>(color));
   return findBlock<kLargeBlock>(
              in, count, [=](Pixels differing, Pixels p) { return differing | (p ^ wanted); },

@@ -12,8 +12,8 @@ uint32_t limited(uint32_t bits) {
 }
 
 // Sums and products of extreme weights and tones wrap, as 32-bit integers do.
-void toneByAny(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning& toning) {
-  const Toning t = toning;
+void sepiaByAny(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& toning) {
+  const Sepia t = toning;
   for (size_t i = 0; i < count; ++i) {
     const uint32_t pixel = in[i];
     const int32_t sum =
@@ -30,7 +30,7 @@ bool isSmall(uint32_t bits) { return bits + 0x8000 < 0x10000; }
 
 // Weights and tones that fit 16 bits: so do all brightnesses, and sums with tones may saturate, because they
 // are limited further anyway.
-void toneBySmall(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning& t) {
+void sepiaBySmall(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& t) {
   const Vector redAndBlue = allPixels(t.redWeight << 16 | (t.blueWeight & 0xFFFF));
   const Vector green = allPixels(t.greenWeight & 0xFFFF);
   const auto word = [](uint32_t bits) { return static_cast<int16_t>(bits); };
@@ -60,10 +60,10 @@ void toneBySmall(Pixel* out, const Pixel* in, size_t count, uint32_t top, const 
 
 }  // namespace
 
-void tone(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Toning& t) {
+void sepia(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& t) {
   const bool areSmall = isSmall(t.redWeight) && isSmall(t.greenWeight) && isSmall(t.blueWeight) &&
                         isSmall(t.red) && isSmall(t.green) && isSmall(t.blue);
-  (areSmall ? toneBySmall : toneByAny)(out, in, count, top, t);
+  (areSmall ? sepiaBySmall : sepiaByAny)(out, in, count, top, t);
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

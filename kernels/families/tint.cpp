@@ -71,7 +71,7 @@ uint32_t remembered(Tint& tint, uint32_t pixel) {
 // With e for a weight's error, the product of the rounded weights and the pixel is
 // (n + D * 2^-60 + less than 2^-60) / 65025 with D = s * (R * er + G * eg + B * eb) + N * es. Extended
 // precision errs by less than 3.01 * 2^-64 of it. So where n / 65025 is whole, a D above 0.19 * n + 1 leaves
-// it, one below -(0.19 * n + 1) gives one less, and between them only calculating as stated can tell.
+// it, one below -(0.19 * n + 1) gives one less, and between them only calculating step by step can tell.
 struct WeightErrors {
   int16_t of[256];
   constexpr WeightErrors() : of() {
@@ -127,7 +127,8 @@ struct Share {
   Floats factor, lean, sepia, error;
 
   Share(uint32_t share, float itsLean)
-      // Up by the roundings that are to come: no value is below the exact one, none 4 above it.
+      // Up by the roundings to come: no value falls below a whole number that the exact one reaches, and none
+      // lies 4 65536ths above it.
       : factor(allFloats(static_cast<float>(share * (65536 / 65025.0 * (1 + 0x1p-23))))),
         lean(allFloats(itsLean)),
         sepia(allFloats(static_cast<float>(share))),
