@@ -6,8 +6,8 @@ add_library(picturezvr_objects OBJECT ${ZVR_PLUGIN_SOURCES})
 target_link_libraries(picturezvr_objects PUBLIC zvr_options zvr_kernels)
 target_compile_options(picturezvr_objects PRIVATE ${ZVR_QUICKER_IF_SANITIZED})
 
-# For libraries that need the C runtime alone, and no newer one than they must: what opens libraries lay in one of its
-# own, and the unwinder's questions for threads, of which the plug-in has none, go to names that nobody has.
+# For libraries that need only the C runtime, and no newer one than they must: the functions that open libraries lay in
+# libdl, and the unwinder's questions for threads, of which the plug-in has none, go to names that nobody has.
 set(ZVR_C_RUNTIME_ALONE -static-libgcc -static-libstdc++ -Wl,--hash-style=both
   -Wl,--push-state,--no-as-needed -l:libdl.so.2 -Wl,--pop-state
   -Wl,--wrap=pthread_once -Wl,--wrap=__pthread_key_create)

@@ -10,14 +10,6 @@
 
 #include "tests/support.h"
 
-#if defined(__SANITIZE_ADDRESS__)
-#define ZVR_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ZVR_SANITIZED 1
-#endif
-#endif
-
 namespace {
 
 // ---- The file ----
