@@ -178,6 +178,7 @@ void tellSignal(int signal) {
   std::cerr << "signal " << signal << " in " << runningCase << std::endl;
   if (describeRunning) std::cerr << describeRunning() << std::endl;
   sigaction(signal, &handlersBefore[signal], nullptr);  // and on to what would have happened
+  if (signal == SIGABRT) raise(signal);                 // which may have been sent
 }
 
 // The first and last lines of a message, none of them endless.

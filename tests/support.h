@@ -34,6 +34,8 @@ constexpr int blue(Rgb c) { return static_cast<int>(c & 255); }
 
 // The kind of host that this process plays (--road=cairo, gdk or console).
 host::Road road();
+inline bool isGdk() { return road() == host::Road::gdk; }
+inline bool isConsole() { return road() == host::Road::console; }
 // That host at version 2013.03, with guard pages and padded rows; fresh pixels of an odd colour, so that
 // unwritten ones show.
 host::Settings settingsForRoad();

@@ -114,15 +114,14 @@ class Duel {
  public:
   Duel(const Table& table, const Case& c, uint32_t seed) : table_(table), case_(c), random_(seed) {}
 
-  // One call with drawn contents and parameters; or, `cut`, one for each part of spans that are cut at
-  // random, of which the results are not looked at.
-  void run(size_t count, const Place& in, const Place& out, bool cut = false) {
+  // One call with drawn contents and parameters.
+  void run(size_t count, const Place& in, const Place& out) {
     layOperands(count, in, out);
     const Hint hint = {spread_, wordOf(0, count > 0 ? random_.word() % count : 0)};
     Parameters expected = drawParameters(random_, case_, hint, random_.word()), got = expected;
     const uint64_t right = case_.run(plain::kTable, definitions_, expected);
-    uint64_t result = right;
-    const auto call = [&] { cut ? runParts(got) : void(result = case_.run(table_, kernels_, got)); };
+    uint64_t result = 0;
+    const auto call = [&] { result = case_.run(table_, kernels_, got); };
     const bool leavesThem = leavesUpperHalvesInUse(call);
     ASSERT_TRUE(result == right) << describe(table_, case_, got) << where() << std::hex << "got " << result
                                  << ", expected " << right;
@@ -173,16 +172,6 @@ class Duel {
                                                              : drawContents(random_, size, spread_);
     if (place.remainder) place.remainder = (*place.remainder + 23 * k) % 64;
     operands_[k].lay(place, contents_[k], case_.shape.inIsNumbers);
-  }
-
-  void runParts(Parameters& parameters) {
-    Operands part = kernels_;
-    for (size_t left = kernels_.count; left > 0; left -= part.count) {
-      part.count = 1 + random_.word() % std::min<size_t>(left, 90);
-      case_.run(table_, part, parameters);
-      for (size_t k = 0; k < 3 && part.in[k]; ++k) part.in[k] += part.count * case_.shape.in[k];
-      if (!case_.shape.outIsWhole) part.out += part.count * case_.shape.out;
-    }
   }
 
   void expectSame(const Parameters& parameters) const {
@@ -253,17 +242,6 @@ TEST_P(Kernel, AgreesWithItsDefinitionAtAllLengthsAndAlignments) {
   }
 }
 
-// Kernels that write; the answers of the others for parts follow from their agreement at all lengths.
-class WritingKernel : public Kernel {};
-
-TEST_P(WritingKernel, ResultsDontDependOnHowARowIsCut) {
-  Random random(6);
-  for (int i = 0; i < 200; ++i) {
-    const auto length = static_cast<size_t>(random.between(2, 1000));
-    duel.run(length, {random.word() % 64, true}, {random.word() % 64, true}, true);
-  }
-}
-
 template <typename Passes>
 std::vector<const Case*> casesWhere(const Passes& passes) {
   std::vector<const Case*> all;
@@ -283,9 +261,6 @@ const auto kSetAndName = [](const auto& parameter) {
 };
 
 INSTANTIATE_TEST_SUITE_P(Sets, Kernel, onAllSets([](const Shape&) { return true; }), kSetAndName);
-INSTANTIATE_TEST_SUITE_P(Sets, WritingKernel, onAllSets([](const Shape& s) { return s.out > 0; }),
-                         kSetAndName);
-
 TEST(Kernels, AllAreTestedOnAllSetsOfThisProcessor) {
   std::set<size_t> slots;
   for (const Case& c : allCases()) slots.insert(c.slot);

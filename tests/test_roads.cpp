@@ -10,8 +10,6 @@ namespace {
 
 using host::oddities;
 
-bool isConsole() { return road() == host::Road::console; }
-
 class Roads : public HostTest {
  protected:
   const Pixels source_ = Random(7).pixels(13, 5);
