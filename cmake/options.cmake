@@ -1,4 +1,4 @@
-# What every file is compiled with.
+# Options for every file.
 add_library(zvr_options INTERFACE)
 target_compile_options(zvr_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor -Werror
@@ -20,6 +20,7 @@ if(ZVR_SANITIZE)
     add_compile_options(-fno-sanitize=function)
   endif()
   add_link_options(-fsanitize=${ZVR_SANITIZE})
+  add_compile_definitions(ZVR_SANITIZED)
   # For code that the tests then spend their time in. They themselves compile faster without.
   set(ZVR_QUICKER_IF_SANITIZED "$<$<CONFIG:Debug>:-O1>")
 endif()

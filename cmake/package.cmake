@@ -1,4 +1,4 @@
-# What `cmake --install` puts where, and the packages that `./dev package` makes of it. zvr finds the plug-in in
+# Where `cmake --install` puts things, and the packages that `./dev package` makes of it. zvr finds the plug-in in
 # ../lib, and the sound library with what that needs in ../lib/picturezvr.
 set(ZVR_PRIVATE_LIBRARIES "lib/picturezvr")
 

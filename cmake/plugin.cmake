@@ -15,7 +15,7 @@ target_link_options(picturezvr PRIVATE
   -Wl,--version-script=${CMAKE_SOURCE_DIR}/cmake/exports.map
   -Wl,--no-undefined -Wl,-z,relro -Wl,-z,now -Wl,-z,text -Wl,--gc-sections)
 if(NOT ZVR_SANITIZE)
-  target_link_options(picturezvr PRIVATE ${ZVR_OLD_C_LIBRARY})
+  target_link_options(picturezvr PRIVATE ${ZVR_C_RUNTIME_ONLY})
 else()
   # Sanitizer run times are found in the program that loads the library.
   target_link_options(picturezvr PRIVATE -Wl,-z,undefs)

@@ -15,6 +15,8 @@ class HostEntry;
 template <typename Result, typename... Arguments>
 class HostEntry<Result(Arguments...)> {
  public:
+  using Function = Result(Arguments...);
+
   constexpr explicit HostEntry(const char* name) : name_(name) {}
 
   // Whether the host offers it; asks the resolver as a call would.

@@ -1,7 +1,7 @@
 #include "host/entry_points.h"
 
 #include <dlfcn.h>
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef ZVR_SANITIZED
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -29,7 +29,7 @@ const Entry* findEntry(Giver giver, const std::string& name) {
 // Enters the plug-in. Memory that it allocates while it registers stays for the life of the process, on
 // purpose: the leak detector, which loses sight of it when the library is closed, is told so.
 void enterPlugin(void (*enter)(REALResolver)) {
-#if defined(__SANITIZE_ADDRESS__)
+#ifdef ZVR_SANITIZED
   const __lsan::ScopedDisabler registeredForEver;
 #endif
   enter(&resolve);

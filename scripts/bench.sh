@@ -5,7 +5,7 @@
 kSpeedPage=docs/performance.md
 kSpeedBegin='<!-- Made by ./dev bench --table: from here … -->'
 kSpeedEnd='<!-- … to here -->'
-# What the tables show.
+# The rows of the tables.
 kSpeedFilter='^(operation/|growth/|fixed/[^/]*/words)'
 
 runBench() {
@@ -17,8 +17,8 @@ runBench() {
       *) misuse "Unknown argument \"$argument\"; bench takes --json, --table and a filter." ;;
     esac
   done
-  [[ -z $table || ${#options[@]} -eq 0 ]] || misuse 'The table is made of all that it shows: --table stands alone.'
-  # Standard output is the benchmark's alone, so that --json can be piped on.
+  [[ -z $table || ${#options[@]} -eq 0 ]] || misuse 'The tables are made of all their rows: --table goes with nothing else.'
+  # Only the benchmark writes to the standard output, so that --json can be piped on.
   buildPreset release >&2
   if [[ -z $table ]]; then exec build/release/picturezvr_bench "${options[@]}"; fi
   say 'Measuring; this takes some minutes'

@@ -1,4 +1,4 @@
-# What the plug-in does to a real photograph and to real speech. Sourced by dev.
+# The plug-in at work on a real photograph and on real speech. Sourced by dev.
 # shellcheck shell=bash disable=SC2154 # cacheFolder comes from setup.sh
 
 kOwnPhoto='Any picture of yours does as well: ./dev demo PHOTO'
@@ -38,8 +38,8 @@ fetchSpeech() {
   speech=$cacheFolder/photos/speech.wav
 }
 
-# show FILE WORDS…: runs zvr with the words and has it write out/demo/FILE; prints how long it took and the words, but
-# for what they are used on.
+# show FILE WORDS…: runs zvr with the words and has it write out/demo/FILE; prints how long it took, and the words without
+# the input.
 show() {
   local file=$1 started=${EPOCHREALTIME/[.,]/} took word words=''
   shift
@@ -55,7 +55,7 @@ show() {
 # Leaves in `took` how long the whole run of zvr took, in milliseconds.
 invertOn() {
   local display=() started=${EPOCHREALTIME/[.,]/}
-  if [[ $1 == gdk ]]; then display=(xvfb-run -a -s "$kScreen"); fi
+  if [[ $1 == gdk ]]; then display=(withDisplay); fi
   "${display[@]}" build/release/zvr apply "$photo" InvertZVR -o "out/demo/invert-$1.png" --host "$1" > /dev/null
   took=$(((${EPOCHREALTIME/[.,]/} - started) / 1000))
 }

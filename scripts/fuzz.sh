@@ -1,10 +1,10 @@
-# Inputs that libFuzzer makes up, for the targets in fuzz/. Sourced by dev.
+# Fuzzing with the targets in fuzz/. Sourced by dev.
 # shellcheck shell=bash
 
-# runFuzz [TARGET] [SECONDS]: the inputs in fuzz/corpus/TARGET first, then new ones for that long, grown from
-# those and from what earlier runs left in build/fuzz/corpus.
+# runFuzz [TARGET] [SECONDS]: the inputs in fuzz/corpus/TARGET first, then new ones for that long, grown from those and
+# from the ones that earlier runs left in build/asan/fuzz/corpus.
 runFuzz() {
-  local targets=(fuzz/corpus/*/) target seconds=60
+  local targets=(fuzz/corpus/*/) seconds=60
   targets=("${targets[@]%/}")
   targets=("${targets[@]##*/}")
   takesAtMost 2 "$@"
@@ -16,39 +16,22 @@ runFuzz() {
   takesAtMost 1 "$@"
   seconds=${1:-60}
   [[ $seconds =~ ^[1-9][0-9]*$ ]] || misuse "\"$seconds\" is no number of seconds; fuzz takes [TARGET] [SECONDS]."
-  buildPreset fuzz --target fuzz_targets
-  for target in "${targets[@]}"; do fuzzOne "$target" "$seconds"; done
+  buildPreset asan --target fuzz_targets
+  inParallel scripts/fuzz_one.sh "$seconds" -- "${targets[@]}"
 }
 
-fuzzOne() {
-  local target=$1 seconds=$2 folder=build/fuzz log=build/fuzz/$1.log status=0
-  mkdir -p "$folder/corpus/$target" "$folder/found"
-  # Leaks are looked for at the end: the host's own caches would have every input checked, a hundred times slower.
-  ASAN_OPTIONS=quarantine_size_mb=32${ASAN_OPTIONS:+:$ASAN_OPTIONS} "$folder/fuzz_$target" -detect_leaks=0 \
-    -max_total_time="$seconds" -timeout=20 -rss_limit_mb=1800 -print_final_stats=1 \
-    -artifact_prefix="$folder/found/$target-" "$folder/corpus/$target" "fuzz/corpus/$target" \
-    > "$log" 2>&1 || status=$?
-  if [[ $status -ne 0 ]]; then
-    grep -aE -m 1 -A 20 'ERROR:|runtime error' "$log" >&2 || tail -n 20 "$log" >&2
-    fail "fuzz $target: a fault after $(fuzzedInputs "$log") inputs." \
-      "All that was printed: $log. The input, if one is to blame: $(grep -aoE "$folder/found/[^ ]+" "$log" | tail -n 1)"
-  fi
-  say "fuzz $target: no fault in $(fuzzedInputs "$log") inputs in $seconds s"
-}
-
-fuzzedInputs() { sed -nE 's/^stat::number_of_executed_units: *([0-9]+)$/\1/p' "$1"; }
-
-# ensureFuzzer: libFuzzer's run time for 32-bit programs, which Clang's own package only recommends.
-ensureFuzzer() {
+# ensureSanitizers: the run time of Clang's sanitizers and fuzzer for 32-bit programs, which Clang's own package only
+# recommends.
+ensureSanitizers() {
   local version
-  has32BitFuzzer && return
+  has32BitSanitizers && return
   version=$(clang++ -dumpversion)
   installPackages "libclang-rt-${version%%.*}-dev"
-  has32BitFuzzer || fail "This Clang ($(command -v clang++), $version) has no libFuzzer for 32-bit programs."
+  has32BitSanitizers || fail "This Clang ($(command -v clang++), $version) has no sanitizers for 32-bit programs."
 }
 
-has32BitFuzzer() {
-  clang++ -m32 -fsanitize=fuzzer,address -x c++ -o /dev/null - 2> /dev/null << 'END'
+has32BitSanitizers() {
+  clang++ -m32 -fsanitize=fuzzer,address,undefined -x c++ -o /dev/null - 2> /dev/null << 'END'
 #include <fuzzer/FuzzedDataProvider.h>
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t*, size_t) { return 0; }
 END

@@ -34,7 +34,7 @@ answers() {
 djpeg -scale 1/8 -ppm "$photo" | cjpeg -quality 88 > "$images/photo.jpg"
 cp "$images/photo.jpg" photo.jpg
 
-# A white page with a part of the map on it, and one with two. What lies outside InvertZVR's rectangle is white; inverted
+# A white page with a part of the map on it, and one with two. Outside InvertZVR's rectangle all is white; inverted
 # once more, black, where two parts can be merged.
 quietly zvr apply photo.jpg InvertZVR 16 16 96 60 + InvertZVR -o leftOnBlack.png
 quietly zvr apply photo.jpg InvertZVR 150 44 90 64 + InvertZVR -o rightOnBlack.png

@@ -1,4 +1,4 @@
-# What the other commands stand on: programs of this machine, and a private tree of i386 libraries.
+# Programs of this machine and a private tree of i386 libraries, on which the other commands stand.
 # Sourced by dev.
 # shellcheck shell=bash
 
@@ -7,11 +7,11 @@ kTreeVersion=2
 kTreePackages=(libgtk2.0-dev libcairo2-dev libgtest-dev libbenchmark-dev libffi-dev libpng-dev
   libjpeg62-turbo-dev libsndfile1-dev libcli11-dev)
 # Left out of the tree: the C library and the compiler's run time, which must be those of this machine's
-# own `g++ -m32` because the tree lies on our programs' run path; and what only these packages' tools
+# own `g++ -m32` because the tree lies on our programs' run path; and packages that only these packages' tools
 # and unused parts need.
 kTreeWithout=(libc6 libc6-dev libc-dev linux-libc-dev libgcc-s1 libstdc++6 gcc-12-base
   python3 python3-distutils debconf libicu-dev libicu72 adwaita-icon-theme hicolor-icon-theme)
-kLibraryAlone='The library alone needs none of them:
+kLibraryAlone='The library by itself needs none of them:
   cmake --preset release -DZVR_BUILD_HOST=OFF && cmake --build build/release'
 
 cacheFolder=${XDG_CACHE_HOME:-${HOME:?needed to find the cache folder}/.cache}/picturezvr
@@ -25,11 +25,11 @@ has32BitCompiler() {
   done
 }
 
-# ensurePrograms [PACKAGE:PROGRAM ...]: what every build needs, and what is named here as well.
+# ensurePrograms [PACKAGE:PROGRAM ...]: the programs that every build needs, and those named here.
 # An installed program is looked for rather than its package, so other systems are served too.
 ensurePrograms() {
   local entry missing=()
-  for entry in cmake:cmake ninja-build:ninja pkg-config:pkg-config xvfb:Xvfb xauth:xauth "$@"; do
+  for entry in cmake:cmake ninja-build:ninja pkg-config:pkg-config xvfb:Xvfb "$@"; do
     command -v "${entry#*:}" > /dev/null || missing+=("${entry%%:*}")
   done
   has32BitCompiler || missing+=(g++-multilib)
@@ -95,19 +95,20 @@ makeTree() {
   mv -T "$partial" "$tree"
 }
 
-# preparePrivateApt INSTEAD: an apt of our own for i386 packages. It writes below the cache folder alone,
-# so it needs no root and leaves the machine's packages be. Where packages come from is taken from the
-# machine's own apt. INSTEAD says what is possible when they can't be had. Called under the cache's lock.
+# preparePrivateApt INSTEAD [SUITE]: an apt of our own for i386 packages of this machine's suite, or of another. It writes
+# only below the cache folder, so it needs no root and leaves the machine's packages be. The machine's own apt says where
+# packages come from. INSTEAD says what is possible when they can't be had. Called under the cache's lock.
 preparePrivateApt() {
-  local instead=$1 apt=$cacheFolder/apt suite source mirror entry key package
-  suite=$(debianSuite)
-  source=$(debianSource "$suite")
+  local instead=$1 apt=$cacheFolder/apt own suite source mirror entry key package
+  own=$(debianSuite)
+  suite=${2:-$own}
+  source=$(debianSource "$own")
   if [[ -z $source && $EUID -eq 0 ]]; then
     quietly apt-get update -o APT::Update::Error-Mode=any || fail "Could not fetch the lists of packages. $instead"
-    source=$(debianSource "$suite")
+    source=$(debianSource "$own")
   fi
   [[ -n $source ]] ||
-    fail "This machine's apt knows no packages of Debian $suite: please run apt-get update as root. $instead"
+    fail "This machine's apt knows no packages of Debian $own: please run apt-get update as root. $instead"
   IFS='|' read -r mirror entry <<< "$source"
   key=$(grep -oiE -m 1 'signed-by *[:=] */[^] ,]+' "${entry%:*}" | sed 's,^[^/]*,signed-by=,' || true)
   mkdir -p "$apt/lists/partial"

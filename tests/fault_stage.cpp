@@ -13,7 +13,23 @@ host::Settings settingsAt(std::optional<double> version) {
   return settings;
 }
 
+// With sanitizers a call takes five times as long.
+#ifdef ZVR_SANITIZED
+constexpr int kParts = 3;
+#else
+constexpr int kParts = 1;
+#endif
+
 }  // namespace
+
+std::vector<Call> callsToTry() {
+  std::vector<Call> calls = everyCall();
+  const auto isLeftOut = [](const Call& call) {
+    return std::hash<std::string>()(call.describe()) % kParts != static_cast<size_t>(road()) % kParts;
+  };
+  calls.erase(std::remove_if(calls.begin(), calls.end(), isLeftOut), calls.end());
+  return calls;
+}
 
 std::vector<std::string> allServices() {
   std::vector<std::string> names = host::entryPointNames();
@@ -97,12 +113,12 @@ bool needsNoPixels(const Call& call) {
 
 void FaultTest::SetUp() {
   const Stage stage;
-  calls_ = everyCall();
+  calls_ = callsToTry();
 }
 
 void FaultTest::TearDown() {
   host::start(settingsForRoad());
   std::cout << injected_ << " faults\n";
   if (IsSkipped() || HasFailure()) return;
-  EXPECT_GE(injected_, least_) << "hardly anything was tried";
+  EXPECT_GE(injected_ * kParts, least_) << "hardly anything was tried";
 }

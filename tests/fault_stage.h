@@ -8,6 +8,8 @@
 #include "tests/every_call.h"
 #include "tests/plugin_memory.h"
 
+// Every call, or with sanitizers a third of them, another one on each kind of host.
+std::vector<Call> callsToTry();
 // The names of all that the host offers.
 std::vector<std::string> allServices();
 
@@ -64,7 +66,7 @@ class FaultTest : public ::testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  std::vector<Call> calls_;  // all members
+  std::vector<Call> calls_;  // to try
   int injected_ = 0;
   int least_ = 500;  // fewer would mean that hardly anything was tried
 };

@@ -1,7 +1,6 @@
 #include "tests/support.h"
 
 #include <signal.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -172,15 +171,14 @@ namespace {
 // ---- How failures are told ----
 
 // The running case, for handlers of signals.
-char runningCase[200];
+std::string runningCase;
 struct sigaction handlersBefore[NSIG];
 
 void tellSignal(int signal) {
-  char text[600], more[200] = "";
-  if (describeRunning) describeRunning(more, sizeof more);
-  const int length = snprintf(text, sizeof text, "signal %d in %s %s\n", signal, runningCase, more);
-  [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, text, static_cast<size_t>(length));
+  std::cerr << "signal " << signal << " in " << runningCase << std::endl;
+  if (describeRunning) std::cerr << describeRunning() << std::endl;
   sigaction(signal, &handlersBefore[signal], nullptr);  // and on to what would have happened
+  if (signal == SIGABRT) raise(signal);                 // which may have been sent
 }
 
 // The first and last lines of a message, none of them endless.
@@ -204,35 +202,28 @@ std::string shortened(const std::string& message) {
 // Ends a case at its second failure, or its first that is fatal, wherever that is found. Prints the first
 // failures of all and the names of the cases that failed.
 class FirstFailures : public testing::EmptyTestEventListener {
- public:
-  explicit FirstFailures(bool prints) : prints_(prints) {}
-
- private:
   void OnTestStart(const testing::TestInfo& test) override {
-    snprintf(runningCase, sizeof runningCase, "%s.%s", test.test_suite_name(), test.name());
+    runningCase = std::string(test.test_suite_name()) + '.' + test.name();
     failures_ = 0;
   }
   void OnTestPartResult(const testing::TestPartResult& result) override {
     if (!result.failed()) return;
-    if (prints_ && shown_++ < 2) {
-      std::cerr << (result.file_name() ? result.file_name() : runningCase) << ':' << result.line_number()
-                << ": " << shortened(result.message());
+    if (shown_++ < 2) {
+      std::cerr << (result.file_name() ? result.file_name() : runningCase.c_str()) << ':'
+                << result.line_number() << ": " << shortened(result.message());
     }
     // Without a file it is an exception that gtest is about to swallow.
     const bool isLast = ++failures_ == 2 || result.fatally_failed();
     if (isLast && result.file_name()) throw testing::AssertionException(result);
   }
   void OnTestEnd(const testing::TestInfo& test) override {
-    if (prints_ && test.result()->Failed() && ++cases_ <= 5) std::cerr << "FAILED " << runningCase << '\n';
+    if (test.result()->Failed() && ++cases_ <= 5) std::cerr << "FAILED " << runningCase << '\n';
   }
   void OnTestProgramEnd(const testing::UnitTest& tests) override {
-    if (prints_) {
-      std::cout << tests.test_to_run_count() << " cases, " << cases_ << " failed, "
-                << tests.skipped_test_count() << " skipped\n";
-    }
+    std::cout << tests.test_to_run_count() << " cases, " << cases_ << " failed, "
+              << tests.skipped_test_count() << " skipped\n";
   }
 
-  bool prints_;
   int shown_ = 0, failures_ = 0, cases_ = 0;
 };
 
@@ -240,25 +231,21 @@ class FirstFailures : public testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
-  const std::pair<std::string, host::Road> roads[] = {{"--road=cairo", host::Road::cairo},
+  const std::pair<const char*, host::Road> roads[] = {{"--road=cairo", host::Road::cairo},
                                                       {"--road=gdk", host::Road::gdk},
                                                       {"--road=console", host::Road::console}};
-  bool isVerbose = false;
   for (int i = 1; i < argc; ++i) {
     const auto found = std::find_if(std::begin(roads), std::end(roads),
-                                    [&](const auto& one) { return one.first == argv[i]; });
-    if (found != std::end(roads)) {
-      roadOfProcess = found->second;
-    } else if (argv[i] == std::string("--verbose")) {
-      isVerbose = true;
-    } else {
-      std::cerr << "unknown argument " << argv[i] << ", expected --road=cairo, gdk or console, --verbose\n";
+                                    [&](const auto& one) { return one.first == std::string(argv[i]); });
+    if (found == std::end(roads)) {
+      std::cerr << "unknown argument " << argv[i] << ", expected --road=cairo, gdk or console\n";
       return 2;
     }
+    roadOfProcess = found->second;
   }
   auto& listeners = testing::UnitTest::GetInstance()->listeners();
-  if (!isVerbose) delete listeners.Release(listeners.default_result_printer());
-  listeners.Append(new FirstFailures(!isVerbose));
+  delete listeners.Release(listeners.default_result_printer());
+  listeners.Append(new FirstFailures);
   for (const int signal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT}) {
     struct sigaction action = {};
     action.sa_handler = tellSignal;

@@ -1,7 +1,8 @@
 // Shared by all tests: a host with the built plug-in in it, pictures from colours and back, calls by name.
 //
 // A case ends at its second failure, and at its first ASSERT wherever that stands: loops need not look for
-// failures. Programs print little; with --verbose they report as gtest does.
+// failures. A program prints its first two failures and names the cases that failed, and on SIGABRT the one
+// that runs.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@
 #include "host/objects.h"
 
 // Adds what is being worked on, for the message of a process that a signal ends.
-inline void (*describeRunning)(char* text, size_t size) = nullptr;
+inline std::function<std::string()> describeRunning;
 
 // A colour 0xRRGGBB.
 using Rgb = uint32_t;
@@ -33,6 +34,8 @@ constexpr int blue(Rgb c) { return static_cast<int>(c & 255); }
 
 // The kind of host that this process plays (--road=cairo, gdk or console).
 host::Road road();
+inline bool isGdk() { return road() == host::Road::gdk; }
+inline bool isConsole() { return road() == host::Road::console; }
 // That host at version 2013.03, with guard pages and padded rows; fresh pixels of an odd colour, so that
 // unwritten ones show.
 host::Settings settingsForRoad();

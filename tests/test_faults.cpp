@@ -74,7 +74,7 @@ TEST_F(Faults, EveryServiceMissing) {
   for (const Call& call : calls_) sound[call.describe()] = attempt(Stage(), call);
   const std::set<std::string> registering = Stage().usedServices();
   for (const std::string& name : allServices()) {
-    const std::vector<Call> known = (Stage(name), everyCall());  // without some fewer members are registered
+    const std::vector<Call> known = (Stage(name), callsToTry());  // without some fewer members are registered
     for (const Call& call : known) {
       // A service that neither the call nor the registration asks for can't be missed.
       if (!sound[call.describe()].uses.count(name) && !registering.count(name)) continue;
@@ -162,7 +162,7 @@ TEST_F(Faults, EveryFaultWhileRegistering) {
         });
         if ((kind == kMemory ? stage.memory().uses : stage.serviceUses()) < nth) break;
         ++injected_;
-        for (const Call& call : everyCall()) {
+        for (const Call& call : callsToTry()) {
           if (!hasProperties(call.owner)) continue;
           const Trial trial = attempt(stage, call);
           host::Ledger allowed;

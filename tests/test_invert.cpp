@@ -81,10 +81,4 @@ TEST_F(Invert, ThreeByteRowsStartFourBytesAColumn) {
   }
 }
 
-TEST_F(Invert, TooLargeGivesNil) {
-  if (road() == host::Road::gdk) GTEST_SKIP() << "no such drawable";
-  for (auto [width, height] : {std::pair(32768, 1), std::pair(1, 32768)})
-    EXPECT_FALSE(callPicture("InvertZVR", host::newPicture(width, height))) << width << " x " << height;
-}
-
 }  // namespace

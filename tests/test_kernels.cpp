@@ -69,17 +69,6 @@ class Operand {
   size_t size_ = 0, at_ = 0, from_ = 0, end_ = 0;
 };
 
-// The call at hand, for the message when a kernel touches what it must not.
-struct Running {
-  const char *table, *name;
-  unsigned count, in, out;
-} running;
-
-void describeKernel(char* text, size_t size) {
-  snprintf(text, size, "%s %s: length %u, in at %u, out at %u (modulo 64)", running.table, running.name,
-           running.count, running.in, running.out);
-}
-
 constexpr unsigned kAvx = 1U << 2, kAvx512 = 1U << 6;
 
 unsigned stateComponents(unsigned which) {
@@ -125,16 +114,14 @@ class Duel {
  public:
   Duel(const Table& table, const Case& c, uint32_t seed) : table_(table), case_(c), random_(seed) {}
 
-  // One call with drawn contents and parameters; or, `cut`, one for each part of spans that are cut at
-  // random, of which the results are not looked at.
-  void run(size_t count, const Place& in, const Place& out, bool cut = false) {
+  // One call with drawn contents and parameters.
+  void run(size_t count, const Place& in, const Place& out) {
     layOperands(count, in, out);
     const Hint hint = {spread_, wordOf(0, count > 0 ? random_.word() % count : 0)};
     Parameters expected = drawParameters(random_, case_, hint, random_.word()), got = expected;
     const uint64_t right = case_.run(plain::kTable, definitions_, expected);
-    running = {table_.name, case_.name.c_str(), count, remainder(kernels_.in[0]), remainder(kernels_.out)};
-    uint64_t result = right;
-    const auto call = [&] { cut ? runParts(got) : void(result = case_.run(table_, kernels_, got)); };
+    uint64_t result = 0;
+    const auto call = [&] { result = case_.run(table_, kernels_, got); };
     const bool leavesThem = leavesUpperHalvesInUse(call);
     ASSERT_TRUE(result == right) << describe(table_, case_, got) << where() << std::hex << "got " << result
                                  << ", expected " << right;
@@ -143,8 +130,15 @@ class Duel {
         << table_.name << ' ' << case_.name << " leaves the upper halves of registers in use";
   }
 
+  std::string where() const {
+    const auto remainder = [](const uint8_t* at) { return reinterpret_cast<uintptr_t>(at) % 64; };
+    std::ostringstream text;
+    text << "length " << kernels_.count << ", in at " << remainder(kernels_.in[0]) << ", out at "
+         << remainder(kernels_.out) << (out_ < 3 ? " (in place)" : "") << " modulo 64, ";
+    return text.str();
+  }
+
  private:
-  static unsigned remainder(const uint8_t* at) { return reinterpret_cast<uintptr_t>(at) % 64; }
   size_t outSize(size_t count) const { return case_.shape.out * (case_.shape.outIsWhole ? 1 : count); }
 
   void layOperands(size_t count, const Place& in, const Place& out) {
@@ -180,16 +174,6 @@ class Duel {
     operands_[k].lay(place, contents_[k], case_.shape.inIsNumbers);
   }
 
-  void runParts(Parameters& parameters) {
-    Operands part = kernels_;
-    for (size_t left = kernels_.count; left > 0; left -= part.count) {
-      part.count = 1 + random_.word() % std::min<size_t>(left, 90);
-      case_.run(table_, part, parameters);
-      for (size_t k = 0; k < 3 && part.in[k]; ++k) part.in[k] += part.count * case_.shape.in[k];
-      if (!case_.shape.outIsWhole) part.out += part.count * case_.shape.out;
-    }
-  }
-
   void expectSame(const Parameters& parameters) const {
     for (size_t k = 0; k < 4; ++k) {
       const std::optional<ptrdiff_t> offset = operands_[k].difference();
@@ -220,13 +204,6 @@ class Duel {
     return kernels_.count > 0 && size > 0 ? number(&contents_[k][index * size], size) : 0;
   }
 
-  std::string where() const {
-    std::ostringstream text;
-    text << "length " << kernels_.count << ", in at " << running.in << ", out at " << running.out
-         << (out_ < 3 ? " (in place)" : "") << " modulo 64, ";
-    return text.str();
-  }
-
   const Table& table_;
   const Case& case_;
   Random random_;
@@ -240,8 +217,11 @@ class Duel {
 // A kernel of an instruction set.
 class Kernel : public ::testing::TestWithParam<std::tuple<const Table*, const Case*>> {
  protected:
-  static void SetUpTestSuite() { describeRunning = describeKernel; }
-  static void TearDownTestSuite() { describeRunning = nullptr; }
+  // Kernels that touch memory of others end the process.
+  void SetUp() override {
+    describeRunning = [this] { return duel.where(); };
+  }
+  void TearDown() override { describeRunning = nullptr; }
   Duel duel{*std::get<0>(GetParam()), *std::get<1>(GetParam()), 4};
 };
 
@@ -259,17 +239,6 @@ TEST_P(Kernel, AgreesWithItsDefinitionAtAllLengthsAndAlignments) {
     for (size_t remainder = 0; remainder < 64; ++remainder) {
       duel.run(length, {remainder, random.chance(50)}, {(remainder + 29 * length) % 64, random.chance(50)});
     }
-  }
-}
-
-// Kernels that write; the answers of the others for parts follow from their agreement at all lengths.
-class WritingKernel : public Kernel {};
-
-TEST_P(WritingKernel, ResultsDontDependOnHowARowIsCut) {
-  Random random(6);
-  for (int i = 0; i < 200; ++i) {
-    const auto length = static_cast<size_t>(random.between(2, 1000));
-    duel.run(length, {random.word() % 64, true}, {random.word() % 64, true}, true);
   }
 }
 
@@ -292,9 +261,6 @@ const auto kSetAndName = [](const auto& parameter) {
 };
 
 INSTANTIATE_TEST_SUITE_P(Sets, Kernel, onAllSets([](const Shape&) { return true; }), kSetAndName);
-INSTANTIATE_TEST_SUITE_P(Sets, WritingKernel, onAllSets([](const Shape& s) { return s.out > 0; }),
-                         kSetAndName);
-
 TEST(Kernels, AllAreTestedOnAllSetsOfThisProcessor) {
   std::set<size_t> slots;
   for (const Case& c : allCases()) slots.insert(c.slot);
@@ -339,21 +305,13 @@ class AllColors : public ::testing::TestWithParam<const Case*> {
       const uint64_t right = run(plain::kTable, expected, parameters[0]);
       for (size_t s = 0; s < sets_.size(); ++s) {
         const uint64_t result = run(*sets_[s], got, parameters[1 + s]);
-        ASSERT_TRUE(result == right && got == expected) << difference(*sets_[s], first, expected, got, drawn);
+        ASSERT_TRUE(result == right && got == expected)
+            << describe(*sets_[s], c, drawn) << "colours from " << std::hex << first << " on";
       }
     }
   }
 
  private:
-  std::string difference(const Table& table, uint32_t first, const Bytes& expected, const Bytes& got,
-                         const Parameters& p) const {
-    const auto at = std::mismatch(expected.begin(), expected.end(), got.begin()).first - expected.begin();
-    std::ostringstream text;
-    text << describe(table, *GetParam(), p) << "colours from " << std::hex << first
-         << ": other results from byte " << std::dec << at << " on";
-    return text.str();
-  }
-
   const std::vector<const Table*> sets_ = supportedTables();
 };
 

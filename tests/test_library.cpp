@@ -10,14 +10,6 @@
 
 #include "tests/support.h"
 
-#if defined(__SANITIZE_ADDRESS__)
-#define ZVR_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ZVR_SANITIZED 1
-#endif
-#endif
-
 namespace {
 
 // ---- The file ----
@@ -34,16 +26,6 @@ std::vector<std::string> linesFrom(const std::string& tool) {
 }
 
 bool contains(const std::string& line, const char* part) { return line.find(part) != std::string::npos; }
-
-TEST(LibraryFile, IsA32BitLibraryForX86) {
-  std::set<std::string> found;
-  for (const std::string& line : linesFrom("readelf -hW")) {
-    for (const char* wanted : {"ELF32", "DYN", "Intel 80386"}) {
-      if (contains(line, wanted)) found.insert(wanted);
-    }
-  }
-  EXPECT_EQ(found, (std::set<std::string>{"ELF32", "DYN", "Intel 80386"}));
-}
 
 TEST(LibraryFile, ExportsOnlyItsEntry) {
   std::vector<std::string> symbols;

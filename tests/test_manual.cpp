@@ -278,10 +278,6 @@ void writePng(const fs::path& path, unsigned side, png_uint_32 format) {
 // A folder with small files under the names that the lines use.
 class ManualLines : public testing::Test {
  protected:
-  void SetUp() override {
-    const std::string programs = fs::path(ZVR_PROGRAM).parent_path().string();
-    setenv("PATH", (programs + ":" + std::getenv("PATH")).c_str(), 1);
-  }
   void TearDown() override { leave(); }
 
   void enterNewFolder() {
@@ -309,8 +305,9 @@ class ManualLines : public testing::Test {
 
   void run(const std::string& line) {
     const fs::path log = folder_.string() + ".log";
-    const std::string command =
-        "cd '" + folder_.string() + "' && {\n" + line + "\n} >'" + log.string() + "' 2>&1";
+    const std::string programs = fs::path(ZVR_PROGRAM).parent_path();
+    const std::string command = "cd '" + folder_.string() + "' && PATH='" + programs + "':$PATH && {\n" +
+                                line + "\n} >'" + log.string() + "' 2>&1";
     const int status = std::system(command.c_str());
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << line << '\n' << readFile(log);
     fs::remove(log);

@@ -4,8 +4,6 @@
 
 namespace {
 
-bool isGdk() { return road() == host::Road::gdk; }
-
 class Masks : public HostTest {
  protected:
   Pixels embedded(const host::PictureRef& picture, bool swap) {

@@ -11,9 +11,6 @@
 
 namespace {
 
-bool isGdk() { return road() == host::Road::gdk; }
-bool isConsole() { return road() == host::Road::console; }
-
 class Pictures : public LinkedTest {
  protected:
   static host::PictureRef own(REALpictureStruct* picture) { return host::PictureRef::adopt(picture); }

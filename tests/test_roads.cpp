@@ -10,8 +10,6 @@ namespace {
 
 using host::oddities;
 
-bool isConsole() { return road() == host::Road::console; }
-
 class Roads : public HostTest {
  protected:
   const Pixels source_ = Random(7).pixels(13, 5);
@@ -41,20 +39,6 @@ TEST_F(Roads, RefusedSurfaces) {
     EXPECT_EQ(host::held().descriptionLocks, alpha ? 1 : 0);
   }
   leaves.errors = 1;  // the picture with alpha died locked
-}
-
-TEST_F(Roads, BitmapsThatAreNotWhole) {
-  if (!isConsole()) GTEST_SKIP();
-  constexpr void (*spoils[])(host::PictureOddities&) = {
-      [](host::PictureOddities& o) { o.bitmapKind = 1; },
-      [](host::PictureOddities& o) { o.noRowTable = true; },
-      [](host::PictureOddities& o) { o.noRequired = true; },
-  };
-  for (const auto spoil : spoils) {
-    const auto picture = makePicture(source_);
-    spoil(oddities(picture.get()));
-    EXPECT_FALSE(inverts(picture));
-  }
 }
 
 TEST_F(Roads, UnlockablePicturesAreReadThroughACopy) {

@@ -187,10 +187,10 @@ class Model {
   Pixels withHostLines() const {
     const host::PictureRef picture = makePicture(pixels_);
     const auto graphics = host::Ref<REALgraphicsStruct>::adopt(
-        service<decltype(REALGetPictureGraphics)>("pluginPictureGraphicsGetter")(picture.get()));
-    const auto setColor = service<decltype(REALSetPropValueUInt32)>("REALSetPropValueUInt32");
-    const auto setNumber = service<decltype(REALSetPropValueInt32)>("REALSetPropValueInt");
-    const auto draw = service<decltype(GraphicsDrawLine)>("RuntimeGraphicsDrawLine");
+        service<decltype(REALGetPictureGraphics)::Function>("pluginPictureGraphicsGetter")(picture.get()));
+    const auto setColor = service<decltype(REALSetPropValueUInt32)::Function>("REALSetPropValueUInt32");
+    const auto setNumber = service<decltype(REALSetPropValueInt32)::Function>("REALSetPropValueInt");
+    const auto draw = service<decltype(GraphicsDrawLine)::Function>("RuntimeGraphicsDrawLine");
     setColor(graphics.get(), "ForeColor", r_.outlineColor);
     setNumber(graphics.get(), "PenWidth", r_.outline);
     setNumber(graphics.get(), "PenHeight", r_.outline);

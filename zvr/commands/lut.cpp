@@ -25,13 +25,13 @@ struct LutOptions {
 };
 
 // The files that the words name; either may be empty.
-struct Files {
+struct LutFiles {
   std::string picture, cube;
 };
 
-Files filesOf(const LutOptions& own) {
+LutFiles filesOf(const LutOptions& own) {
   std::vector<std::string> words = own.files;
-  Files files;
+  LutFiles files;
   if (!own.identity && !words.empty()) {
     files.cube = words.back();
     words.pop_back();
@@ -57,7 +57,7 @@ void dump(Filter& filter) {
 }
 
 int lut(const Options& options, const LutOptions& own) {
-  const Files files = filesOf(own);
+  const LutFiles files = filesOf(own);
   const Session session(options);
   Filter filter("PictureLut3DZVR");
   const std::vector<std::string> cubes(own.identity ? 0 : 1, files.cube);

@@ -17,14 +17,14 @@ using terminal::styled;
 
 constexpr size_t kPageWidth = 80;
 
-void printAll(const std::vector<std::string>& lines) {
+void printLines(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) print(line);
 }
 
 void printManual(const std::string& name) {
   const std::vector<std::string> lines = manualLines(name, kPageWidth);
   print("");
-  printAll(lines.empty() ? std::vector<std::string>{"The manual has nothing about it yet."} : lines);
+  printLines(lines.empty() ? std::vector<std::string>{"The manual has nothing about it yet."} : lines);
 }
 
 void printSignature(const host::Method& method) {
@@ -49,7 +49,7 @@ int show(const Options& options, const std::string& name) {
   if (methods.empty()) {
     const std::vector<std::string> topic = manualLines(name, kPageWidth);
     if (topic.empty()) throw UsageError("no method or class '" + name + "'" + nearestText(name));
-    printAll(topic);
+    printLines(topic);
     return kDone;
   }
   for (const host::Method* method : methods) printSignature(*method);
