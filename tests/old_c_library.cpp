@@ -1,6 +1,6 @@
-// A console host in one file: loads the library named on its command line, inverts a picture and passes an exception
-// through the plug-in. It asks for nothing that the C library of an old system lacks, so that old_c_library.sh can run
-// it there.
+// A console host in one file: loads the library named on its command line, inverts a picture and passes an
+// exception through the plug-in. It asks for nothing that the C library of an old system lacks, so that
+// old_c_library.sh can run it there.
 
 #include <dlfcn.h>
 #include <stdio.h>
@@ -13,8 +13,8 @@ asm(".symver dlsym, dlsym@GLIBC_2.0");
 asm(".symver dlerror, dlerror@GLIBC_2.0");
 asm(".symver dlclose, dlclose@GLIBC_2.0");
 
-// The way into a program that is linked with this machine's C library goes to that of older ones, which has the program
-// run its initialisers.
+// The way into a program that is linked with this machine's C library goes to that of older ones, which has
+// the program run its initialisers.
 extern "C" {
 using Main = int (*)(int, char**, char**);
 using Initialiser = void (*)(int, char**, char**);
@@ -22,8 +22,8 @@ int startAsEver(Main, int, char**, void (*)(), void (*)(), void (*)(), void*);
 asm(".symver startAsEver, __libc_start_main@GLIBC_2.0");
 extern __attribute__((visibility("hidden"))) const Initialiser __init_array_start[], __init_array_end[];
 
-int __wrap___libc_start_main(Main main, int count, char** words, void (*init)(), void (*fini)(), void (*linkerFini)(),
-                             void* stackEnd) {
+int __wrap___libc_start_main(Main main, int count, char** words, void (*init)(), void (*fini)(),
+                             void (*linkerFini)(), void* stackEnd) {
   const auto initialise = [] {
     for (const Initialiser* i = __init_array_start; i != __init_array_end; ++i) (*i)(0, nullptr, nullptr);
   };
@@ -100,14 +100,11 @@ void* resolve(const char* name) {
   const struct {
     const char* name;
     void* service;
-  } services[] = {{"REALGetRBVersion", address(version)},
-                  {"PluginRegisterMethod", address(registerMethod)},
-                  {"pluginObjectType", address(classOf)},
-                  {"newPicture", address(newPicture)},
-                  {"lockPictureDescription", address(lockPicture)},
-                  {"unlockPictureDescription", address(unlockPicture)},
-                  {"REALLockObject", address(lockObject)},
-                  {"REALUnlockObject", address(unlockObject)}};
+  } services[] = {
+      {"REALGetRBVersion", address(version)},           {"PluginRegisterMethod", address(registerMethod)},
+      {"pluginObjectType", address(classOf)},           {"newPicture", address(newPicture)},
+      {"lockPictureDescription", address(lockPicture)}, {"unlockPictureDescription", address(unlockPicture)},
+      {"REALLockObject", address(lockObject)},          {"REALUnlockObject", address(unlockObject)}};
   for (const auto& known : services) {
     if (strcmp(name, known.name) == 0) return known.service;
   }
