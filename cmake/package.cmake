@@ -1,16 +1,16 @@
-# What `cmake --install` puts where, and the packages that `./dev package` makes of it. zvr finds the plug-in in
-# ../lib, and the sound library with what that needs in ../lib/picturezvr.
+# Installation, and the packages that `./dev package` builds from it. zvr finds the plug-in in ../lib, and the sound
+# library with its dependencies in ../lib/picturezvr.
 set(ZVR_PRIVATE_LIBRARIES "lib/picturezvr")
 
 install(TARGETS picturezvr LIBRARY DESTINATION lib)
 install(FILES LICENSE DESTINATION share/doc/picturezvr RENAME copyright)
-# As in the sources, so that links stay right.
+# Same layout as in the sources, so that links keep working.
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION share/doc/picturezvr)
 install(DIRECTORY docs DESTINATION share/doc/picturezvr)
 
 if(ZVR_BUILD_HOST)
-  # Linked once more: where CMake edits a run path while it installs, it leaves room for that in the built program, as
-  # empty elements, which mean the current folder.
+  # Linked again for installation: to edit a run path during installation CMake pads it in the built program with empty
+  # elements, which mean the current folder.
   add_executable(zvr_installed $<TARGET_OBJECTS:zvr>)
   target_link_libraries(zvr_installed PRIVATE $<TARGET_PROPERTY:zvr,LINK_LIBRARIES>)
   zvr_run_path(zvr_installed)
@@ -22,7 +22,7 @@ if(ZVR_BUILD_HOST)
     zvr_runtime_libraries(libraries \"$<TARGET_FILE:zvr>\" ${ZVR_I386_LIBRARY_DIRS})
     file(INSTALL \${libraries} DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${ZVR_PRIVATE_LIBRARIES}\" FOLLOW_SYMLINK_CHAIN)")
   if(ZVR_I386_TREE)
-    # Whose work the shipped libraries are.
+    # Copyright notices of the shipped libraries.
     foreach(package libsndfile1 libflac12 libvorbis0a libvorbisenc2 libopus0 libogg0 libmpg123-0 libmp3lame0
         libpng16-16 zlib1g libjpeg62-turbo libffi8)
       install(FILES "${ZVR_I386_TREE}/usr/share/doc/${package}/copyright" OPTIONAL
@@ -50,7 +50,7 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE i386)
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
-# Opened while zvr runs, by the hosts that it plays; a console host needs neither.
+# Opened at run time by the hosts that zvr plays; a console host needs neither.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS libcairo2)
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS libgtk2.0-0)
 set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_BINARY_DIR}/package_needs.cmake")
