@@ -1,11 +1,11 @@
-# ./dev bench: measures the built library, and keeps the tables of docs/performance.md.
+# ./dev bench: measures the built library, and updates the tables of docs/performance.md.
 # Sourced by dev.
 # shellcheck shell=bash
 
 kSpeedPage=docs/performance.md
 kSpeedBegin='<!-- Made by ./dev bench --table: from here … -->'
 kSpeedEnd='<!-- … to here -->'
-# What the tables show.
+# The measurements in the tables.
 kSpeedFilter='^(operation/|growth/|fixed/[^/]*/words)'
 
 runBench() {
@@ -17,8 +17,8 @@ runBench() {
       *) misuse "Unknown argument \"$argument\"; bench takes --json, --table and a filter." ;;
     esac
   done
-  [[ -z $table || ${#options[@]} -eq 0 ]] || misuse 'The table is made of all that it shows: --table stands alone.'
-  # Standard output is the benchmark's alone, so that --json can be piped on.
+  [[ -z $table || ${#options[@]} -eq 0 ]] || misuse '--table measures everything that the tables show and takes no other argument.'
+  # Only the benchmark writes to stdout, so that --json can be piped.
   buildPreset release >&2
   if [[ -z $table ]]; then exec build/release/picturezvr_bench "${options[@]}"; fi
   say 'Measuring; this takes some minutes'
@@ -27,7 +27,7 @@ runBench() {
   say "$kSpeedPage has new tables."
 }
 
-# putTables TEXT: between the markers in the page.
+# putTables TEXT: replaces the text between the markers in the page.
 putTables() {
   local made
   grep -qxF -- "$kSpeedBegin" "$kSpeedPage" || fail "$kSpeedPage lacks the line \"$kSpeedBegin\"."

@@ -1,10 +1,10 @@
-# What the plug-in does to a real photograph and to real speech. Sourced by dev.
+# Runs the plug-in on a real photograph and on real speech. Sourced by dev.
 # shellcheck shell=bash disable=SC2154 # cacheFolder comes from setup.sh
 
 kOwnPhoto='Any picture of yours does as well: ./dev demo PHOTO'
 
-# fetchFile PACKAGE FILE AS: leaves a file of a Debian package in the cache's folder photos, under the name AS.
-# Fetched once, then kept; the package is not installed.
+# fetchFile PACKAGE FILE AS: stores a file of a Debian package in the cache's folder photos, under the name AS. Fetches
+# it once; does not install the package.
 fetchFile() {
   local kept=$cacheFolder/photos/$3
   if [[ -f $kept ]]; then return; fi
@@ -26,7 +26,7 @@ fetchFile() {
   ) 9> "$cacheFolder/lock"
 }
 
-# fetchPhoto: leaves the path of the demo's photograph in `photo`.
+# fetchPhoto: sets `photo` to the path of the demo's photograph.
 fetchPhoto() {
   fetchFile xplanet-images usr/share/xplanet/images/earth.jpg earth.jpg
   photo=$cacheFolder/photos/earth.jpg
@@ -38,8 +38,7 @@ fetchSpeech() {
   speech=$cacheFolder/photos/speech.wav
 }
 
-# show FILE WORDS…: runs zvr with the words and has it write out/demo/FILE; prints how long it took and the words, but
-# for what they are used on.
+# show FILE WORDS…: runs zvr with the words and -o out/demo/FILE; prints the time and the words, except the input.
 show() {
   local file=$1 started=${EPOCHREALTIME/[.,]/} took word words=''
   shift
@@ -51,8 +50,8 @@ show() {
   printf '  %-20s %6d ms  %s\n' "$file" "$took" "$words"
 }
 
-# invertOn HOST: runs InvertZVR on `photo` in a host of that kind.
-# Leaves in `took` how long the whole run of zvr took, in milliseconds.
+# invertOn HOST: runs InvertZVR on `photo` in a host of that kind. Sets `took` to the duration of the whole run of zvr, in
+# milliseconds.
 invertOn() {
   local display=() started=${EPOCHREALTIME/[.,]/}
   if [[ $1 == gdk ]]; then display=(xvfb-run -a -s "$kScreen"); fi

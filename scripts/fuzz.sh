@@ -1,8 +1,8 @@
-# Inputs that libFuzzer makes up, for the targets in fuzz/. Sourced by dev.
+# Fuzzing: runs the targets of fuzz/. Sourced by dev.
 # shellcheck shell=bash
 
-# runFuzz [TARGET] [SECONDS]: the inputs in fuzz/corpus/TARGET first, then new ones for that long, grown from
-# those and from what earlier runs left in build/fuzz/corpus.
+# runFuzz [TARGET] [SECONDS]: runs the inputs in fuzz/corpus/TARGET, then for that long new ones, mutated from those and
+# from the finds of earlier runs in build/fuzz/corpus.
 runFuzz() {
   local targets=(fuzz/corpus/*/) target seconds=60
   targets=("${targets[@]%/}")
@@ -15,7 +15,7 @@ runFuzz() {
   fi
   takesAtMost 1 "$@"
   seconds=${1:-60}
-  [[ $seconds =~ ^[1-9][0-9]*$ ]] || misuse "\"$seconds\" is no number of seconds; fuzz takes [TARGET] [SECONDS]."
+  [[ $seconds =~ ^[1-9][0-9]*$ ]] || misuse "\"$seconds\" is not a number of seconds; fuzz takes [TARGET] [SECONDS]."
   buildPreset fuzz --target fuzz_targets
   for target in "${targets[@]}"; do fuzzOne "$target" "$seconds"; done
 }
@@ -23,7 +23,7 @@ runFuzz() {
 fuzzOne() {
   local target=$1 seconds=$2 folder=build/fuzz log=build/fuzz/$1.log status=0
   mkdir -p "$folder/corpus/$target" "$folder/found"
-  # Leaks are looked for at the end: the host's own caches would have every input checked, a hundred times slower.
+  # Leaks are checked only at exit: the host's caches would trigger a check after every input, a hundred times slower.
   ASAN_OPTIONS=quarantine_size_mb=32${ASAN_OPTIONS:+:$ASAN_OPTIONS} "$folder/fuzz_$target" -detect_leaks=0 \
     -max_total_time="$seconds" -timeout=20 -rss_limit_mb=1800 -print_final_stats=1 \
     -artifact_prefix="$folder/found/$target-" "$folder/corpus/$target" "fuzz/corpus/$target" \
@@ -38,7 +38,7 @@ fuzzOne() {
 
 fuzzedInputs() { sed -nE 's/^stat::number_of_executed_units: *([0-9]+)$/\1/p' "$1"; }
 
-# ensureFuzzer: libFuzzer's run time for 32-bit programs, which Clang's own package only recommends.
+# ensureFuzzer: installs libFuzzer's runtime for 32-bit programs, which Clang's package only recommends.
 ensureFuzzer() {
   local version
   has32BitFuzzer && return

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the pictures of the manual anew, in docs/manual/images, by running zvr on the demo's photograph, scaled to 256 x 128.
+# Recreates the manual's pictures in docs/manual/images by running zvr on the demo's photograph, scaled to 256 x 128.
 set -euo pipefail
 
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.."
@@ -17,13 +17,14 @@ images=$work/images
 mkdir "$images"
 cd "$work"
 
-# shows NAME.EXTENSION INPUT WORD…: the methods' result as a picture of the manual. JPEG for photographs, PNG for flat colours.
+# shows NAME.EXTENSION INPUT WORD…: saves the methods' result as a picture of the manual. JPEG for photographs, PNG for flat
+# colours.
 shows() {
   local output=$images/$1
   quietly zvr apply "${@:2}" -o "$output" --quality 85
 }
 
-# answers LINES INPUT WORD…: fails unless zvr prints these lines, which the manual quotes.
+# answers LINES INPUT WORD…: fails unless zvr prints exactly these lines, which the manual quotes.
 answers() {
   local printed
   printed=$(zvr apply "${@:2}" | grep -v '^wrote ')
@@ -34,8 +35,8 @@ answers() {
 djpeg -scale 1/8 -ppm "$photo" | cjpeg -quality 88 > "$images/photo.jpg"
 cp "$images/photo.jpg" photo.jpg
 
-# A white page with a part of the map on it, and one with two. What lies outside InvertZVR's rectangle is white; inverted
-# once more, black, where two parts can be merged.
+# A white page with one part of the map, and one with two. InvertZVR leaves the area outside its rectangle white; inverted
+# again it is black, so that two parts can be merged.
 quietly zvr apply photo.jpg InvertZVR 16 16 96 60 + InvertZVR -o leftOnBlack.png
 quietly zvr apply photo.jpg InvertZVR 150 44 90 64 + InvertZVR -o rightOnBlack.png
 shows page.png photo.jpg InvertZVR + InvertZVR 16 16 150 90
@@ -73,7 +74,7 @@ shows TintPictureZVR.jpg photo.jpg TintPictureZVR @ '&c555555' '&cFFD08C'
 shows ExtractColorRectangleMaskZVR.png "$images/two-on-page.png" ExtractColorRectangleMaskZVR
 shows EmbeddedMaskZVR.jpg photo.jpg EmbeddedMaskZVR false = "$images/half-turned.jpg"
 
-# The gallery cuts out a part to look for.
+# The gallery cuts out the part to search for.
 quietly zvr gallery "$images/page.png" -o gallery
 cp gallery/files/part.png "$images/FindPictureZVR-pic.png"
 answers $'FindPictureZVR = true\nx = 102\ny = 38' "$images/page.png" FindPictureZVR "$images/FindPictureZVR-pic.png"
@@ -95,7 +96,7 @@ quietly zvr apply photo.jpg PicturetoBinaryStringZVR -o photo.ppic
   5050494300018028000001000000008000000020000000280000000000000000*fffeff ]] ||
   fail 'The manual tells of other bytes of a binary string.'
 
-# Some syllables, as signed bytes: a tone under swelling hulls.
+# Some syllables as signed bytes: a tone with swelling envelopes.
 LC_ALL=C awk 'BEGIN {
   for (i = 0; i < 12000; ++i) {
     hull = sin(i / 12000 * 3.1416) * (0.25 + 0.75 * sin(i / 900) ^ 2)
@@ -109,7 +110,7 @@ shows RenderSamplesZVR-smooth.png samples.raw RenderSamplesZVR @ 0 8 320 100 1 '
 quietly zvr lut photo.jpg "$root/docs/manual/looks/sunset.cube" -o "$images/PictureLut3DZVR.jpg" --quality 85
 quietly zvr run PictureSepiaZVR photo.jpg SepiaRed=40 SepiaGreen=20 -o "$images/PictureSepiaZVR.jpg" --quality 85
 
-# Only now that all are made.
+# Replaces the old pictures only after all were created.
 rm -rf "$root/docs/manual/images"
 mv "$images" "$root/docs/manual/images"
 cd "$root/docs/manual/images"

@@ -1,15 +1,15 @@
-# Valgrind's memcheck on the release build: values that were never set, which the sanitizers don't see.
+# Runs valgrind's memcheck on the release build: finds uninitialised values, which the sanitizers don't detect.
 # Sourced by dev.
 # shellcheck shell=bash disable=SC2154 # cacheFolder comes from setup.sh
 
-# Programs and which of their tests. Left out is what computes in long double, which valgrind rounds to double
-# (tint and waveforms), and what takes minutes there.
+# Programs and test filters. Excluded are tests of long double arithmetic (tint and waveforms), which valgrind rounds to
+# double, and tests that take minutes under it.
 kMemcheckTests=(test_{invert,merge,scroll,search,binary_string,count,region,masks,color_mask}:'*'
   'test_toning:Toning.LinearBrightness*'
   'test_classes:Classes/*:Lut3D.ANewTable*:Lut3D.TableBounds:Sepia.Factors*')
 
-# ensureSymbols: leaves in symbolFolder a C library with symbols for valgrind, which refuses 32-bit programs
-# without; no Debian package has those of a 64-bit machine's own 32-bit C library.
+# ensureSymbols: sets symbolFolder to a folder with a C library and its debug symbols, without which valgrind refuses 32-bit
+# programs. No Debian package has the symbols of a 64-bit machine's own 32-bit C library.
 ensureSymbols() {
   local suite
   suite=$(debianSuite)
@@ -23,7 +23,7 @@ ensureSymbols() {
   ) 9> "$cacheFolder/lock"
 }
 
-# fetchSymbols SUITE FOLDER: under the cache's lock and in a subshell.
+# fetchSymbols SUITE FOLDER: runs under the cache's lock, in a subshell.
 fetchSymbols() {
   local folder=$2 partial=$2.partial deb library symbols
   removeOnExit "$partial"

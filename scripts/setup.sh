@@ -1,14 +1,13 @@
-# What the other commands stand on: programs of this machine, and a private tree of i386 libraries.
+# Installs the prerequisites of the other commands: programs, and a private tree of i386 libraries.
 # Sourced by dev.
 # shellcheck shell=bash
 
-# A changed list, or a changed version, makes a new tree.
+# A change of the list or of this version creates a new tree.
 kTreeVersion=2
 kTreePackages=(libgtk2.0-dev libcairo2-dev libgtest-dev libbenchmark-dev libffi-dev libpng-dev
   libjpeg62-turbo-dev libsndfile1-dev libcli11-dev)
-# Left out of the tree: the C library and the compiler's run time, which must be those of this machine's
-# own `g++ -m32` because the tree lies on our programs' run path; and what only these packages' tools
-# and unused parts need.
+# Excluded from the tree: the C library and the compiler's runtime, which must come from this machine's `g++ -m32`
+# because the tree is on our programs' run path; and dependencies of only these packages' tools and unused parts.
 kTreeWithout=(libc6 libc6-dev libc-dev linux-libc-dev libgcc-s1 libstdc++6 gcc-12-base
   python3 python3-distutils debconf libicu-dev libicu72 adwaita-icon-theme hicolor-icon-theme)
 kLibraryAlone='The library alone needs none of them:
@@ -16,7 +15,7 @@ kLibraryAlone='The library alone needs none of them:
 
 cacheFolder=${XDG_CACHE_HOME:-${HOME:?needed to find the cache folder}/.cache}/picturezvr
 
-# has32BitCompiler: whether `g++ -m32` comes with a C and a C++ library.
+# has32BitCompiler: whether `g++ -m32` has a C and a C++ library.
 has32BitCompiler() {
   local part
   command -v g++ > /dev/null || return 1
@@ -25,8 +24,8 @@ has32BitCompiler() {
   done
 }
 
-# ensurePrograms [PACKAGE:PROGRAM ...]: what every build needs, and what is named here as well.
-# An installed program is looked for rather than its package, so other systems are served too.
+# ensurePrograms [PACKAGE:PROGRAM ...]: installs the programs that every build needs, and the given ones. Looks for
+# the program, not for its package, so that it works on other systems too.
 ensurePrograms() {
   local entry missing=()
   for entry in cmake:cmake ninja-build:ninja pkg-config:pkg-config xvfb:Xvfb xauth:xauth "$@"; do
@@ -51,8 +50,8 @@ installPackages() {
     fail "Could not install: $*. Please run as root: $command"
 }
 
-# ensureTree: leaves the tree's path in ZVR_I386_TREE for CMake. A path that is set already is taken as
-# it is; on a system other than Debian it stays empty and the system's own i386 libraries are used.
+# ensureTree: sets ZVR_I386_TREE to the tree's path for CMake. Keeps a path that is already set. On systems other than
+# Debian it stays empty, and the build uses the system's own i386 libraries.
 ensureTree() {
   if [[ -n ${ZVR_I386_TREE:-} ]]; then return; fi
   export ZVR_I386_TREE=''
@@ -69,7 +68,7 @@ ensureTree() {
   ) 9> "$cacheFolder/lock"
 }
 
-# makeTree FOLDER: under the cache's lock and in a subshell. The folder appears whole or not at all.
+# makeTree FOLDER: runs under the cache's lock, in a subshell. Creates the folder complete or not at all.
 makeTree() {
   local tree=$1 partial=$1.partial debs deb link target
   removeOnExit "$partial"
@@ -87,7 +86,7 @@ makeTree() {
       --exclude='./usr/share/doc/*/[!c]*' --exclude='./usr/share/doc/*/changelog*' # licences stay, for our packages
   done
   rm -rf "$debs"
-  # Links such as libz.so lead to /lib: let them stay inside the tree.
+  # Links such as libz.so point to /lib: redirects them into the tree.
   find "$partial" -type l -lname '/*' -print | while read -r link; do
     target=$partial$(readlink "$link")
     if [[ -e $target ]]; then ln -srf "$target" "$link"; fi
@@ -95,9 +94,9 @@ makeTree() {
   mv -T "$partial" "$tree"
 }
 
-# preparePrivateApt INSTEAD: an apt of our own for i386 packages. It writes below the cache folder alone,
-# so it needs no root and leaves the machine's packages be. Where packages come from is taken from the
-# machine's own apt. INSTEAD says what is possible when they can't be had. Called under the cache's lock.
+# preparePrivateApt INSTEAD: sets up a private apt for i386 packages. It writes only below the cache folder, so it needs
+# no root and does not touch the machine's packages. It uses the package sources of the machine's own apt. INSTEAD is the
+# hint to print if the packages can't be fetched. Call it under the cache's lock.
 preparePrivateApt() {
   local instead=$1 apt=$cacheFolder/apt suite source mirror entry key package
   suite=$(debianSuite)
@@ -146,8 +145,8 @@ privateApt() { apt-get -c "$cacheFolder/apt/apt.conf" "$@"; }
 # shellcheck disable=SC1091 # not of this tree
 debianSuite() { (. /etc/os-release && [[ $ID != debian ]] || echo "${VERSION_CODENAME:-}"); }
 
-# debianSource SUITE: prints "ADDRESS|FILE:LINE" of where this machine gets that suite from and where that is
-# configured, or nothing.
+# debianSource SUITE: prints "ADDRESS|FILE:LINE", the suite's mirror on this machine and where it is configured, or
+# nothing.
 # shellcheck disable=SC2016 # apt fills in the format
 debianSource() {
   apt-get indextargets --format '$(REPO_URI)|$(SOURCESENTRY)' 'Created-By: Packages' 'Component: main' \
