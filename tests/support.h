@@ -1,6 +1,6 @@
 // Shared by all tests: a host with the built plug-in in it, pictures from colours and back, calls by name.
 //
-// A case ends at its second failure, and at its first ASSERT wherever that stands: loops need not look for
+// A case ends at its second failure, and at its first ASSERT wherever that is: loops need not look for
 // failures. Programs print little; with --verbose they report as gtest does.
 #pragma once
 
@@ -73,7 +73,7 @@ uint32_t opaqueTopByte();
 
 // Whole numbers as arguments.
 std::vector<host::Value> numbers(std::initializer_list<int64_t> values);
-// The colour at (x, y) of a rectangle that begins at column `left`, in rows without padding: on 3-byte rows
+// The colour at (x, y) of a rectangle that begins at column `left`, in rows without padding: on RGB24 rows
 // the left column is counted in steps of 4 bytes, and nothing lies past the last row's end.
 std::optional<Rgb> seenInRectangle(const Pixels& source, int left, int x, int y);
 // Expects a call to have answered nil and raised a NilObjectException with this message.
