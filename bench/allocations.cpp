@@ -6,7 +6,7 @@
 #include <cstring>
 #include <iterator>
 
-// The C library's own, under the names that it keeps for replacements.
+// The C library's own functions, under the names that it reserves for replacements.
 extern "C" {
 void* __libc_malloc(size_t size);
 void* __libc_calloc(size_t count, size_t size);
@@ -20,10 +20,10 @@ namespace {
 bool counts = false, pauses = false;
 HeapUse use;
 
-// Large blocks that were freed, the last one first. Nothing here may ask for memory.
+// Freed large blocks, most recent first. Nothing here may allocate.
 struct Spare {
   void* block;
-  bool isUsed;  // and not cleared since
+  bool isUsed;  // since it was last cleared
 };
 constexpr size_t kSmallestSpare = size_t{1} << 16;
 constexpr size_t kMostSpareBytes = size_t{1} << 29;
@@ -36,7 +36,7 @@ void* removeSpare(Spare& spare) {
   return block;
 }
 
-// A block of about that size, or null.
+// Removes and returns a spare block of about that size, or null.
 void* takeSpare(size_t size, bool mustBeClear) {
   constexpr size_t kSlack = 8192;
   if (size < kSmallestSpare) return nullptr;

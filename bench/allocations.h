@@ -1,4 +1,4 @@
-// What the plug-in takes from the heap: this program's malloc and its relatives count while they are told to.
+// Heap use of the plug-in: replacements for malloc and its relatives that count on request.
 #pragma once
 
 #include <cstddef>
@@ -7,17 +7,17 @@ namespace bench {
 
 struct HeapUse {
   size_t now = 0, peak = 0;  // bytes
-  int blocks = 0;            // that were asked for
+  int blocks = 0;            // allocations
 };
 
-// Counts from zero until `stopCounting`, but not while paused. A block that was there before must not be
+// Counts from zero until `stopCounting`, except while paused. Precondition: blocks allocated before are not
 // freed in between.
 void startCounting();
 HeapUse stopCounting();
 void pauseCounting(bool pause);
 
-// Large blocks that are freed stay with the program, for the next that asks for as much: the pages of these
-// are touched. This clears those that were used, so that nothing is cleared while the plug-in is measured.
+// Freed large blocks are kept for the next allocation of that size, because their pages are already mapped.
+// This clears used ones, so that no clearing happens while the plug-in is measured.
 void clearSpareBlocks();
 
 }  // namespace bench

@@ -17,7 +17,7 @@ namespace {
 Clock usedClock = Clock::wall;
 double enteredAt = 0, inServices = 0;
 int visits = 0;
-int depth = 0;  // services may enter the plug-in, which may enter services
+int depth = 0;  // services may call the plug-in, which may call services
 
 double median(std::vector<double> values) {
   const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
@@ -25,7 +25,7 @@ double median(std::vector<double> values) {
   return *middle;
 }
 
-// A tick of the processor's steady counter, by the system's clock.
+// The duration of a tick of the time-stamp counter, measured with the system's clock.
 double secondsPerTick() {
   static const double measured = [] {
     using SystemClock = std::chrono::steady_clock;
@@ -62,8 +62,8 @@ void watchService(bool entered) {
 
 namespace {
 
-// What one visit to the host adds to the plug-in's time by being watched.
-double secondsOfWatching() {
+// The time that watching one service call adds to the plug-in's.
+double measureWatchOverhead() {
   constexpr int kVisits = 16;
   std::vector<double> times;
   for (int i = 0; i < 200; ++i) {
@@ -78,26 +78,26 @@ double secondsOfWatching() {
   return median(times);
 }
 
-double watchingBy(Clock clock) {
+double watchOverhead(Clock clock) {
   if (clock == Clock::wall) {
-    static const double wall = secondsOfWatching();
+    static const double wall = measureWatchOverhead();
     return wall;
   }
-  static const double thread = secondsOfWatching();
+  static const double thread = measureWatchOverhead();
   return thread;
 }
 
 }  // namespace
 
 CallTime timeCall(const std::function<void()>& call) {
-  const double watching = watchingBy(usedClock);
+  const double overhead = watchOverhead(usedClock);
   clearSpareBlocks();
   inServices = 0;
   visits = 0;
   const double from = now();
   call();
   const double all = now() - from;
-  const double ofPlugin = all - inServices - visits * watching;
+  const double ofPlugin = all - inServices - visits * overhead;
   return {std::max(ofPlugin, 0.0), all};
 }
 
@@ -127,7 +127,7 @@ Medians measure(const Effort& effort, const std::function<double()>& once, std::
   std::vector<std::vector<double>> copyTimes(copies.size());
   useClock(effort.clock);
   const double start = now();
-  for (int i = 0; i < effort.most && (i < effort.fewest || now() - start < effort.seconds); ++i) {
+  for (int i = 0; i < effort.maxRuns && (i < effort.minRuns || now() - start < effort.seconds); ++i) {
     for (size_t k = 0; k < copies.size(); ++k) copyTimes[k].push_back(copies[k]->time());
     times.push_back(once());
   }

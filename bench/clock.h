@@ -1,4 +1,4 @@
-// Timing: the plug-in's own time, and the plain copy that everything is compared with.
+// Timing: the plug-in's own time, and the plain copy that serves as reference.
 #pragma once
 
 #include <cstdint>
@@ -7,23 +7,23 @@
 
 namespace bench {
 
-// Seconds since some moment. `wall` is the fine one, for what takes microseconds. `thread` is what this
-// thread had of a processor: on a busy machine the long ones lose nothing by waiting for their turn.
+// Seconds since an arbitrary point. `wall` has the finer resolution, for measurements of microseconds.
+// `thread` is this thread's CPU time: on a busy machine it excludes waiting for a processor.
 enum class Clock { wall, thread };
 void useClock(Clock clock);
 double now();
 
-// For host::Settings::serviceWatcher: leaves the time and the memory that the host takes out of account.
+// For host::Settings::serviceWatcher: excludes the time and memory that host services take.
 void watchService(bool entered);
 
-// What one call of the plug-in took, in seconds.
+// The duration of one call of the plug-in, in seconds.
 struct CallTime {
   double plugin = 0;  // without the host's services
   double all = 0;     // with them
 };
 CallTime timeCall(const std::function<void()>& call);
 
-// Memory that is there: every page was touched.
+// Memory whose pages are all mapped.
 class Memory {
  public:
   explicit Memory(size_t bytes);
@@ -38,29 +38,29 @@ class Memory {
   uint8_t* bytes_;
 };
 
-// A plain copy of some bytes to memory of its own, by `rep movsb`.
+// A plain copy of some bytes to its own memory, with `rep movsb`.
 class PlainCopy {
  public:
   PlainCopy(const void* from, size_t bytes);
-  double time();  // seconds for one
+  double time();  // runs one copy; returns its seconds
 
  private:
   const void* from_;
   Memory to_;
 };
 
-// How much is measured.
+// How often to measure.
 struct Effort {
-  int fewest, most;  // measurements
-  double seconds;    // until then, once there are the fewest
+  int minRuns, maxRuns;
+  double seconds;  // stops after this long, once minRuns are done
   Clock clock = Clock::thread;
 };
 
 struct Medians {
-  double seconds = 0;            // of what was measured
-  std::vector<double> inCopies;  // as multiples of the copies' medians
+  double seconds = 0;            // of a run
+  std::vector<double> inCopies;  // the same as a multiple of each copy's median
 };
-// Measures by turns: one time of `once`, one of each copy.
+// Alternates between runs: `once`, which returns its seconds, and each of the copies.
 Medians measure(const Effort& effort, const std::function<double()>& once, std::vector<PlainCopy*> copies);
 
 }  // namespace bench

@@ -15,7 +15,7 @@ uint32_t hash(uint32_t a, uint32_t b, uint32_t c) {
   return h ^ h >> 15;
 }
 
-// Random values on a grid of `step` pixels, straight lines between them; 0 to 1.
+// Random values on a grid of `step` pixels with linear interpolation; 0 to 1.
 double soft(int x, int y, int step, uint32_t seed) {
   const auto corner = [&](int dx, int dy) {
     return hash(static_cast<uint32_t>(x / step + dx), static_cast<uint32_t>(y / step + dy), seed) /
@@ -49,7 +49,7 @@ Tile makeTile(uint32_t seed) {
   return tile;
 }
 
-// The tile, mirrored again and again.
+// Repeats the tile, mirrored alternately.
 uint32_t tiled(const Tile& tile, int x, int y) {
   const auto within = [](int i) {
     const int part = i % kTileSide;
@@ -71,7 +71,7 @@ uint32_t grayOf(uint32_t word) { return (word >> 8 & 255) * 0x010101; }
 
 constexpr uint32_t kWhite = 0xFFFFFF, kBlack = 0, kFlat = 0x3C78B4;
 
-// Lines of short black strokes.
+// Text-like lines of short black strokes.
 uint32_t pagePixel(int x, int y) {
   const bool onLine = y % 40 >= 8 && y % 40 < 20;
   const bool inStroke = hash(static_cast<uint32_t>(x / 3), static_cast<uint32_t>(y / 5), 7) % 4 == 0;
@@ -86,7 +86,7 @@ uint32_t blobPixel(int x, int y) {
   return dx * dx + dy * dy < radius * radius ? 0xC02020 + random % 0x40 : kWhite;
 }
 
-// On the page a frame of white around a gray sign, which is all that tells it apart.
+// On the page a white frame around a gray sign, the only distinctive part.
 uint32_t needlePixel(Content content, const Size& size, int x, int y) {
   if (content == Content::place) return photoPixel(x + 37, y + 91, 5000);
   const int margin = size.width / 4;

@@ -1,4 +1,4 @@
-// What the measured pictures show, as words 0x00RRGGBB.
+// Contents of the measured pictures, as words 0x00RRGGBB.
 #pragma once
 
 #include <cstdint>
@@ -21,15 +21,15 @@ enum class Content {
   flat,   // one colour
   white,
   black,
-  page,   // black on white, mostly white, a needle far down that has white edges
-  place,  // the photo with a needle far down that nothing else resembles
+  page,   // black on white, mostly white; far down a needle with white edges
+  place,  // the photo, with a unique needle far down
   blobs,  // sparse coloured areas on white
 };
 
-// The pixels of one row.
+// Writes the pixels of one row.
 void drawRow(Content content, const Size& size, int y, uint32_t* row);
 
-// The part of Content::page and Content::place that is searched for, row after row, and where it lies.
+// The needle in Content::page and Content::place, row after row, and its position.
 constexpr int kLongestNeedleSide = 64;
 Size needleSize(const Size& picture);
 struct Place {

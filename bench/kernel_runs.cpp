@@ -13,7 +13,7 @@ using kernels::Table;
 constexpr uint32_t kTop = 0xFF000000;
 constexpr uint32_t kRareColor = 0x123457;
 
-// Answers go here, so that no call is without effect.
+// Results go here, so that no call is optimised away.
 volatile uint64_t sink;
 
 void draw(Content content, const Size& size, const Memory& memory) {
@@ -78,7 +78,7 @@ RowRun on(kernels::SpanSaturate* Table::*slot) { return saturating(slot, 315); }
 RowRun on(kernels::SpanCountBeyond* Table::*slot) {
   return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.photo, row.width, 10); };
 }
-// On contents that don't end the call early. SpanFind is of the same type as SpanCount.
+// On contents that don't end the call early. SpanFind is the same type as SpanCount.
 RowRun on(kernels::SpanCount* Table::*slot) {
   return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.flat, row.width, kRareColor); };
 }
@@ -91,7 +91,7 @@ RowRun on(kernels::SpanIsGray* Table::*slot) {
 RowRun on(kernels::SpanCompare* Table::*slot) {
   return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.photo, row.photo, row.width); };
 }
-// Samples of two bytes; with samples of one byte half of the row.
+// The row as two-byte samples; one-byte samples use half of it.
 RowRun on(kernels::SampleSums* Table::*slot) {
   return [=](const Table& t, const Row& row) {
     sink = (t.*slot)(Row::bytesOf(row.photo), row.width * sizeof(Pixel) / 2).positive;

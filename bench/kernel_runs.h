@@ -1,4 +1,4 @@
-// The kernels that are measured alone: row by row over pictures of words.
+// The kernels measured on their own, row by row over pictures of words.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace bench {
 
-// Pictures that kernels work on, and room for what they write.
+// Input and output pictures for kernels.
 struct Canvas {
   explicit Canvas(const Size& size);
 
@@ -33,7 +33,7 @@ struct Row {
 using RowRun = std::function<void(const kernels::Table&, const Row&)>;
 
 struct KernelRun {
-  std::string name;  // as in kernels::Table, and what it works on
+  std::string name;  // as in kernels::Table, plus the kind of input
   RowRun run;
 };
 const std::vector<KernelRun>& kernelRuns();

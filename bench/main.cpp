@@ -22,13 +22,13 @@ constexpr int kGrowingSides[] = {16, 64, 256, 1024, 4096, 8192};
 constexpr Effort kUsual{7, 400, 0.12}, kQuick{3, 2000, 0.05}, kManyCalls{500, 2000, 0.02, Clock::wall},
     kOnce{1, 1, 0};
 
-// The library that is measured; others are the same with one instruction set alone.
+// The measured library; others are the same with only one instruction set.
 const std::string kLibrary = ZVR_PLUGIN;
 const std::string kSse2Library = ZVR_PLUGIN_SSE2;
 
 using Body = std::function<void(benchmark::State&)>;
 
-// Only what bears a fitting name is measured. (The library's own filter sees names with more at their ends.)
+// Measures only matching names. (The benchmark library's own filter matches names with suffixes.)
 std::regex wanted(".");
 
 int failures = 0;
@@ -54,7 +54,7 @@ void add(const std::string& name, const Body& body) {
 
 double megapixels(size_t items, double seconds) { return static_cast<double>(items) / seconds / 1e6; }
 
-// Called twice, measured once: what the first call looked up is known, what it made can be used again.
+// Measures the second of two calls: the first one did the lookups and left blocks to reuse.
 HeapUse heapUseOf(const Prepared& prepared) {
   prepared.call();
   prepared.after();
@@ -150,14 +150,14 @@ void runKernel(benchmark::State& state, const KernelRun& kernel, const kernels::
   state.counters[kCopies] = medians.inCopies[0];
 }
 
-// ---- What is measured ----
+// ---- Measurements ----
 
 void addOperations(Pixels pixels, const std::string& library, const std::string& suffix,
                    const std::vector<Size>& sizes, const Effort& effort) {
   for (const Size& size : sizes) {
     for (const Operation& operation : operations()) {
       const std::string base = std::string(kOperations) + "/" + operation.name + "/" + nameOf(pixels) + "/";
-      // An operation of its own size stands where the large ones do.
+      // An operation with its own size is listed among the large ones.
       if (operation.only.width > 0 && size == kMiddle) continue;
       if (operation.wordsOnly && pixels != Pixels::words) continue;
       const Size own = operation.only.width > 0 && size == kLarge ? operation.only : size;
@@ -202,7 +202,7 @@ void addKernels(const std::vector<Size>& sizes, const Effort& effort) {
   }
 }
 
-// Everything once on small pictures, for the tests: does it still run, and do the calls do what they should?
+// Runs everything once on small pictures, for the tests: checks that it runs and that results are right.
 void addSmoke() {
   for (const Pixels pixels : {Pixels::words, Pixels::rgb24}) {
     addOperations(pixels, kLibrary, "", {kSmoke}, kOnce);
@@ -262,7 +262,7 @@ int run(const Arguments& arguments, char* program) {
   benchmark::BenchmarkReporter* chosen = &report;
   if (arguments.json) chosen = &json;
   if (benchmark::RunSpecifiedBenchmarks(chosen) > 0) return failures > 0 ? 1 : 0;
-  std::cerr << "Nothing that is measured is called \"" << arguments.filter << "\".\n";
+  std::cerr << "No measurement matches \"" << arguments.filter << "\".\n";
   return 1;
 }
 
@@ -272,7 +272,7 @@ int run(const Arguments& arguments, char* program) {
 int main(int argc, char** argv) try {
   return bench::run(bench::parse(argc, argv), argv[0]);
 } catch (const std::regex_error&) {
-  std::cerr << "The filter is no regular expression.\n";
+  std::cerr << "The filter is not a regular expression.\n";
   return 2;
 } catch (const std::invalid_argument& e) {
   std::cerr << e.what() << '\n';

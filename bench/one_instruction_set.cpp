@@ -1,4 +1,4 @@
-// In the place of kernels/dispatch.cpp: the library with one instruction set alone, for comparison.
+// Replaces kernels/dispatch.cpp: the library with only one instruction set, for comparison.
 
 #include "kernels/kernels.h"
 

@@ -18,12 +18,12 @@ void require(bool holds, const char* what) {
   if (!holds) throw std::runtime_error(what);
 }
 
-// What every operation on a picture has in common.
+// The part that all operations on a picture share.
 Prepared on(Stage& stage, const PictureRef& source, const Size& size) {
   return {nullptr, [] {}, size.pixels(), Stage::bytesOf(source), stage.bytesOf(size)};
 }
 
-// `make` answers a new picture.
+// `make` returns a new picture.
 template <typename Make>
 Prepared making(Prepared prepared, const Make& make) {
   const auto result = std::make_shared<PictureRef>();
@@ -35,7 +35,7 @@ Prepared making(Prepared prepared, const Make& make) {
   return prepared;
 }
 
-// `ask` answers a value.
+// `ask` returns a value.
 template <typename Value, typename Ask>
 Prepared asking(Prepared prepared, const Ask& ask, const std::function<bool(Value)>& isRight) {
   const auto answer = std::make_shared<Value>();
@@ -92,7 +92,7 @@ Operation combine() {
           }};
 }
 
-// In place: 3-byte pictures are refused, since only a copy of their pixels can be had.
+// In place: RGB24 pictures are refused, since only a copy of their pixels is accessible.
 Operation scroll(const char* label, int32_t x, int32_t y) {
   Operation operation{
       labelled("ScrollZVR", label), [=](Stage& stage, const Size& size) {
@@ -229,7 +229,7 @@ Operation wave() {
     const auto function =
         stage.function<Picture(Block, int32_t, int32_t, int32_t, int32_t, int32_t, RBColor, RBColor, RBColor,
                                int32_t, RBBoolean)>("RenderSamplesZVR", 11);
-    // As many samples as a bitmap of the size has pixels would have: few for small pictures.
+    // At most one sample per pixel, so that small pictures get few.
     const size_t count = size == kWaveSize ? kSampleCount : std::min<size_t>(size.pixels(), kSampleCount);
     static const std::vector<int16_t> samples = speech();
     const auto block = host::newMemoryBlock(samples.data(), count * sizeof samples[0]);
@@ -249,7 +249,7 @@ Operation wave() {
 
 // ---- Filter classes ----
 
-// `Run` of a new instance that `setUp` was shown. It is closed and opened again after each call.
+// `Run` of a new instance prepared by `setUp`. It is closed and set up again after each call.
 template <typename SetUp>
 Operation filter(const char* className, const char* label, const SetUp& setUp) {
   return {labelled(className, label), [=](Stage& stage, const Size& size) {
@@ -272,7 +272,7 @@ Operation filter(const char* className, const char* label, const SetUp& setUp) {
 
 constexpr uint32_t kLutSide = 18;
 
-// Every entry of a look that leans to one side, whole or not.
+// Fills the table with an asymmetric look, of integers or not.
 void fillTable(Stage& stage, const ObjectRef& instance, bool whole) {
   using Setter = void (*)(REALobjectStruct*, uint32_t, uint32_t, uint32_t, uint32_t, double);
   const auto set = reinterpret_cast<Setter>(stage.method("PictureLut3DZVR", "Table").setter);

@@ -1,4 +1,4 @@
-// The operations that are measured: how each is called, on what.
+// The measured operations: how each is called, and on which input.
 #pragma once
 
 #include <functional>
@@ -9,22 +9,21 @@
 
 namespace bench {
 
-// An operation ready to be called again and again.
+// An operation ready for repeated calls.
 struct Prepared {
-  std::function<void()> call;  // the registered function, and nothing else to speak of
-  std::function<void()>
-      after;         // not measured: gives back what the call made; throws if it was not what it should be
-  size_t items = 0;  // pixels or samples that a call works through
-  const void* bytes = nullptr;  // what a plain copy copies
+  std::function<void()> call;   // practically only the registered function
+  std::function<void()> after;  // not measured: releases the result; throws if it is wrong
+  size_t items = 0;             // pixels or samples per call
+  const void* bytes = nullptr;  // the input of the plain copy
   size_t byteCount = 0;
 };
 
 struct Operation {
-  std::string name;  // the method's, and what is special about the call
+  std::string name;  // the method's, plus a label for the variant
   std::function<Prepared(Stage& stage, const Size& size)> prepare;
-  bool grows = false;  // stands for its family in the table over sizes
+  bool grows = false;  // represents its family in the table over sizes
   bool wordsOnly = false;
-  Size only{0, 0};  // the one size that it is measured at, if there is one
+  Size only{0, 0};  // the only size to measure, if set
 };
 
 const std::vector<Operation>& operations();

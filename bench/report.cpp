@@ -20,7 +20,7 @@ std::string fixed(double value, int decimals) {
   return text.str();
 }
 
-// Enough digits to compare by.
+// Rounds to the digits that matter in a comparison.
 std::string shown(double value) {
   return value == 0 ? "0" : fixed(value, value < 0.1 ? 4 : value < 10 ? 2 : value < 100 ? 1 : 0);
 }
@@ -32,7 +32,7 @@ std::vector<std::string> split(const std::string& text) {
   return parts;
 }
 
-// A table with a row for each second part of the names and a column for each wanted measurement.
+// A table with a row for each second part of the names and a column for each listed measurement.
 class Table {
  public:
   explicit Table(std::vector<std::string> titles) : titles_(std::move(titles)) {}
@@ -47,7 +47,7 @@ class Table {
     (*found)[column] = cell;
   }
   bool isEmpty() const { return rows_.empty(); }
-  // In Markdown.
+  // As Markdown.
   void print() const {
     printRow(titles_);
     std::cout << "|---|";
@@ -67,7 +67,7 @@ class Table {
   std::vector<std::vector<std::string>> rows_;
 };
 
-// The parts of a name behind the group and the operation, and which value of it makes which column.
+// A column: its title, and the measurements and value that fill it.
 struct Column {
   const char* title;
   const char* group;
@@ -85,7 +85,8 @@ constexpr Column kOperationColumns[] = {
     {"16 × 16: ns", kFixed, "words/tiny", kNanoseconds},
 };
 
-// "words/large/sse2" of the parts of a name. Some operations have large sizes of their own.
+// The place of a measurement, for example "words/large/sse2", from the parts of its name. Some operations
+// have their own large sizes.
 std::string placeOf(const std::vector<std::string>& parts) {
   std::string place = parts[2] + "/" +
                       (parts[3] == "1000x1000" ? "middle"

@@ -1,4 +1,4 @@
-// Showing what was measured: a line each, tables at the end.
+// Prints the measurements: a line each, tables at the end.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -9,13 +9,13 @@
 
 namespace bench {
 
-// What was measured by name ("operation/InvertZVR/words/3840x2160"), in the order of measuring.
+// A measurement by name, for example "operation/InvertZVR/words/3840x2160".
 struct Measured {
   std::string name;
   std::map<std::string, double> values;
 };
 
-// Lines on the standard output, or (`quiet`) only the tables; errors on the standard error stream.
+// Prints lines to stdout, or (`quiet`) only the tables; errors to stderr.
 class Report : public benchmark::BenchmarkReporter {
  public:
   enum class Style { lines, tablesOnly };
@@ -29,7 +29,7 @@ class Report : public benchmark::BenchmarkReporter {
   std::vector<Measured> measured_;
 };
 
-// "AMD EPYC", "GCC 12.2.0", "2026-11-22": where, with what and when this was measured.
+// The machine, compiler and date of the measurement: "AMD EPYC", "GCC 12.2.0", "2026-11-22".
 std::string machineName();
 std::string compilerName();
 std::string today();

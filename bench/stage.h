@@ -1,4 +1,4 @@
-// A host with the built library in it, and the pictures that calls work on.
+// A host with the built library loaded, and the pictures that calls work on.
 #pragma once
 
 #include <map>
@@ -13,8 +13,8 @@
 
 namespace bench {
 
-// How the host keeps pixels: in words (cairo surfaces), or in 3 bytes each (GDK drawables, read through a
-// stand-in for GDK that takes them from where they lie).
+// How the host stores pixels: as words (cairo surfaces) or as RGB24 (GDK drawables, through a stand-in for
+// GDK that reads them in place).
 enum class Pixels { words, rgb24 };
 std::string nameOf(Pixels pixels);
 
@@ -23,17 +23,17 @@ class Stage {
  public:
   Stage(Pixels pixels, const std::string& library);
 
-  // The stage with these pixels and this library: the last one, if it is, else a new one.
+  // The stage with these pixels and this library: the previous one if it matches, else a new one.
   static Stage& of(Pixels pixels, const std::string& library);
 
-  // A picture of this content; the same one each time until another size is asked for.
+  // A picture of this content; cached until another size is requested.
   host::PictureRef picture(Content content, const Size& size);
   host::PictureRef newPicture(const Size& size, const uint32_t* words);
-  // Bytes that the pixels of a picture take without padding, and where they are.
+  // The bytes of a picture's pixels without padding, and their address.
   size_t bytesOf(const Size& size) const { return size.pixels() * (pixels_ == Pixels::words ? 4 : 3); }
   static const void* bytesOf(const host::PictureRef& picture) { return host::pictureRow(picture.get(), 0); }
 
-  // The function behind a registered method with so many parameters.
+  // The function behind a registered method with this many parameters.
   template <typename Signature>
   Signature* function(const std::string& name, size_t parameters) const {
     return reinterpret_cast<Signature*>(method(name, parameters).function);

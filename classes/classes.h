@@ -1,5 +1,5 @@
-// The two filter classes: instance data and the functions that serve their members. The host allocates the
-// data with each instance, zero-filled, and reads and writes stored properties itself.
+// The two filter classes: instance data and the functions behind their members. The host allocates the data
+// with each instance, zero-filled, and accesses stored properties itself.
 #pragma once
 
 #include "frame/host_interface.h"
@@ -33,23 +33,22 @@ static_assert(offsetof(PictureSepiaData, source) == 24 && offsetof(PictureSepiaD
               offsetof(PictureSepiaData, sepiaRed) == 48 && offsetof(PictureSepiaData, sepiaBlue) == 56 &&
               sizeof(PictureSepiaData) == 64);
 
-// The records of the classes, by which the host hands out the data of their instances. Defined beside the
-// tables of their members.
+// The class records; the host looks up instance data by them. Defined next to the tables of their members.
 extern REALclassDefinition gLut3DClass;
 extern REALclassDefinition gSepiaClass;
 
 // ---- lut3d.cpp ----
 
-// Nothing to do: a new table is all 0.
+// A no-op: a new table is all 0.
 void Lut3DConstructor(REALobjectStruct* object);
 // Releases source and destination and sets both to nil. Also the destructor.
 void Lut3DClose(REALobjectStruct* object);
-// Makes a new destination from the source; false when that can't be. The old destination is released first,
-// whatever follows.
+// Creates a new destination from the source; false on failure. Releases the old destination first in any
+// case.
 RBBoolean Lut3DRun(REALobjectStruct* object);
-// An element of the table; 0 outside it (r, g, b below 18, x below 3).
+// An element of the table, with r, g, b below 18 and x below 3; 0 outside it.
 double Lut3DGetTable(REALobjectStruct* object, uint32_t r, uint32_t g, uint32_t b, uint32_t x);
-// Stores an element; nothing outside the table.
+// Stores an element; a no-op outside the table.
 void Lut3DSetTable(REALobjectStruct* object, uint32_t r, uint32_t g, uint32_t b, uint32_t x, double value);
 
 // ---- sepia.cpp ----
@@ -58,10 +57,10 @@ void Lut3DSetTable(REALobjectStruct* object, uint32_t r, uint32_t g, uint32_t b,
 void SepiaConstructor(REALobjectStruct* object);
 // Releases source and destination and sets both to nil. Also the destructor.
 void SepiaClose(REALobjectStruct* object);
-// Makes a new destination from the source; false when that can't be. The old destination is not released, on
-// purpose: a program that runs twice without Close loses it.
+// Creates a new destination from the source; false on failure. Does not release the old destination, on
+// purpose: a program that runs twice without Close leaks it.
 RBBoolean SepiaRun(REALobjectStruct* object);
-// The weights of red, green and blue in a pixel's brightness, 1 for all of it. `parameter` is not looked at.
+// The weights of red, green and blue in a pixel's brightness; 1 is the full value. `parameter` is ignored.
 double GetFactorR(REALobjectStruct* object, uint32_t parameter);
 double GetFactorG(REALobjectStruct* object, uint32_t parameter);
 double GetFactorB(REALobjectStruct* object, uint32_t parameter);

@@ -1,4 +1,4 @@
-// PictureLut3DZVR: a three-dimensional colour table.
+// PictureLut3DZVR: a 3D lookup table for colours.
 
 #include "classes/classes.h"
 #include "classes/instances.h"
@@ -15,11 +15,11 @@ double* element(REALobjectStruct* object, uint32_t r, uint32_t g, uint32_t b, ui
                                                                                  : nullptr;
 }
 
-// The used part of a table, when it holds whole numbers from 0 to 255 alone. Pictures of many pixels are
-// mapped faster by it, with the same results.
+// The used part of a table as bytes, if it holds only integers from 0 to 255. Maps large pictures faster,
+// with the same results.
 class WholeTable {
  public:
-  // False when an entry does not fit.
+  // False if an entry doesn't fit.
   bool fill(const PictureLut3DData& lut) {
     kernels::Pixel* node = nodes_;
     for (uint32_t r = 0; r < kSide; ++r) {
@@ -60,7 +60,7 @@ void mapThroughTable(const PictureLut3DData& lut, PictureReader& source, Picture
         },
         source);
   };
-  constexpr int64_t kManyPixels = 20000;  // from here on filling a WholeTable pays
+  constexpr int64_t kManyPixels = 20000;  // from this many on, filling a WholeTable pays off
   WholeTable whole;
   if (int64_t{area.right} * area.bottom >= kManyPixels && whole.fill(lut)) {
     mapBy(kernels::best().mapThroughWholeCube, whole.nodes());

@@ -19,7 +19,7 @@ void setWeight(REALobjectStruct* object, Weight weight, double value) {
   if (PictureSepiaData* sepia = sepiaOf(object)) sepia->weights[weight] = value;
 }
 
-// What the properties say, in whole numbers.
+// The kernel's parameters from the properties.
 kernels::Sepia toningOf(const PictureSepiaData& sepia) {
   const auto fixedPoint = [&](Weight weight) {
     return static_cast<uint32_t>(toInt32(1024 * sepia.weights[weight]));
@@ -60,7 +60,7 @@ RBBoolean SepiaRun(REALobjectStruct* object) {
     kernels::best().sepia(out, in, count, top, toning);
   };
   mapRegion(result, areaOf(*sepia, source), kernel, source);
-  sepia->destination = result.RenderPictureWriter();  // over the old one
+  sepia->destination = result.RenderPictureWriter();  // overwrites the old one without releasing it
   return true;
 }
 

@@ -1,5 +1,5 @@
-# function(zvr_embed target name file...) gives the target a text that stands in files:
-# extern const char* const NAME, where NAME is qualified by its namespace (zvr::kManual). Files follow one another.
+# function(zvr_embed target name file...) embeds the concatenated text of the files in the target as
+# extern const char* const NAME; NAME includes its namespace (zvr::kManual).
 function(zvr_embed target name)
   string(REGEX REPLACE "::[^:]*$" "" space "${name}")
   string(REGEX REPLACE "^.*::" "" variable "${name}")
@@ -7,7 +7,7 @@ function(zvr_embed target name)
   foreach(file IN LISTS ARGN)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${file}")
     file(READ "${file}" content)
-    # A literal for each file: compilers limit the length of one.
+    # One literal per file, because compilers limit the length of a literal.
     string(APPEND text "\n    R\"embedded(${content})embedded\"")
   endforeach()
   file(CONFIGURE OUTPUT "${variable}.cpp" @ONLY CONTENT

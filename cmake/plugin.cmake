@@ -1,10 +1,10 @@
-# The plug-in. Its objects are also linked straight into the tests of its inner layers.
+# The plug-in. Its objects are also linked directly into the tests of its inner layers.
 file(GLOB ZVR_PLUGIN_SOURCES CONFIGURE_DEPENDS
   "${CMAKE_SOURCE_DIR}/plugin/*.cpp" "${CMAKE_SOURCE_DIR}/operations/*.cpp" "${CMAKE_SOURCE_DIR}/classes/*.cpp"
   "${CMAKE_SOURCE_DIR}/picture/*.cpp" "${CMAKE_SOURCE_DIR}/frame/*.cpp" "${CMAKE_SOURCE_DIR}/old_c_library/*.cpp")
 add_library(picturezvr_objects OBJECT ${ZVR_PLUGIN_SOURCES})
 target_link_libraries(picturezvr_objects PUBLIC zvr_options zvr_kernels)
-# A section each, so that services of the frame that nobody uses don't ship.
+# One section per function, so that the linker drops unused services of frame/.
 target_compile_options(picturezvr_objects PRIVATE -ffunction-sections -fdata-sections ${ZVR_QUICKER_IF_SANITIZED})
 
 add_library(picturezvr SHARED "${CMAKE_SOURCE_DIR}/cmake/exports.map")
@@ -17,7 +17,7 @@ target_link_options(picturezvr PRIVATE
 if(NOT ZVR_SANITIZE)
   target_link_options(picturezvr PRIVATE ${ZVR_C_RUNTIME_ONLY})
 else()
-  # Sanitizer run times are found in the program that loads the library.
+  # The program that loads the library provides the sanitizer runtime.
   target_link_options(picturezvr PRIVATE -Wl,-z,undefs)
 endif()
 if(CMAKE_OBJDUMP)

@@ -1,7 +1,7 @@
-# Libraries that our host and the tests stand on. The plug-in itself uses none of them.
+# Libraries that our host and the tests use. The plug-in itself uses none of them.
 find_package(PkgConfig REQUIRED)
 find_package(CLI11 REQUIRED)
-# Linked in where they come as archives: what cairo and GTK bring along may be of other versions.
+# Linked statically where possible: cairo and GTK may load other versions of them.
 set(shared_first "${CMAKE_FIND_LIBRARY_SUFFIXES}")
 set(CMAKE_FIND_LIBRARY_SUFFIXES .a .so)
 pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
@@ -11,22 +11,22 @@ pkg_check_modules(ZLIB REQUIRED IMPORTED_TARGET zlib)
 target_link_libraries(PkgConfig::PNG INTERFACE PkgConfig::ZLIB m)
 set(CMAKE_FIND_LIBRARY_SUFFIXES "${shared_first}")
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
-# GTK 2 and cairo give declarations only: our host opens both at run time, as the plug-in does.
+# Only the declarations of GTK 2 and cairo: our host opens both at run time, as the plug-in does.
 pkg_check_modules(GTK2 REQUIRED gtk+-2.0)
 pkg_check_modules(CAIRO REQUIRED cairo)
 find_package(GTest REQUIRED)
 pkg_check_modules(BENCHMARK REQUIRED IMPORTED_TARGET benchmark)
 
 if(ZVR_I386_TREE)
-  # libjpeg's package file does not name the folder of its own configuration header.
+  # libjpeg's pkg-config file omits the folder of its configuration header.
   include_directories(SYSTEM "${ZVR_I386_TREE}/usr/include/i386-linux-gnu")
   set(ZVR_I386_LIBRARY_DIRS "${ZVR_I386_TREE}/usr/lib/i386-linux-gnu;${ZVR_I386_TREE}/lib/i386-linux-gnu")
   foreach(directory IN LISTS ZVR_I386_LIBRARY_DIRS)
     add_link_options("-L${directory}" "-Wl,-rpath-link,${directory}")
   endforeach()
 endif()
-# An old-style run path also serves what the plug-in opens while it runs, and what those libraries need.
-# function(zvr_run_path target) puts it on a program; further folders named after the target come first.
+# function(zvr_run_path target [folder...]) sets a program's run path; the given folders come first. An old-style run path
+# (DT_RPATH) also applies to libraries that the plug-in opens at run time and to their dependencies.
 function(zvr_run_path target)
   target_link_options(${target} PRIVATE -Wl,--disable-new-dtags)
   set(folders ${ARGN} ${ZVR_I386_LIBRARY_DIRS})

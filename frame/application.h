@@ -1,5 +1,5 @@
-// The kind of program that the host is, which decides the road to the pixels of its pictures. It becomes
-// known once in a process and never changes after that.
+// The kind of host program, which decides the road to the pixels of its pictures. Determined once per
+// process; never changes after that.
 #pragma once
 
 enum class ApplicationKind {
@@ -12,5 +12,5 @@ bool IsDesktop();
 bool IsConsole();
 void setApplicationKind(ApplicationKind kind);
 
-// Sets the kind by the application class that the host program has; leaves it unknown when it has none.
+// Sets the kind from the host program's application class; leaves it unknown if there is none.
 void CheckApplication();

@@ -1,16 +1,16 @@
-// Element access in three stages: the host's procedure for the operation, the accessor that this procedure
-// answers for the element type of the array, the element.
+// Element access in three stages: the host's procedure for the operation returns an accessor for the array's
+// element type, and the accessor reads or writes the element.
 #pragma once
 
 #include "frame/host_entry.h"
 
 namespace frame {
 
-// Each wrapper looks its procedure up by itself.
+// Each wrapper looks up its own procedure.
 class ElementAccess {
  protected:
   constexpr explicit ElementAccess(const char* procedure) : procedure_(procedure) {}
-  // Null when the host lacks the procedure, and when that answers null.
+  // Null if the host lacks the procedure, or the procedure returns null.
   template <typename Accessor>
   Accessor* accessorFor(REALarrayStruct* array) {
     return reinterpret_cast<Accessor*>(procedure_(array));
@@ -22,8 +22,8 @@ class ElementAccess {
 
 }  // namespace frame
 
-// Answers the element, and stores it through `value` when that is not null. Zero, and nothing stored, without
-// an accessor.
+// Returns the element and stores it through `value` unless that is null. Without an accessor returns zero and
+// stores nothing.
 template <typename T>
 class ElementGetter : frame::ElementAccess {
  public:
@@ -41,7 +41,7 @@ template <typename T>
 class ElementSetter : frame::ElementAccess {
  public:
   constexpr ElementSetter() : ElementAccess("RuntimeArrayDirectGetSetProc") {}
-  // The host takes the value before the index here, unlike everywhere else.
+  // Here the host takes the value before the index, unlike everywhere else.
   void operator()(REALarrayStruct* array, int32_t index, T value) {
     if (auto* accessor = accessorFor<void(REALarrayStruct*, T, int32_t)>(array))
       accessor(array, value, index);

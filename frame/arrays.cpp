@@ -19,10 +19,10 @@ enum ElementType : int32_t {
   kInt64 = 11,
 };
 
-// The last host version whose element storage may be touched directly.
+// The last host version that allows direct access to the element storage.
 constexpr double kLastDirectVersion = 2013.9;
 
-// The array's element storage, its third word; null when the host must be asked instead.
+// The array's element storage, its third word; null if elements must go through the host.
 template <typename T>
 T* storageOf(REALarrayStruct* array) {
   if (rbversion_rbversion > kLastDirectVersion) return nullptr;

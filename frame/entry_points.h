@@ -1,10 +1,9 @@
-// One wrapper for each host service, named as the host's interface names it, and called like a function. A
-// wrapper asks the host for the service on first use and answers null, zero, false or nothing while the host
-// lacks it; nothing is reported. Objects and strings that a wrapper returns carry one reference for the
-// caller unless it says otherwise.
+// One wrapper per host service, named as in the host's interface and called like a function. A wrapper looks
+// up the service on first use; while the host lacks it, the wrapper returns null, zero, false or nothing and
+// reports no error. The caller owns one reference on returned objects and strings unless stated otherwise.
 //
-// The list is complete on purpose: services that no operation uses yet cost nothing, because a wrapper that
-// nobody calls is not part of the library.
+// The list is complete on purpose: a service that no operation uses costs nothing, because the linker drops
+// wrappers that nobody calls.
 #pragma once
 
 #include "frame/array_elements.h"
@@ -19,19 +18,19 @@ inline HostEntry<void(REALclassDefinition* definition)> REALRegisterClassExtensi
 inline HostEntry<void(REALmoduleDefinition* definition)> REALRegisterModule{"PluginRegisterModule"};
 inline HostEntry<void(REALinterfaceDefinition* definition)> REALRegisterInterface{"PluginRegisterInterface"};
 inline HostEntry<void(REALcontrolDefinition* definition)> REALRegisterControl{"PluginRegisterControl"};
-// Calls `task(data)` periodically; the unit of `period` is the host's. Returns an id; -1 when the host lacks
-// the service.
+// Calls `task(data)` periodically; the host defines the unit of `period`. Returns an id, or -1 if the host
+// lacks the service.
 int32_t REALRegisterBackgroundTask(void (*task)(void*), uint32_t period, void* data);
 inline HostEntry<void(int32_t id)> REALUnregisterBackgroundTask{"PluginUnregisterBackgroundTask"};
 
 // ---- Objects and classes ----
-// Instance data of an object of a plug-in class; owned by the object.
+// The instance data of an object of a plug-in class; owned by the object.
 inline HostEntry<void*(REALobjectStruct* object, REALclassDefinition* definition)> REALGetPluginData{
     "PluginGetPluginData"};
-// The class of that name; null when the program has none. Not counted.
+// The class of that name; null if the program has none. A borrowed reference.
 inline HostEntry<REALclassRefStruct*(const char* className)> REALGetClassRef{"pluginObjectType"};
 inline HostEntry<REALobjectStruct*(const char* className)> REALnewInstance{"PluginNewInstance"};
-// Null, too, for a null class reference.
+// Also null for a null class reference.
 REALobjectStruct* REALnewInstanceWithClass(REALclassRefStruct* classRef);
 bool REALObjectIsA(REALobjectStruct* object, REALclassRefStruct* classRef);
 // False for a null object and for an unknown class.
@@ -39,16 +38,16 @@ bool REALObjectIsA(REALobjectStruct* object, const char* className);
 // One reference more, one fewer.
 inline HostEntry<void(REALobjectStruct* object)> REALLockObject{"REALLockObject"};
 inline HostEntry<void(REALobjectStruct* object)> REALUnlockObject{"REALUnlockObject"};
-// Leaves an exception pending in the host, which takes a reference of its own; returns to the caller.
+// Leaves an exception pending in the host, which takes its own reference; returns to the caller.
 inline HostEntry<void(REALobjectStruct* exception)> REALRaiseException{"RuntimeRaiseException"};
-// Addresses of functions and methods of the host language, by declaration; null when there is none.
+// The address of a function or method of the host language, by declaration; null if there is none.
 inline HostEntry<void*(const char* declaration)> REALLoadFrameworkMethod{"REALLoadGlobalMethod"};
 inline HostEntry<void*(REALobjectStruct* object, const char* declaration)> REALLoadObjectMethod{
     "REALLoadObjectMethod"};
 inline HostEntry<void*(REALobjectStruct* object, const char* interfaceName, const char* routine)>
     REALInterfaceRoutine{"GetInterfaceRoutine"};
 inline HostEntry<void*(void* delegate)> REALGetDelegateInvoker{"PluginGetDelegateInvoker"};
-// Whether an object is a memory block, or a folder item: told by a method that only that kind has.
+// Whether an object is a memory block, or a folder item: detected by a method that only that class has.
 bool IsMemoryBlock(REALobjectStruct* object);
 bool IsFolderItem(REALobjectStruct* object);
 
@@ -60,7 +59,7 @@ inline HostEntry<void()> REALYieldToRB{"REALYieldToRB"};  // lets the host run i
 inline HostEntry<void(REALstringStruct* text)> REALMessageBox{"RuntimeMsgBox"};
 
 // ---- Strings ----
-// Bytes to a string without an encoding.
+// A string of these bytes, without an encoding.
 inline HostEntry<REALstringStruct*(const void* bytes, int32_t length)> originalREALBuildString{
     "REALBuildString"};
 // One reference more, one fewer.
@@ -76,8 +75,8 @@ inline HostEntry<void(REALstringStruct* string, uint32_t encoding)> REALSetStrin
 inline HostEntry<REALstringStruct*(REALstringStruct* string, uint32_t encoding)> REALConvertString{
     "REALConvertString"};
 // Fills the record with the string's bytes in an encoding (kEncodingNone: its own); clear the record first.
-// True on success; then the record goes back through REALDisposeStringData. Works on hosts without the
-// service by means of "StringGetCString" and LenB.
+// After success release the record with REALDisposeStringData. On hosts without the service uses
+// "StringGetCString" and LenB.
 bool REALGetStringData(REALstringStruct* string, uint32_t encoding, REALstringData* record);
 void REALDisposeStringData(REALstringData* record);
 inline HostEntry<uint32_t(REALstringStruct* fontName)> REALGetFontEncoding{"REALGetFontEncoding"};
@@ -98,7 +97,7 @@ inline PropertyGetter<uint16_t> REALGetPropValueUInt16{"REALGetPropValueUInt16"}
 inline PropertyGetter<int16_t> REALGetPropValueInt16{"REALGetPropValueInt16"};
 inline PropertyGetter<int8_t> REALGetPropValueInt8{"REALGetPropValueInt8"};
 inline PropertyGetter<float> REALGetPropValueSingle{"REALGetPropValueSingle"};
-// By the host's boolean getter.
+// Uses the host's boolean getter.
 inline PropertyGetter<uint8_t> REALGetPropValueUInt8{"REALGetPropValueBool"};
 inline PropertySetter<int32_t> REALSetPropValueInt32{"REALSetPropValueInt"};
 inline PropertySetter<REALstringStruct*> REALSetPropValueString{"REALSetPropValueString"};
@@ -110,7 +109,7 @@ inline PropertySetter<int64_t> REALSetPropValueInt64{"REALSetPropValueInt64"};
 inline PropertySetter<int16_t> REALSetPropValueInt16{"REALSetPropValueInt16"};
 inline PropertySetter<uint16_t> REALSetPropValueUInt16{"REALSetPropValueUInt16"};
 inline PropertySetter<int8_t> REALSetPropValueInt8{"REALSetPropValueInt8"};
-// By the host's boolean setter.
+// Uses the host's boolean setter.
 inline PropertySetter<uint8_t> REALSetPropValueUInt8{"REALSetPropValueBoolean"};
 inline PropertySetter<RBBoolean> REALSetPropValueBoolean{"REALSetPropValueBoolean"};
 
@@ -176,20 +175,20 @@ inline HostEntry<REALmemoryBlockStruct*(void* bytes)> REALPtrToMemoryBlock{"PtrT
 // ---- Pictures ----
 inline HostEntry<REALpictureStruct*(int32_t width, int32_t height, int32_t depth)> REALNewPicture{
     "newPicture"};
-// `buffer` holds `height` rows of `rowBytes` bytes in the RBPixelType given.
+// `buffer` holds `height` rows of `rowBytes` bytes in the given RBPixelType.
 inline HostEntry<REALpictureStruct*(int32_t width, int32_t height, int32_t pixelType, void* buffer,
                                     int32_t rowBytes)>
     REALBuildPictureFromBuffer{"REALBuildPictureFromBuffer"};
 inline HostEntry<REALpictureStruct*(void* platformImage)> REALBuildPictureFromGWorld{
     "REALBuildPictureFromGWorld"};
 bool REALLockPictureDescription(REALpictureStruct* picture, REALpictureDescription* description);
-// Asks for one REALPictureType.
+// Requests one REALPictureType.
 bool REALLockPictureDescription(REALpictureStruct* picture, REALpictureDescription* description,
                                 int32_t pictureType);
 inline HostEntry<void(REALpictureStruct* picture)> REALUnlockPictureDescription{"unlockPictureDescription"};
-// The pixels changed: drops the host's cached rendering.
+// Drops the host's cached rendering after the pixels changed.
 inline HostEntry<void(REALpictureStruct* picture)> REALPictureClearCache{"REALPictureClearCache"};
-// The mask, made when there is none and `create` is set.
+// The mask; creates one if there is none and `create` is set.
 inline HostEntry<REALpictureStruct*(REALpictureStruct* picture, RBBoolean create)> REALGetPictureMask{
     "REALGetPictureMask"};
 inline HostEntry<REALgraphicsStruct*(REALpictureStruct* picture)> REALGetPictureGraphics{
@@ -212,7 +211,7 @@ inline HostEntry<REALgraphicsStruct*(REALcontrolStruct* control)> REALGetControl
     "REALGetControlGraphics"};
 inline HostEntry<REALwindowStruct*(REALcontrolStruct* control)> REALGetControlWindow{"getControlWindow"};
 inline HostEntry<RBBoolean(REALcontrolStruct* control)> REALGetTabPanelVisible{"GetTabPanelVisible"};
-// The handler of an event in a control; hands the host the event's second word, not the record.
+// The handler of an event in a control. Passes the host the event's second word, not the record.
 void* REALGetEventInstance(REALcontrolStruct* control, REALevent* event);
 inline HostEntry<REALstringStruct*(REALfolderItemStruct* item)> REALpathFromFolderItem{
     "REALpathFromFolderItem"};

@@ -59,7 +59,7 @@ void RaiseOutOfBoundsException(int64_t value, int64_t minimum, int64_t limit, co
     return;
   }
   char* text = reinterpret_cast<char*>(message.get());
-  // The limit is exclusive; unsigned, so that the smallest limit wraps instead of overflowing.
+  // The limit is exclusive. Unsigned arithmetic: the smallest limit wraps instead of overflowing.
   const auto last = static_cast<int64_t>(static_cast<uint64_t>(limit) - 1);
   snprintf(text, size,
            "Parameter %s to method %s is too %s. Range is %" PRId64 " to %" PRId64 ", but value is %" PRId64

@@ -1,4 +1,4 @@
-// Host properties and drawing methods, reached by name.
+// Host properties and drawing methods, looked up by name.
 
 #include "frame/graphics.h"
 
@@ -59,7 +59,7 @@ RBColor GetGraphicsForeColor(REALgraphicsStruct* graphics) {
   return REALGetPropValueUInt32(graphics, "ForeColor", &color) ? color : 0;
 }
 
-// The declarations are matched by the host byte for byte.
+// The host matches the declarations byte for byte.
 
 void GraphicsDrawRoundRect(REALgraphicsStruct* graphics, int32_t x, int32_t y, int32_t width, int32_t height,
                            int32_t arcWidth, int32_t arcHeight) {

@@ -1,10 +1,10 @@
-// A picture's size, and drawing through the host's own Graphics object. Nothing here reports a failure: a
-// lookup or property that the host refuses leaves things as they are, and getters answer 0.
+// A picture's size, and drawing through the host's Graphics object. Nothing here reports failure: a setter or
+// drawing call that the host refuses is a no-op, and getters return 0.
 #pragma once
 
 #include "frame/entry_points.h"
 
-// Pixels; 0 for a null picture (the host is not asked) and when the host can't say.
+// In pixels; 0 for a null picture (without calling the host) and if the host can't tell.
 int32_t GetPictureWidth(REALpictureStruct* picture);
 int32_t GetPictureHeight(REALpictureStruct* picture);
 
@@ -19,7 +19,7 @@ void SetGraphicsBold(REALgraphicsStruct* graphics, bool on);
 void SetGraphicsForeColor(REALgraphicsStruct* graphics, RBColor color);
 RBColor GetGraphicsForeColor(REALgraphicsStruct* graphics);
 
-// Pixels throughout. Nothing for a null graphics object or on a host without the method.
+// In pixels. No-ops for a null graphics object and on a host without the method.
 void GraphicsDrawRoundRect(REALgraphicsStruct* graphics, int32_t x, int32_t y, int32_t width, int32_t height,
                            int32_t arcWidth, int32_t arcHeight);
 void GraphicsFillRoundRect(REALgraphicsStruct* graphics, int32_t x, int32_t y, int32_t width, int32_t height,

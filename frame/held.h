@@ -1,9 +1,9 @@
-// References on host objects and strings, released at the end of a scope.
+// Scoped references on host objects and strings.
 #pragma once
 
 #include "frame/entry_points.h"
 
-// Calls a function at the end of a scope, also when the host throws through it.
+// Calls a function at the end of its scope, also during a host exception.
 template <typename Function>
 class AtExit {
  public:
@@ -16,13 +16,13 @@ class AtExit {
   const Function function_;
 };
 
-// One host reference. Releasing it lets a host's exception through, so that the process need not end. On a
-// host that can't count references up (it lacks the service) a shared one is not released either, so what the
-// plug-in merely borrows is never destroyed under its owner.
+// Owns one host reference. Releasing it lets a host exception propagate instead of terminating the process.
+// On a host that lacks the service to add references, a shared one isn't released either: the plug-in must
+// not destroy objects that it only borrows.
 template <typename T>
 class Held {
  public:
-  // Takes over a reference that the caller owns; null for none.
+  // Takes ownership of the caller's reference; null for none.
   explicit Held(T* object = nullptr) : object_(object), isCounted_(object != nullptr) {}
   Held(Held&& other) noexcept : object_(other.object_), isCounted_(other.isCounted_) { other.forget(); }
   Held& operator=(Held&& other) {
@@ -38,7 +38,7 @@ class Held {
     if (isCounted_) unlock(object_);
   }
 
-  // Holds one more reference on an object that somebody else holds, too.
+  // Adds a reference to an object that others hold too.
   static Held share(T* object) {
     Held shared;
     shared.object_ = object;
@@ -48,10 +48,10 @@ class Held {
 
   T* get() const { return object_; }
   explicit operator bool() const { return object_ != nullptr; }
-  // Whether there is a reference to release; false for a borrowed object of a host that can't count.
+  // Whether there is a reference to release; false for an object borrowed on a host without counting.
   bool isCounted() const { return isCounted_; }
 
-  // Hands the reference to the caller.
+  // Transfers the reference to the caller.
   T* release() {
     T* object = object_;
     forget();

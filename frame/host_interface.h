@@ -1,11 +1,14 @@
-// What crosses between the host and the plug-in: handles, records, codes. The layouts are the host's.
+// The binary interface between host and plug-in: handles, records and codes in the host's layouts.
+//
+// The host's interface defines the names that begin with REAL or RB and the spelling of the plug-in's
+// routines; they are kept as they are.
 #pragma once
 
 #include <stddef.h>
 #include <stdint.h>
 
-// Handles. The host counts references; the plug-in never looks inside but where a function says so.
-// Except for strings and class references, all are objects and may be locked and unlocked as such.
+// Opaque handles, reference-counted by the host; the plug-in looks inside only where a function says so. All
+// except strings and class references are objects and may be locked and unlocked as such.
 struct REALobjectStruct {};
 struct REALpictureStruct : REALobjectStruct {};
 struct REALgraphicsStruct : REALobjectStruct {};
@@ -17,11 +20,11 @@ struct REALwindowStruct : REALobjectStruct {};
 struct REALstringStruct {};
 struct REALclassRefStruct {};
 
-// A host boolean is one byte; the upper bytes of a register or stack slot that carries it mean nothing.
+// A host boolean is one byte; the upper bytes of its register or stack slot are undefined.
 using RBBoolean = uint8_t;
 // Red in bits 16-23, green in bits 8-15, blue in bits 0-7; the top byte is ignored.
 using RBColor = uint32_t;
-// The host's resolver: entry-point name to address, null for a name that the host does not offer.
+// The host's resolver: maps the name of an entry point to its address; null if the host does not offer it.
 using REALResolver = void* (*)(const char* name);
 
 // Encoding codes of host strings.
@@ -42,10 +45,10 @@ enum : uint32_t {
   kFlagClassWebOnly = 0x100,   // host flag of classes
   kMarkConsoleSafe = 0x40000,  // plug-in marker, never reaches the host
   kMarkWebOnly = 0x80000,      // plug-in marker, never reaches the host
-  kAllMarks = 0x1C0000,        // none of them reaches the host; that of 0x100000 has no meaning
+  kAllMarks = 0x1C0000,        // never reach the host; 0x100000 has no meaning
 };
 
-// Kinds of picture description that can be asked for when a picture is locked.
+// Kinds of picture description that a lock can request.
 enum REALPictureType : int32_t {
   kPictureTypeDrawable = 6,  // handle: GDK drawable
   kPictureTypeBitmap = 10,   // handle: REALbitmapRecord of console and web applications
@@ -53,10 +56,10 @@ enum REALPictureType : int32_t {
 };
 
 // Pixel types of REALBuildPictureFromBuffer.
-enum RBPixelType : int32_t { kPixelTypeRGB24 = 1 /* three bytes red, green, blue */ };
+enum RBPixelType : int32_t { kPixelTypeRGB24 = 1 /* bytes red, green, blue */ };
 
-// Filled by the host when a picture's pixels are locked. The plug-in reads the first four words; the
-// words behind them are room for hosts that fill more.
+// Filled by the host when it locks a picture's pixels. The plug-in reads the first four words; the reserved
+// words leave room for hosts that fill more.
 struct REALpictureDescription {
   int32_t pictureType;
   void* handle;
@@ -65,18 +68,18 @@ struct REALpictureDescription {
   uint32_t reserved[12];
 };
 
-// The host's bitmap of console and web applications, as far as it is known: one 32-bit word a pixel,
-// red in bits 16-23, green in bits 8-15, blue in bits 0-7.
+// The known part of the host bitmap of console and web applications: one 32-bit word per pixel, red in bits
+// 16-23, green in bits 8-15, blue in bits 0-7.
 struct REALbitmapRecord {
   uint32_t kind;  // 0
   int32_t width;
   int32_t height;
   uint32_t unknown[1803];
   void* required;      // never null in a usable bitmap
-  uint8_t** rowTable;  // a row start for each row
+  uint8_t** rowTable;  // the start of each row
 };
 
-// Where REALGetStringData leaves a string's bytes, terminated where the host does so.
+// The bytes of a string as REALGetStringData returns them; not every host terminates them.
 struct REALstringData {
   void* data;
   int32_t length;  // bytes
@@ -91,8 +94,8 @@ struct REALmethodDefinition {
   uint32_t reserved[2];
 };
 
-// A getter or setter of this value marks a stored property: the host reads and writes the field itself,
-// at byte `parameter` of the instance data.
+// As getter or setter, marks a stored property: the host reads or writes the field itself, at byte
+// `parameter` of the instance data.
 inline void* const kStoredProperty = reinterpret_cast<void*>(~uintptr_t{0});
 
 struct REALproperty {
@@ -120,7 +123,7 @@ struct REALclassDefinition {
   int32_t version;
   const char* name;
   const char* superName;
-  int32_t dataSize;  // bytes of plug-in data in an instance
+  int32_t dataSize;  // bytes of instance data
   void* forHost;
   void* constructor;
   void* destructor;
@@ -143,8 +146,8 @@ struct REALclassDefinition {
   int32_t sharedMethodCount;
 };
 
-// Records of kinds that this plug-in never registers; their layouts are assumed. Their arrays shrink on old
-// hosts as those of classes do.
+// Records of kinds that this plug-in never registers; their layouts are assumed. On old hosts their arrays
+// use the shorter records, as those of classes do.
 struct REALmoduleDefinition {
   int32_t version;
   const char* name;
@@ -179,7 +182,7 @@ struct REALcontrolDefinition {
   int32_t eventCount;
 };
 
-// The shorter records of hosts whose control version is 9: the first words of those above.
+// The shorter records of hosts with control version 9: the first words of those above.
 struct REALoldMethodDefinition {
   uint32_t words[4];
 };

@@ -31,7 +31,7 @@ void ClearMemory(void* pointer, size_t size) { memset(pointer, 0, size); }
 
 MemoryHandle allocateHandle(int64_t size) {
   if (size < 0 || size > kLargestAllocation) return nullptr;
-  // The size word stays 0 here, on purpose: only resizeHandle writes it.
+  // The size word stays 0, on purpose: only resizeHandle writes it.
   return calloc(1, static_cast<size_t>(size) + kHandleHeader);
 }
 

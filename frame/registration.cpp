@@ -1,4 +1,4 @@
-// Records as the host at hand wants them.
+// Converts records to the layout and flags that the host expects.
 
 #include "frame/registration.h"
 
@@ -10,10 +10,10 @@
 
 namespace {
 
-// The first host version that knows console-safe and web-only members.
+// The first host version with console-safe and web-only members.
 constexpr double kFlagsVersion = 2010.029;
 
-// Nothing here reads them, but whoever looks into the library's file finds them: they are kept on purpose.
+// Never read, but kept on purpose: they identify the library's file to anyone who inspects it.
 [[gnu::used]] const char* gPartName;
 [[gnu::used]] const char* gVersionBanner;
 
@@ -30,9 +30,9 @@ void fixAll(Record* records, int32_t count) {
   for (int32_t i = 0; records && i < count; ++i) fixFlags(&records[i].flags);
 }
 
-// Replaces an array by a new one of the records' first words. The pointer keeps the type of the current
-// layout, as the record that it stands in has it. No array becomes null with its count as it is; lacking
-// memory leaves none.
+// Replaces an array by a new one that holds the first words of each record. The pointer keeps the type of the
+// current layout, because the enclosing record declares it so. A missing or empty array becomes null and
+// keeps its count; if memory runs out, both become 0.
 template <typename Old, typename Record>
 void shorten(Record*& records, int32_t& count) {
   static_assert(sizeof(Old) < sizeof(Record));
@@ -45,7 +45,7 @@ void shorten(Record*& records, int32_t& count) {
   records = reinterpret_cast<Record*>(copies);
 }
 
-// The same for events; each source record also learns where its copy lies.
+// The same for events; each source record also gets a pointer to its copy.
 void shortenEvents(REALevent*& events, int32_t& count) {
   REALevent* source = events;
   shorten<REALoldEvent>(events, count);
@@ -63,8 +63,8 @@ Record* copied(const Record* definition) {
   return copy;
 }
 
-// Stamps the version, or on old hosts gives the record its old layout, and hands it over. A record that can't
-// be converted is not registered: the host would take its arrays for shorter ones.
+// Sets the version, or on old hosts converts the record to the old layout, and registers it. A record that
+// can't be converted is not registered: the host would misread its arrays.
 template <typename Record>
 void registerRecord(Record* definition, Record* (*fix)(Record*), HostEntry<void(Record*)>& hand) {
   if (CurrentREALControlVersion > kOldLayoutVersion) {

@@ -1,38 +1,38 @@
-// Registering members with hosts of every version: flag translation and the records' old layout.
+// Registers members with hosts of every version: translates flags and converts records to the old layout.
 //
-// Records are adjusted in place and belong to the host from then on: they, and the converted copies that
-// hosts of control version 9 get, live as long as the process.
+// Records are adjusted in place and belong to the host from then on. They live as long as the process, and so
+// do the converted copies for hosts of control version 9.
 #pragma once
 
 #include "frame/host_interface.h"
 
-// Turns the plug-in's flag markers into the flags of the host that this is. Hosts before version 2010.029
-// know no such flags: there the markers just go.
+// Translates the plug-in's flag markers to host flags. Hosts before version 2010.029 have no such flags:
+// there the markers are only removed.
 void FixConsoleFlags(REALmethodDefinition* method);
 void FixConsoleFlags(REALmethodDefinition* methods, int32_t count);
 void FixConsoleFlags(REALmoduleDefinition* definition);
 void FixConsoleFlags(REALclassDefinition* definition);
 
-// Identity of the plug-in, noted before anything is registered.
+// Records the plug-in's identity before anything is registered.
 void MyPluginStart(const char* partName, const char* versionBanner);
-void MyPluginEnde();  // end of registration: nothing to do
+void MyPluginEnde();  // end of registration: a no-op
 
 void MyREALRegisterMethod(REALmethodDefinition* method);
 void MyREALRegisterMethodArray(REALmethodDefinition* methods, int32_t count);
-// Also rounds the size of the instance data up to a multiple of 16.
+// Also rounds up the size of the instance data to a multiple of 16.
 void MyREALRegisterClass(REALclassDefinition* definition);
 void MyREALRegisterClassExtension(REALclassDefinition* definition);
 void MyREALRegisterModule(REALmoduleDefinition* definition);
 void MyREALRegisterInterface(REALinterfaceDefinition* definition);
 void MyREALRegisterControl(REALcontrolDefinition* definition);
 
-// Copies in the old layout, to be freed with FreeMemoryNow; their arrays are new and stay. Null when memory
-// is lacking.
+// Copies in the old layout; free them with FreeMemoryNow. Their new arrays are never freed. Null if memory
+// runs out.
 REALclassDefinition* FixClass(REALclassDefinition* definition);
 REALmoduleDefinition* FixModule(REALmoduleDefinition* definition);
 REALinterfaceDefinition* FixInterface(REALinterfaceDefinition* definition);
 REALcontrolDefinition* FixControl(REALcontrolDefinition* definition);
 
-// Flags for registration code that doesn't carry them in its tables.
+// Set flags for registration code that doesn't list them in its tables.
 REALclassDefinition* SetClassConsoleSafe(REALclassDefinition* definition);  // returns the record
 uint32_t SetClassWebOnly(REALclassDefinition* definition);                  // returns the new flags

@@ -1,4 +1,4 @@
-// String data, on hosts that hand it out and on those that don't.
+// String data, on hosts with and without the service for it.
 
 #include <string.h>
 
@@ -10,7 +10,7 @@ namespace {
 
 HostEntry<RBBoolean(REALstringStruct*, uint32_t, REALstringData*)> getStringData{"PluginGetStringData"};
 
-// The two services by which hosts without the one above give a string's bytes and its length.
+// The two services that replace it on older hosts: a string's bytes and its length.
 HostEntry<const void*(REALstringStruct*)> bytesOf{"StringGetCString"};
 int32_t (*lengthOf)(REALstringStruct*);
 
@@ -22,7 +22,7 @@ bool hasOldServices() {
   return bytesOf.offered() && lengthOf;
 }
 
-// A copy of the string's bytes, in a buffer for at least `room` bytes, with four zero bytes behind them.
+// Copies the string's bytes to a buffer of at least `room` bytes, followed by four zero bytes.
 bool copyOut(REALstringStruct* string, uint32_t encoding, int32_t room, REALstringData* record) {
   const int32_t length = lengthOf(string);
   const void* bytes = bytesOf(string);
@@ -39,7 +39,7 @@ bool copyOut(REALstringStruct* string, uint32_t encoding, int32_t room, REALstri
 bool REALGetStringData(REALstringStruct* string, uint32_t encoding, REALstringData* record) {
   if (getStringData.offered()) return getStringData(string, encoding, record) != 0;
   if (!string || !hasOldServices()) return false;
-  // The length that stands in the record counts too, on purpose: callers clear it first.
+  // The record's length on entry counts too, on purpose: callers clear it first.
   if (encoding == kEncodingNone) return copyOut(string, encoding, record->length, record);
   if (encoding == REALGetStringEncoding(string)) return copyOut(string, encoding, 0, record);
   Held<REALstringStruct> converted(REALConvertString(string, encoding));
@@ -48,8 +48,8 @@ bool REALGetStringData(REALstringStruct* string, uint32_t encoding, REALstringDa
 
 void REALDisposeStringData(REALstringData* record) {
   static HostEntry<void(REALstringData*)> entry{"PluginDisposeStringData"};
-  // What the fallback above made is the plug-in's own, also on a host that disposes but does not give. What a
-  // host gives but does not take back is not the plug-in's to free.
+  // The fallback's buffer belongs to the plug-in, even on a host that has only the disposing service. Data
+  // from a host that has only the other one is not the plug-in's to free.
   if (getStringData.offered()) {
     entry(record);
   } else {

@@ -9,15 +9,15 @@
 
 namespace {
 
-// On hosts before these versions strings are read in place, whatever services they offer.
+// Before these host versions strings are read in place, whatever services the host offers.
 constexpr double kTextDataVersion = 2012.0;
 constexpr double kRawDataVersion = 2013.0;
 constexpr int64_t kLongestString = 0x7FFFFFFE;
 
-// What every empty text points to, wide enough to end any encoding.
+// Every empty text points here; wide enough as terminator for any encoding.
 constexpr uint32_t kEmptyText[2] = {};
 
-// The old hosts' string object: its second word is the address one byte before the bytes, its fourth the
+// The string object of old hosts: the second word is the address one byte before the bytes, the fourth is the
 // length.
 struct OldString {
   uint32_t word0;
@@ -89,8 +89,8 @@ void rbText::convert(Encoding encoding, Conversion& to) {
     length = to.bytes.length();
   }
   if (!data || length <= 0) return;
-  // The byte behind the data tells whether the host terminated it. A 16-bit text would need a second such
-  // byte, which may not be there to look at, so it is always copied.
+  // The byte after the data shows whether the host terminated it. 16-bit text would need a second such byte,
+  // which may not be readable, so it is always copied.
   const auto size = static_cast<size_t>(length);
   if (encoding == kUTF16 || static_cast<const uint8_t*>(data)[size] != 0) {
     if (!to.buffer.allocate(int64_t{length} + 4)) return;
@@ -189,7 +189,7 @@ REALstringStruct* buildEncoded(const void* bytes, int64_t length, uint32_t encod
   return string.release();
 }
 
-// The host is given UTF-16 instead: characters above U+FFFF lose their upper bits, on purpose.
+// Passes the host UTF-16 instead: characters above U+FFFF lose their upper bits, on purpose.
 REALstringStruct* buildFromUTF32(const void* bytes, int64_t length) {
   constexpr int64_t kStackUnits = 200;
   const int64_t units = length / 4;

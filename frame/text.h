@@ -1,11 +1,11 @@
-// Host strings and memory blocks as plain bytes, and strings built from bytes.
+// Access to host strings and memory blocks as bytes, and strings built from bytes.
 #pragma once
 
 #include "frame/entry_points.h"
 #include "frame/held.h"
 #include "frame/memory.h"
 
-// The bytes of a host string as the host hands them out, given back at the end of the scope.
+// The bytes of a host string, released at the end of the scope.
 class StringBytes {
  public:
   StringBytes() = default;
@@ -13,7 +13,7 @@ class StringBytes {
   StringBytes(const StringBytes&) = delete;
   StringBytes& operator=(const StringBytes&) = delete;
 
-  // Once an object. False when the host has none for that string in that encoding.
+  // Call once per object. False if the host has no bytes for that string in that encoding.
   bool get(REALstringStruct* string, uint32_t encoding) {
     isTaken_ = REALGetStringData(string, encoding, &record_);
     return isTaken_;
@@ -32,8 +32,8 @@ class StringBytes {
   bool isTaken_ = false;
 };
 
-// One host string in any of six encodings. Each is converted on first use and kept; every getter's text is
-// terminated and good as long as the object lives. A null string, or a conversion that fails, is an empty
+// One host string in any of six encodings. Each is converted on first use and cached; returned text is
+// null-terminated and valid as long as the object lives. A null string, or a failed conversion, gives empty
 // text. A string without an encoding is read as Windows Latin-1.
 class rbText {
  public:
@@ -47,7 +47,7 @@ class rbText {
   const char* GetWindows() { return bytes(kWindows); }
   const char* GetMacRoman() { return bytes(kMacRoman); }
   const uint16_t* GetUTF16() { return static_cast<const uint16_t*>(converted(kUTF16).data); }
-  // Surrogate pairs are not combined: each half is a unit of its own, on purpose.
+  // Surrogate pairs are not combined, on purpose: each half is a unit of its own.
   const uint32_t* GetUTF32() { return static_cast<const uint32_t*>(converted(kUTF32).data); }
   const char* GetNative() { return GetUTF8(); }
   const char* GetPassword() { return GetWindows(); }
@@ -62,7 +62,7 @@ class rbText {
   const uint32_t* GetUTF32Nil() { return LengthUTF32() < 1 ? nullptr : GetUTF32(); }
   const wchar_t* GetWCharNil() { return LengthWChar() < 1 ? nullptr : GetWChar(); }
 
-  // Bytes for the 8-bit encodings, 16-bit units for UTF-16, 32-bit units for UTF-32; without the terminator.
+  // In bytes for the 8-bit encodings, 16-bit units for UTF-16, 32-bit units for UTF-32; without terminator.
   int32_t LengthUTF8() { return converted(kUTF8).length; }
   int32_t LengthASCII() { return converted(kASCII).length; }
   int32_t LengthWindows() { return converted(kWindows).length; }
@@ -71,7 +71,7 @@ class rbText {
   int32_t LengthUTF32() { return converted(kUTF32).length; }
   int32_t LengthWChar() { return LengthUTF32(); }
 
-  // Null when memory is lacking.
+  // Null if memory runs out.
   static void* operator new(size_t size) noexcept { return AllocateClearMemory(static_cast<int64_t>(size)); }
   static void operator delete(void* pointer) { FreeMemoryNow(pointer); }
 
@@ -81,13 +81,13 @@ class rbText {
 
   enum Encoding { kUTF8, kASCII, kWindows, kMacRoman, kUTF16, kUTF32, kEncodings };
 
-  // One encoding's text and what keeps it alive.
+  // The text in one encoding and the owner of its memory.
   struct Conversion {
     int32_t length = -1;  // -1: not yet converted
     const void* data = nullptr;
     Held<REALstringStruct> string;  // hosts before 2012: the converted string
     StringBytes bytes;              // later hosts
-    Scratch buffer;                 // a terminated copy of our own
+    Scratch buffer;                 // the plug-in's own terminated copy
 
     void reset();
   };
@@ -110,14 +110,14 @@ inline const char* GetMacRoman(rbText& text) { return text.GetMacRoman(); }
 inline const uint16_t* GetUTF16(rbText& text) { return text.GetUTF16(); }
 inline const uint32_t* GetUTF32(rbText& text) { return text.GetUTF32(); }
 
-// Chains, so that a function can free several texts at once. Items are made with `new`.
+// Linked lists, so that a function can free several texts at once. Create items with `new`.
 void AddTextChain(rbText*& head, rbText* item);  // at the front
 void FreeTextChain(rbText*& head);               // deletes every element; head is null afterwards
 
-// The raw bytes of a host string or memory block, held as long as the object lives.
+// The raw bytes of a host string or memory block; holds a reference as long as the object lives.
 class rbData {
  public:
-  // The block's bytes from an offset on (not checked against its size). A length of 0 means its whole size.
+  // The block's bytes from an offset (not checked against its size). A length of 0 means its whole size.
   explicit rbData(REALmemoryBlockStruct* block, int32_t offset = 0, int32_t length = 0);
   // The string's own bytes; empty for a null string and on failure.
   explicit rbData(REALstringStruct* string);
@@ -126,7 +126,7 @@ class rbData {
 
   uint8_t* data() const { return data_; }  // null when there is none
   int32_t length() const { return length_; }
-  // Forgets what is held: the destructor then releases nothing.
+  // Drops what it holds without releasing it.
   void leak();
 
   static void* operator new(size_t size) noexcept { return AllocateClearMemory(static_cast<int64_t>(size)); }
@@ -147,19 +147,19 @@ class rbData {
 };
 
 void AddDataChain(rbData*& head, rbData* item);  // at the front
-// The first element of a chain that wraps exactly this string or block, or null.
+// The first element that wraps exactly this string or block, or null.
 rbData* RecylceData(rbData* head, REALstringStruct* string);
 rbData* RecylceData(rbData* head, REALmemoryBlockStruct* block);
 void FreeDataChain(rbData*& head);
 
 // A new host string from bytes in an encoding. Null for null bytes and for a length of 0, below 0 or above
-// 0x7FFFFFFE. UTF-32 goes to the host as UTF-16, each unit cut to its low 16 bits on purpose.
+// 0x7FFFFFFE. UTF-32 is passed to the host as UTF-16, each unit truncated to its low 16 bits on purpose.
 REALstringStruct* REALBuildUnicodeString(const void* bytes, int64_t length, uint32_t encoding);
-// From terminated text: at most `maximum` bytes of it, or all of it; null for null or empty text.
+// From null-terminated text: at most `maximum` bytes of it, or all of it. Null for null or empty text.
 REALstringStruct* CString2RBmax(const char* text, int32_t maximum, uint32_t encoding);
 REALstringStruct* UnicodeCString2RB(const uint16_t* text);
 REALstringStruct* UnicodeCString2RB(const wchar_t* text);
 
-// Four-character codes: the first character in the highest byte. Shorter texts are filled with spaces.
+// Four-character codes with the first character in the highest byte. Shorter text is padded with spaces.
 uint32_t REALstringToOSType(REALstringStruct* string);
 REALstringStruct* REALBuildOSTypeString(uint32_t code);

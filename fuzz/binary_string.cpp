@@ -1,4 +1,5 @@
-// The reader of pictures as strings. A picture that it reads must come back the same by way of a new string.
+// Fuzzes the parser of pictures as strings. A parsed picture must survive the round trip through a new
+// string.
 
 #include <cstring>
 #include <string>
@@ -22,7 +23,7 @@ host::PictureRef decoded(const host::StringRef& string) {
   return host::PictureRef::adopt(BinaryStringtoPicture(string.get()));
 }
 
-// Makes magic and length right, without which nothing behind them is looked at.
+// Corrects magic and length, which the parser checks first.
 void claimSize(std::string& bytes) {
   if (bytes.size() < 8) return;
   const uint32_t size = __builtin_bswap32(static_cast<uint32_t>(bytes.size()));

@@ -1,4 +1,5 @@
-// zvr's reader of film looks: any text is a table whose colours lie within its entries, or an error in words.
+// Fuzzes zvr's parser of .cube files: any text gives a table whose colours lie within its entries, or an
+// error message.
 
 #include "zvr/files/cube.h"
 

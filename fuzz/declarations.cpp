@@ -1,4 +1,4 @@
-// The parser of declarations, the reader of a person's words, and the search for near names of our host.
+// Fuzzes our host's parser of declarations, its parser of typed values, and the search for similar names.
 
 #include <stdexcept>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// A declaration from its parts, as a person would write it.
+// Writes a declaration from its parts, as a person would.
 std::string written(const host::Declaration& declaration) {
   std::string text = declaration.name, separator = "(";
   for (const host::Parameter& parameter : declaration.parameters) {

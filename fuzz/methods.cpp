@@ -1,4 +1,5 @@
-// Every registered method and both filter classes, on small pictures of every format, with any arguments.
+// Fuzzes every registered method and both filter classes on small pictures of every format, with any
+// arguments.
 
 #include <stdexcept>
 #include <string>
@@ -7,10 +8,10 @@
 
 namespace {
 
-// Has a target of its own.
+// Has its own target.
 constexpr char kDrawsSamples[] = "RenderSamplesZVR";
 
-// Picks the pictures of one call: often of the receiver's size, which several methods ask for.
+// Picks the pictures of one call, often of the receiver's size, which several methods require.
 class Pictures {
  public:
   explicit Pictures(FuzzedDataProvider& data) : data_(data), first_(fuzz::takePicture(data)) {
@@ -107,7 +108,7 @@ void useClass(FuzzedDataProvider& data, Pictures& pictures, const host::Class& t
       host::setProperty(instance.get(), property.name, takeValue(data, pictures, propertyType));
       host::getProperty(instance.get(), property.name);
     } else {
-      // The sepia filter loses the picture of the run before, on purpose.
+      // The sepia filter leaks the picture of the previous run, on purpose.
       host::setProperty(instance.get(), "DestinationPicture", host::PictureRef());
       const size_t method = data.ConsumeIntegralInRange<size_t>(0, type.methods.size() - 1);
       callMethod(data, pictures, type.methods[method], instance.get());

@@ -12,8 +12,8 @@
 #include "picture/toolkits.h"
 #include "plugin/plugin_main.h"
 
-// A copy of a picture's pixels as GDK makes them: three bytes each, the last row without padding. It lies in
-// a block of its own on the heap, where the sanitizer sees every byte too far.
+// A copy of a picture's pixels as GDK makes it: RGB24, the last row without padding. It has its own heap
+// block, so that the sanitizer detects every out-of-bounds byte.
 struct GdkPixbuf {
   std::vector<uint8_t> pixels;
   int32_t stride = 0;
@@ -46,7 +46,7 @@ GdkPixbuf* copyDrawable(GdkPixbuf*, GdkDrawable* drawable, void*, int, int, int,
   return copy;
 }
 
-// The pictures of a console host, locked as drawables are.
+// Locks the pictures of a console host as drawables.
 RBBoolean lockAsDrawable(REALpictureStruct* picture, REALpictureDescription* description, int32_t type) {
   static const auto lock = reinterpret_cast<Lock>(host::resolve("REALLockPictureDescription"));
   if (played->pixels != Pixels::pixbuf) return lock(picture, description, type);
@@ -62,7 +62,7 @@ void* resolve(const char* name) {
 }
 
 void replaceGdk() {
-  LoadGTK();  // once for all; the functions that it found are replaced
+  LoadGTK();  // first, because it sets the functions that are replaced below
   _gdk_pixbuf_get_pixels = [](const GdkPixbuf* copy) { return const_cast<uint8_t*>(copy->pixels.data()); };
   _gdk_pixbuf_get_rowstride = [](const GdkPixbuf* copy) { return int{copy->stride}; };
   _gdk_pixbuf_get_from_drawable = copyDrawable;
@@ -95,7 +95,7 @@ void play(const HostKind& kind) {
   settings.rowPadding = kind.padding * 4;
   host::start(settings);
   replaceGdk();
-  // A real process plays one kind of host for good.
+  // In a real process the kind of host never changes.
   setApplicationKind(ApplicationKind::unknown);
   REALPluginMain(resolve);
 }
@@ -142,7 +142,7 @@ host::PictureRef takePicture(FuzzedDataProvider& data, int width, int height) {
   host::PictureRef picture = host::newPicture(width, height, data.ConsumeBool());
   for (int y = 0; y < height; ++y) {
     uint32_t* row = host::pictureRow(picture.get(), y);
-    // Rows that the input has no bytes for repeat the one above.
+    // When the input runs out, rows repeat the one above.
     if (y > 0 && data.remaining_bytes() == 0) {
       std::memcpy(row, host::pictureRow(picture.get(), y - 1), static_cast<size_t>(width) * 4);
     } else {

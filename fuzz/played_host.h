@@ -12,34 +12,34 @@
 
 namespace fuzz {
 
-// How the pictures of a host show their pixels.
+// How a host stores the pixels of its pictures.
 enum class Pixels {
   bitmap,   // console
   surface,  // desktop with cairo
-  pixbuf,   // desktop with GDK, without an X display: copies of 3-byte pixels
+  pixbuf,   // desktop with GDK, without an X display: RGB24 copies
   kMaxValue = pixbuf,
 };
 
 struct HostKind {
   Pixels pixels = Pixels::bitmap;
-  // Words between the rows of pictures, and bytes between those of pixbufs.
+  // Padding after each row: in words for pictures, in bytes for pixbufs.
   int32_t padding = 0;
 };
 HostKind takeHostKind(FuzzedDataProvider& data);
 
-// Plays a host of that kind, with the plug-in entered afresh, unless it is played already.
+// Switches to a host of that kind and enters the plug-in anew, unless it is the current one.
 void play(const HostKind& kind);
 
-// Ends the process, with a list of what is held, unless the host holds nothing.
+// Aborts with a list of live objects unless the host has none.
 void expectNothingHeld();
 
-// Ends the process with a message: an input showed a fault.
+// Aborts with a message: the input found a fault.
 [[noreturn]] void fail(const char* what);
 
-// A number as callers give them, by mistake as well: small ones, edges of ranges, anything.
+// A plausible or mistaken argument: a small number, an edge of a range, or anything.
 int32_t takeInteger(FuzzedDataProvider& data);
 double takeReal(FuzzedDataProvider& data);
-// A picture of at most 600 pixels' width and 40 rows, of few or many colours.
+// A picture of at most 600 x 40 pixels, of few or many colours.
 host::PictureRef takePicture(FuzzedDataProvider& data);
 host::PictureRef takePicture(FuzzedDataProvider& data, int width, int height);
 // A memory block of 0 to 1100 bytes, or nil.

@@ -1,17 +1,17 @@
-// Sample rendering: blocks of any length and content, any numbers.
+// Fuzzes sample rendering: blocks of any length and content, with any numbers.
 
 #include "fuzz/played_host.h"
 #include "operations/operations.h"
 
 namespace {
 
-// Larger pictures only take longer, and our host's wide pens paint each point whole.
+// Larger pictures only take longer, and our host draws wide pens point by point.
 constexpr int64_t kMostPixels = 1 << 14, kMostPixelsOfWidePen = 1 << 11;
 constexpr int32_t kWidePen = 4;
 
 bool isWorthwhile(int64_t columns, int64_t rows, int32_t pen) {
   constexpr int32_t kLongestSide = 32767;
-  if (columns > kLongestSide || rows > kLongestSide) return true;  // refused at once
+  if (columns > kLongestSide || rows > kLongestSide) return true;  // rejected at once
   return columns * rows <= (pen < kWidePen ? kMostPixels : kMostPixelsOfWidePen);
 }
 

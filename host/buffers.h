@@ -11,7 +11,7 @@ class Buffer {
  public:
   Buffer() = default;
   // Zero-filled bytes (with Settings::recyclesBuffers perhaps used ones); without any (data() null) when
-  // memory is lacking or the size is 0 or past 31 bits. With Settings::guardPages the last byte lies right
+  // memory runs out or the size is 0 or past 31 bits. With Settings::guardPages the last byte lies right
   // before a page that may not be touched.
   explicit Buffer(uint64_t size);
   Buffer(Buffer&& other) noexcept { *this = std::move(other); }

@@ -190,7 +190,7 @@ class Frame {
     return toValue(word, result);
   }
 
-  // The declared arguments as they stand; what the callee stored in byref words is taken over.
+  // The declared arguments as they are; values that the callee stored in byref words are copied back.
   std::vector<Value> takeValues() {
     std::vector<Value> values;
     for (Argument& argument : arguments_) {
@@ -336,7 +336,7 @@ void setProperty(REALobjectStruct* instance, const std::string& name, const Valu
     frame.invoke(property.setter, Type::none);
     return;
   }
-  // The field holds a reference of its own; what it held goes once the new one stands.
+  // The field owns a reference; releases the old one after it stored the new one.
   uint8_t* field = instanceData(instance) + property.offset;
   Word before{};
   std::memcpy(&before, field, sizeOf(type));

@@ -21,7 +21,7 @@ using Value = std::variant<std::monostate, int64_t, double, bool, Color, StringR
 
 struct Outcome {
   Value result;                  // monostate for a method without one; pictures and strings are owned here
-  std::vector<Value> arguments;  // as they stand after the call: byref values are the callee's
+  std::vector<Value> arguments;  // as they are after the call: byref values are the callee's
   std::optional<RaisedException> exception;
 };
 

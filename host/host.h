@@ -42,7 +42,7 @@ struct Settings {
   // included: nothing is cleared, freshPixel is not filled in, and no page is touched for the first time
   // while the plug-in works.
   bool recyclesBuffers = false;
-  // Road::gdk without an X display: drawables are host/shims/plain_drawable.h records of 3-byte pixels. Only
+  // Road::gdk without an X display: drawables are host/shims/plain_drawable.h records of RGB24 pixels. Only
   // the stand-in for GDK in host/shims/plain_gdk.cpp can read them. `pictureRow(picture, 0)` then points to
   // those pixels, and a picture that is built from a buffer shows that buffer.
   bool plainDrawables = false;

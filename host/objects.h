@@ -59,7 +59,7 @@ using ObjectRef = Ref<REALobjectStruct>;
 // A picture that the plug-in builds from a buffer of its own ("REALBuildPictureFromBuffer") copies the pixels
 // and takes the buffer over: it is freed with free() when the picture dies.
 
-// A new picture, every pixel `Settings::freshPixel`. Sizes from 1 on; an empty Ref when memory is lacking.
+// A new picture, every pixel `Settings::freshPixel`. Sizes from 1 on; an empty Ref when memory runs out.
 PictureRef newPicture(int width, int height, bool hasAlpha = false);
 int pictureWidth(REALpictureStruct* picture);
 int pictureHeight(REALpictureStruct* picture);

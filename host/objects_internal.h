@@ -176,7 +176,7 @@ Handle* handleOf(const Entity* entity) {
 
 // Room for some bytes before a text, the text, and one unit of zero (or of something else) behind it.
 Buffer textBuffer(size_t before, const std::string& bytes, uint32_t encoding, bool terminated);
-// Pieces of string data given out; data null when memory is lacking.
+// Pieces of string data given out; data null when memory runs out.
 REALstringData giveStringData(const std::string& bytes, uint32_t encoding, bool terminated);
 void takeStringDataBack(REALstringData* data);
 

@@ -1,4 +1,4 @@
-// Lookup tables in the forms that kernels want, and the search for lines that reproduce them.
+// Prepares lookup tables for kernels, and searches for lines that reproduce them.
 
 #include "kernels/channel_tables.h"
 
@@ -8,18 +8,18 @@ namespace kernels {
 namespace {
 
 constexpr int32_t kSteepest = 0xFFFF;
-constexpr int kTries = 32;  // a few are enough for nearly all tables that a line gives at all
+constexpr int kTries = 32;  // a few suffice for nearly all tables that a line fits
 
 enum class Fit { kFound, kNone, kTooSteep };
 
-// A table from its darker end on, and lines through it. Heights on a line are counted in 256ths of what an
-// offset counts, so that v lies v * slope above the start.
+// Searches for a line through a table, read from its darker end. Heights are in 256ths of an offset's unit,
+// so that the line at v is v * slope above its start.
 class LineSearch {
  public:
   LineSearch(const uint8_t (&table)[256], uint32_t shift)
       : table_(table), isFalling_(table[0] > table[255]), level_(1 << (shift + 8)) {}
 
-  // Each slope either does or shows two entries that want a steeper or a flatter one, and by how much at
+  // Each slope either fits, or two entries show that it must be steeper or flatter, and by how much at
   // least.
   Fit find(LinearMap& line) const {
     int32_t flattest = 0, steepest = kSteepest, slope = firstSlope(), step = 1;
@@ -27,7 +27,7 @@ class LineSearch {
       const Starts starts = startsFor(slope);
       if (starts.lowest < starts.end) {
         if (place(starts, slope, line)) return Fit::kFound;
-        slope += step;  // further from the edge of what does, there is more room
+        slope += step;  // further inside the range that fits, the start has more room
         if (slope > kSteepest || slope < 0) return Fit::kNone;
       } else if (const int32_t missing = starts.lowest - starts.end; starts.lowestAt > starts.endAt) {
         slope = flattest = slope + missing / (starts.lowestAt - starts.endAt) + 1;
@@ -41,7 +41,7 @@ class LineSearch {
   }
 
  private:
-  // Where a line may start, lowest <= start < end, and which values decide that.
+  // The range of starts that fit, lowest <= start < end, and the values of v that limit it.
   struct Starts {
     int32_t lowest, end;
     int lowestAt, endAt;
@@ -49,7 +49,7 @@ class LineSearch {
 
   int32_t at(int v) const { return table_[isFalling_ ? 255 - v : v]; }
 
-  // Between the ends of what isn't level.
+  // The slope between the ends of the part that isn't level.
   int32_t firstSlope() const {
     int first = 0, last = 255;
     while (first < last && at(first + 1) == at(0)) ++first;
@@ -63,14 +63,14 @@ class LineSearch {
     Starts starts = {-kSteepest * 256, INT32_MAX, 0, 0};
     for (int v = 0; v < 256; ++v) {
       const int32_t value = at(v), start = value * level_ - v * slope;
-      // Lines may go below 0 and above 255 as far as they like.
+      // Entries of 0 and 255 limit only one side: the line is clamped there.
       if (value > 0 && start > starts.lowest) starts.lowest = start, starts.lowestAt = v;
       if (value < 255 && start + level_ < starts.end) starts.end = start + level_, starts.endAt = v;
     }
     return starts;
   }
 
-  // An offset is 256 units; what comes before the slope reaches between.
+  // An offset counts 256 units; `before` reaches the heights between two offsets.
   bool place(const Starts& starts, int32_t slope, LinearMap& line) const {
     for (int32_t before = 0; before < 256; ++before) {
       const int64_t missing = int64_t{starts.lowest} * 256 - before * slope;
@@ -86,7 +86,7 @@ class LineSearch {
 
   const uint8_t (&table_)[256];
   bool isFalling_;
-  int32_t level_;  // from one result to the next
+  int32_t level_;  // height between two results
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The choice of an instruction set by what the processor reports.
+// Selects the instruction set by CPU features.
 
 #include "kernels/kernels.h"
 

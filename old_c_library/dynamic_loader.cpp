@@ -2,7 +2,7 @@
 
 #include <dlfcn.h>
 
-// Old C libraries have these versions, and so do new ones.
+// Both old and new C libraries have these versions.
 asm(".symver dlopen, dlopen@GLIBC_2.1");
 asm(".symver dlsym, dlsym@GLIBC_2.0");
 

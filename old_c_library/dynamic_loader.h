@@ -1,7 +1,7 @@
-// The dynamic loader, by the first versions of its functions.
+// The dynamic loader, bound to the oldest versions of its functions.
 #pragma once
 
-// A library that stays open; null when it can't be opened.
+// Opens a library, which stays open; null on failure.
 void* openLibrary(const char* name);
-// The address of a symbol; null when the library lacks it.
+// The address of a symbol; null if the library lacks it.
 void* findSymbol(void* library, const char* symbol);

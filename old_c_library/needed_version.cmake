@@ -1,5 +1,5 @@
-# Run as a script after the plug-in is linked: prints the newest version of the C library that LIBRARY needs, and
-# for what. A host's system must have at least that.
+# Runs as a script after the plug-in is linked: prints the newest C library version that LIBRARY needs, and the
+# symbols that need it. The host's system must have at least that version.
 execute_process(COMMAND "${OBJDUMP}" -T "${LIBRARY}" OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "GLIBC_[0-9.]+\\)? +[A-Za-z0-9_]+" needs "${symbols}")
 set(newest 0)

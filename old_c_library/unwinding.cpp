@@ -1,5 +1,5 @@
-// Where the tables of exceptions lie, for the unwinder that is linked in. It asks the C library by a function
-// that only 2.35 and later have; asked here, the plug-in loads with older ones as well.
+// Finds exception tables for the statically linked unwinder. The C library's function for that exists only
+// from 2.35 on; this replacement lets the plug-in load with older ones.
 
 #include "old_c_library/unwinding.h"
 
@@ -22,7 +22,7 @@ struct Search {
   dl_find_object* found;
 };
 
-// Answers 1, which ends the walk, once the object with the address is found.
+// Returns 1, which ends the iteration, for the object that contains the address.
 int lookInto(dl_phdr_info* object, size_t, void* data) {
   const auto* search = static_cast<const Search*>(data);
   dl_find_object found = {};

@@ -1,6 +1,6 @@
-// Exceptions of the host that unwind through the plug-in.
+// Host exceptions that unwind through the plug-in.
 #pragma once
 
-// Readies the unwinder that is linked in: it does so itself only when something is unwound from here, but a
-// host's exception is unwound by the host's own, which then calls into ours.
+// Initialises the statically linked unwinder. It initialises itself only when unwinding starts in the
+// plug-in, but a host exception starts in the host's unwinder, which then calls into this one.
 void readyUnwinder();

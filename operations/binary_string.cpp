@@ -1,4 +1,4 @@
-// Pictures as strings: a header of ten big-endian words, then three bytes a pixel without padding.
+// Pictures as strings: a header of ten big-endian words, then RGB24 pixels without padding.
 
 #include <string.h>
 
@@ -17,7 +17,7 @@ constexpr uint32_t kHeaderSize = 40;
 static_assert(sizeof(Header) == kHeaderSize, "the header has no padding");
 
 constexpr int64_t kPixelSize = 3;
-// The fields that are read lie within so many bytes.
+// The reader uses only the fields within this many bytes.
 constexpr int32_t kShortest = 24;
 
 uint32_t bigEndian(int64_t value) { return __builtin_bswap32(static_cast<uint32_t>(value)); }
@@ -28,18 +28,18 @@ Header headerFor(int64_t size, const PictureReader& source) {
   header.size = bigEndian(size);
   header.width = bigEndian(source.width);
   header.height = bigEndian(source.height);
-  header.bitsPerPixel = bigEndian(32);  // always, although pixels take 24
+  header.bitsPerPixel = bigEndian(32);  // always 32, although pixels have 24
   header.dataOffset = bigEndian(kHeaderSize);
   return header;
 }
 
-// The picture in a string.
+// The parsed picture of a string.
 struct Contents {
   int32_t width, height;
   const uint8_t* pixels;
 };
 
-// False for a string that is none of ours, or whose header claims more than it holds.
+// False for a string in another format, or one whose header claims more data than it holds.
 bool parse(const rbData& data, Contents* contents) {
   const uint8_t* bytes = data.data();
   const int32_t length = data.length();
@@ -49,7 +49,7 @@ bool parse(const rbData& data, Contents* contents) {
          static_cast<size_t>(length) < kHeaderSize ? static_cast<size_t>(length) : kHeaderSize);
   if (bigEndian(header.size) != static_cast<uint32_t>(length)) return false;
   const uint64_t width = bigEndian(header.width), height = bigEndian(header.height);
-  // Any offset is honoured, also one inside the header.
+  // Any offset is honoured, even one inside the header.
   const int64_t offset = bigEndian(header.dataOffset);
   if (offset > length || width * height > static_cast<uint64_t>((length - offset) / kPixelSize)) return false;
   *contents = {static_cast<int32_t>(width), static_cast<int32_t>(height), bytes + offset};

@@ -1,5 +1,5 @@
-// Brightness, contrast and custom linear maps. A channel's new value depends on its old one alone, so each
-// channel's curve is worked out once, in double, for all 256 values.
+// Brightness, contrast and custom linear maps. A channel's new value depends only on its old one, so each
+// channel's curve is computed once, in double, as a lookup table of 256 values.
 
 #include <string.h>
 
@@ -17,10 +17,10 @@ uint8_t clamped(double value) {
 // Stretches values away from 127.
 double contrasted(double value, double contrast) { return 127 + (value - 127) * (1 + contrast); }
 
-// Squeezes the range toward black (brightness below 0) or toward white, which stay as they are.
+// Squeezes the range toward black (brightness below 0) or toward white; the end itself stays fixed.
 class LinearBrightness {
  public:
-  // What is not a number counts as white's side.
+  // NaN is treated as the white side.
   explicit LinearBrightness(double brightness)
       : factor_((brightness < 0 ? 255 + brightness : 255 - brightness) / 255),
         offset_(brightness < 0 ? 0 : brightness) {}
@@ -35,7 +35,7 @@ void fillTable(uint8_t (&table)[256], const Curve& curve) {
   for (int v = 0; v < 256; ++v) table[v] = curve(double(v));
 }
 
-// A new picture like the source, through tables that `fill` fills in.
+// A new picture like the source, mapped through lookup tables that `fill` computes.
 template <typename Fill>
 REALpictureStruct* throughTables(REALpictureStruct* picture, const Fill& fill) {
   PictureReader source;
@@ -48,7 +48,7 @@ REALpictureStruct* throughTables(REALpictureStruct* picture, const Fill& fill) {
   return result.RenderPictureWriter();
 }
 
-// Each channel through its curve: uint8_t curve(double).
+// Maps each channel through its own curve: uint8_t curve(double).
 template <typename Curve>
 REALpictureStruct* throughCurves(REALpictureStruct* picture, const Curve& red, const Curve& green,
                                  const Curve& blue) {
@@ -59,7 +59,7 @@ REALpictureStruct* throughCurves(REALpictureStruct* picture, const Curve& red, c
   });
 }
 
-// All channels through one.
+// Maps all channels through one curve.
 template <typename Curve>
 REALpictureStruct* throughCurve(REALpictureStruct* picture, const Curve& curve) {
   return throughTables(picture, [&](kernels::ChannelTables& tables) {
@@ -70,7 +70,7 @@ REALpictureStruct* throughCurve(REALpictureStruct* picture, const Curve& curve) 
 }
 
 auto linearCurve(double brightness) {
-  // Out of range values wrap around here, unlike everywhere else in the family: on purpose.
+  // Out-of-range values wrap here, on purpose; all other methods of this file clamp.
   return
       [linear = LinearBrightness(brightness)](double v) { return static_cast<uint8_t>(toInt32(linear(v))); };
 }

@@ -1,4 +1,4 @@
-// One channel of a picture replaced by that of another.
+// Replaces one channel of a picture by that of another.
 
 #include "frame/errors.h"
 #include "operations/operations.h"
@@ -6,7 +6,7 @@
 
 namespace {
 
-// `channel` has the bits of the pixel word that the channel picture gives.
+// `channel` masks the bits of the pixel word to take from the channel picture.
 REALpictureStruct* replaceChannel(REALpictureStruct* picture, REALpictureStruct* channelPicture,
                                   uint32_t channel) {
   if (!channelPicture) {

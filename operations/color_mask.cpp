@@ -1,4 +1,4 @@
-// The mask of black rectangles over the coloured areas of a picture that is otherwise gray.
+// A mask of black rectangles over the coloured areas of a picture that is otherwise gray.
 
 #include <string.h>
 
@@ -10,13 +10,13 @@ namespace {
 
 enum Cell : uint8_t { kGray = 0, kColored = 1, kCovered = 2 };
 
-// Columns left .. right and rows top .. bottom of a map, ends included.
+// Columns left .. right and rows top .. bottom of a map, inclusive.
 struct Box {
   ptrdiff_t left, top, right, bottom;
 };
 
-// A cell for each pixel and a ring of gray ones around, so that a box can't grow out of the picture: pixel
-// (x, y) is the cell in column x + 1 of row y + 1.
+// One cell per pixel, surrounded by a ring of gray sentinels so that a box can't grow out of the picture:
+// pixel (x, y) is the cell in column x + 1 of row y + 1.
 class ColorMap {
  public:
   ColorMap(int32_t width, int32_t height)
@@ -29,7 +29,7 @@ class ColorMap {
   uint8_t* pixel(int32_t x, int32_t y) const { return row(ptrdiff_t{y} + 1) + x + 1; }
   uint8_t* row(ptrdiff_t y) const { return cells_ + y * stride_; }
 
-  // The first coloured cell from `from` on, row by row, or null. Starts at the first cell for null.
+  // The first coloured cell from `from` on in row order, or null. A null `from` means the first cell.
   uint8_t* findColored(const uint8_t* from) const {
     if (!from) from = cells_;
     const auto left = static_cast<size_t>(cells_ + size_ - from);
@@ -48,7 +48,7 @@ class ColorMap {
   }
 
  private:
-  // Eight cells may be looked at together wherever one may be.
+  // Lets callers read eight cells at once wherever they may read one.
   static constexpr ptrdiff_t kMargin = 8;
 
   ptrdiff_t stride_;
@@ -57,8 +57,8 @@ class ColorMap {
   uint8_t* cells_;
 };
 
-// Which of eight neighbouring columns have a coloured cell in a box's rows: eight cells of each row or'ed
-// together. A column that lies outside the map shows cells of other rows, but no box gets that far.
+// Which of eight neighbouring columns have a coloured cell in a box's rows: the OR of eight cells per row. A
+// column outside the map contains cells of other rows, but no box gets that far.
 class Strip {
  public:
   Strip(const ColorMap& map, const Box& box, ptrdiff_t first) : map_(map) { gather(box, first); }
@@ -84,8 +84,8 @@ class Strip {
   uint64_t cells_;
 };
 
-// Grows a box from one coloured cell, with as little looked at twice as possible: cells of the row below that
-// were found gray are not looked at again until the box has moved down.
+// Grows a box from one coloured cell and avoids repeated reads: cells of the row below that were found gray
+// are not read again until the box has moved down.
 class Growth {
  public:
   Growth(const ColorMap& map, const Box& seed)
@@ -96,8 +96,8 @@ class Growth {
         left_(map, seed, seed.left - Strip::kColumns),
         right_(map, seed, seed.right + 1) {}
 
-  // Each side moves by one cell a round at most, until none moves. Corners don't count. The top never moves:
-  // the seed is the first coloured cell of the map, so there is none in the rows above.
+  // Each side moves by at most one cell per round, until none moves. Corners don't count. The top never
+  // moves: the seed is the first coloured cell of the map, so the rows above have none.
   Box run() {
     for (bool moved = true; moved;) {
       const bool down = growDown(), left = growLeft(), right = growRight();
@@ -139,12 +139,12 @@ class Growth {
 
   const ColorMap& map_;
   Box box_;
-  ptrdiff_t grayLeft_, grayEnd_;  // columns of the row below that are known to be gray
+  ptrdiff_t grayLeft_, grayEnd_;  // columns of the row below known to be gray
   Strip left_, right_;
 };
 
-// Records the colour of a rectangle's pixels. Its columns are those named, but its rows are the picture's
-// from row 0 on, whatever `top` says: on purpose.
+// Marks the coloured pixels of a rectangle. It reads the given columns, but the picture's rows from row 0 on
+// instead of from `top`, on purpose.
 void mark(const ColorMap& map, PictureReader& source, const Region& region) {
   if (region.isEmpty()) return;
   RowSource row(source, {region.left, 0, region.right, region.bottom - region.top});
@@ -171,7 +171,7 @@ REALpictureStruct* ExtractColorRectangleMaskZVR(REALpictureStruct* picture, int3
   PictureWriter result;
   if (!result.NewPictureWriter(source.width, source.height)) return nullptr;
   mark(map, source, Region::cut(left, top, width, height, source));
-  // Everything before a seed is gray or covered, so the search goes on from there.
+  // Everything before a seed is gray or covered, so the search resumes there.
   for (const uint8_t* seed = nullptr; (seed = map.findColored(seed));) {
     map.cover(Growth(map, map.at(seed)).run());
   }

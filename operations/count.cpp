@@ -1,4 +1,4 @@
-// Counting colours, and mapping them through the caller's tables.
+// Histograms, counts of one colour, and maps through the caller's lookup tables.
 
 #include <string.h>
 
@@ -11,13 +11,13 @@ namespace {
 
 constexpr int32_t kHistogramBytes = 256 * 4;
 
-// The caller's block, or a new one that becomes the caller's.
+// The caller's block, or a new one that the caller will own.
 REALmemoryBlockStruct* givenOrNew(REALmemoryBlockStruct** block) {
   if (!*block) *block = REALNewMemoryBlock(kHistogramBytes);
   return *block;
 }
 
-// Adds counts to what a block holds; entries beyond its end are lost.
+// Adds counts to those in a block; drops entries beyond its end.
 void addCounts(REALmemoryBlockStruct* block, const uint32_t (&counts)[kernels::kCountingLanes][256]) {
   const rbData view(block);
   const auto bytes = static_cast<size_t>(bytesWithin(view, kHistogramBytes));
@@ -30,7 +30,7 @@ void addCounts(REALmemoryBlockStruct* block, const uint32_t (&counts)[kernels::k
   memcpy(view.data(), sums, bytes);
 }
 
-// What lies beyond a short block's end reads as 0.
+// Entries beyond the end of a short block read as 0.
 void readTable(const rbData& block, uint8_t (&table)[256]) {
   const auto bytes = static_cast<size_t>(bytesWithin(block, sizeof table));
   memcpy(table, block.data(), bytes);
@@ -51,12 +51,12 @@ int32_t CountColorZVR(REALpictureStruct* picture, RBColor color) {
   return static_cast<int32_t>(found);
 }
 
-// The second block gets the green histogram and the third the blue one, against the order that the names
-// promise: on purpose.
+// The second block gets the green histogram and the third the blue one, on purpose, although the parameters
+// are named the other way round.
 void CountColorsZVR(REALpictureStruct* picture, REALmemoryBlockStruct** red, REALmemoryBlockStruct** blue,
                     REALmemoryBlockStruct** green, int32_t* count) {
   *count = -1;
-  // All three are made, if they can be, before a missing one ends the call.
+  // Creates as many of the three as possible before a missing one ends the call.
   const bool haveRed = givenOrNew(red), haveSecond = givenOrNew(blue), haveThird = givenOrNew(green);
   if (!haveRed || !haveSecond || !haveThird) return;
   PictureReader source;

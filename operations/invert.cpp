@@ -1,12 +1,12 @@
-// Inverting a picture, or its gray pixels alone.
+// Inverts a picture, or only its gray pixels.
 
 #include "operations/operations.h"
 #include "picture/rows.h"
 
 namespace {
 
-// A result like the source, with the rectangle written by the kernel. `leastSide` is the smallest width and
-// height that is taken as given; below it the whole picture's is meant.
+// A result like the source, with the rectangle written by the kernel. A width or height below `leastSide`
+// means the whole picture's.
 REALpictureStruct* invertRegion(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width,
                                 int32_t height, int32_t leastSide, kernels::SpanMap* kernel) {
   PictureReader source;
@@ -28,7 +28,7 @@ REALpictureStruct* InvertPicture(REALpictureStruct* picture, int32_t left, int32
 
 REALpictureStruct* InvertPicture2(REALpictureStruct* picture) { return InvertPicture(picture, 0, 0, -1, -1); }
 
-// A width or height of 0 is kept here, and nothing is processed: unlike InvertPicture, on purpose.
+// A width or height of 0 processes nothing here, on purpose, unlike in InvertPicture.
 REALpictureStruct* InvertGrayPicture(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width,
                                      int32_t height) {
   return invertRegion(picture, left, top, width, height, 0, kernels::best().invertGray);

@@ -1,4 +1,4 @@
-// Masks: whether a picture has one, and the one embedded in its pixels.
+// Mask pictures, and the mask embedded in a picture's pixels.
 
 #include "frame/held.h"
 #include "operations/operations.h"
@@ -34,13 +34,13 @@ REALpictureStruct* GetEmbededMask(REALpictureStruct* picture, RBBoolean swap) {
 
 void SetEmbededMask(REALpictureStruct* picture, RBBoolean swap, REALpictureStruct* mask) {
   if (!mask) return;
-  // Opened for reading although its words are written, on purpose: the host's cached rendering stays.
+  // Opened for reading although its words are written, on purpose: the host keeps its cached rendering.
   PictureReader target, source;
   if (!target.GetPictureReader(picture) || !source.GetPictureReader(mask)) return;
-  // Writes into a GDK copy would reach nobody.
+  // Writes to a GDK copy would be lost.
   if (!target.hasWords()) return;
   const auto merge = swap ? kernels::best().invertedRedIntoBlue : kernels::best().redIntoBlue;
-  // The mask is walked at the picture's size, not its own: beyond its last byte it counts as black.
+  // Reads the mask at the picture's size, not its own: past its last byte it counts as black.
   mapRegion(
       target, Region::whole(target),
       [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t) { merge(out, in, count); },

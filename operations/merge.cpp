@@ -1,4 +1,4 @@
-// Pictures from several pictures of one size.
+// Combines several pictures of one size.
 
 #include "operations/operations.h"
 #include "picture/rows.h"
@@ -21,7 +21,7 @@ REALpictureStruct* MergePicture(REALpictureStruct* source1, REALpictureStruct* s
   return result.RenderPictureWriter();
 }
 
-// Blue comes before green here, on purpose; the pictures are opened in the order red, green, blue.
+// Blue comes before green in the parameters, on purpose; the pictures are opened as red, green, blue.
 REALpictureStruct* CombinePicturesZVR(REALpictureStruct* red, REALpictureStruct* blue,
                                       REALpictureStruct* green) {
   PictureReader reds, greens, blues;

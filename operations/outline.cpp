@@ -27,12 +27,12 @@ void setOutlineColor(RBColor color) {
 void BlendOutlinePixel(PictureEditor& editor, int32_t x, int32_t y, int32_t kept) {
   if (x < 0 || y < 0 || x >= editor.width || y >= editor.height) return;
   uint8_t* pixel = editor.GetRow(y) + ptrdiff_t{x} * editor.bytesPerPixel;
-  // In memory a word begins with blue, a 3-byte pixel with red.
+  // In memory a word begins with blue, an RGB24 pixel with red.
   const bool isWord = editor.hasWords();
   uint8_t &red = pixel[isWord ? 2 : 0], &green = pixel[1], &blue = pixel[isWord ? 0 : 2];
   const int32_t oldGreen = green;
   red = blended(gOutLineColorR, red, kept);
-  // What stands there lends its blue to green and its green to blue, on purpose.
+  // The old blue blends into green and the old green into blue, on purpose.
   green = blended(gOutLineColorG, blue, kept);
   blue = blended(gOutLineColorB, oldGreen, kept);
   if (isWord) pixel[3] = static_cast<uint8_t>(editor.topByte() >> 24);
@@ -47,7 +47,7 @@ void DrawAntialiasedLine(PictureEditor& editor, int32_t x0, int32_t y0, int32_t 
   const int32_t dx = difference16(x1, x0), down = difference16(y1, y0);
   const int32_t step = dx < 0 ? -1 : 1, across = dx * step;
   if (down == 0 || across == 0 || down == across) {
-    // Level, upright and diagonal lines have no soft edge.
+    // Horizontal, vertical and diagonal lines need no antialiasing.
     for (int32_t left = down == 0 ? across : down; left > 0; --left) {
       if (across != 0) x0 += step;
       if (down != 0) ++y0;
@@ -55,7 +55,7 @@ void DrawAntialiasedLine(PictureEditor& editor, int32_t x0, int32_t y0, int32_t 
     }
     return;
   }
-  // Every step goes on along the longer side; when the fraction of the shorter one wraps, along that, too.
+  // Each step advances along the longer side, and along the shorter one whenever its fraction wraps.
   const bool isSteep = down > across;
   const int32_t longer = isSteep ? down : across, shorter = isSteep ? across : down;
   const auto slope = static_cast<uint16_t>(shorter * 0x10000 / longer);

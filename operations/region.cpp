@@ -1,11 +1,11 @@
-// Questions about a picture: is a rectangle all black, white or gray, and how colourful is the whole.
+// Tests whether a rectangle is all black, white or gray, and how colourful a picture is.
 
 #include "operations/operations.h"
 #include "picture/rows.h"
 
 namespace {
 
-// Whether every pixel of the rectangle passes a kernel's test; an empty one does.
+// Whether every pixel of the rectangle passes a kernel's test; true for an empty one.
 template <typename Parameter>
 RBBoolean testRegion(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width, int32_t height,
                      bool (*test)(const kernels::Pixel*, size_t, Parameter), Parameter parameter) {
@@ -17,7 +17,7 @@ RBBoolean testRegion(REALpictureStruct* picture, int32_t left, int32_t top, int3
                     [=](const kernels::Pixel* in, size_t count) { return test(in, count, parameter); });
 }
 
-// Channels differ by 255 at most, so a larger number changes nothing.
+// Channels differ by at most 255, so a larger tolerance changes nothing.
 constexpr int32_t kLargestDifference = 255;
 
 int32_t magnitude(int32_t tolerance) {
@@ -51,14 +51,14 @@ RBBoolean isGray2(REALpictureStruct* picture, int32_t tolerance) {
 double ColornessZVR(REALpictureStruct* picture, int32_t threshold) {
   PictureReader source;
   if (!source.GetPictureReader(picture)) return 0;
-  // The threshold's sign counts, on purpose: any below 0 is passed by every pixel that is not dark.
+  // The threshold's sign counts, on purpose: below 0 every pixel that isn't dark passes.
   const int32_t limit = threshold < 0 ? -1 : magnitude(threshold);
   uint32_t colorful = 0;
   scanRegion(source, Region::whole(source), [&](const kernels::Pixel* in, size_t count) {
     colorful += kernels::best().countColorful(in, count, limit);
     return true;
   });
-  // The product wraps at 32 bits, on purpose; a picture without pixels gives not-a-number.
+  // The product wraps at 32 bits, on purpose; a picture without pixels gives NaN.
   const uint32_t pixels = static_cast<uint32_t>(source.width) * static_cast<uint32_t>(source.height);
   return static_cast<double>(colorful) / static_cast<int32_t>(pixels);
 }

@@ -1,4 +1,4 @@
-// Replacing one colour of a picture, or telling it from all others. Colours match exactly or not at all.
+// Replaces or extracts one colour of a picture. Only exact matches count.
 
 #include "operations/operations.h"
 #include "picture/rows.h"
@@ -18,7 +18,7 @@ REALpictureStruct* ReplaceColorZVR(REALpictureStruct* picture, RBColor searched,
   return result.RenderPictureWriter();
 }
 
-// The result has no alpha channel, whatever the source has.
+// The result has no alpha channel, even if the source has one.
 REALpictureStruct* ExtractColorZVR(REALpictureStruct* picture, RBColor searched, RBColor replacement,
                                    RBColor background) {
   PictureReader source;

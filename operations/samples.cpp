@@ -1,5 +1,5 @@
-// Sound samples drawn as a waveform. Arithmetic is in extended precision throughout; a column's values are
-// rounded to double between steps, the moving average and the scale are not.
+// Draws sound samples as a waveform. All arithmetic is in extended precision; a column's values are rounded
+// to double between steps, the moving average and the scale are not.
 
 #include "frame/errors.h"
 #include "frame/graphics.h"
@@ -15,12 +15,12 @@ namespace {
 
 constexpr int32_t kUsualHeight = 500;
 
-// One way to keep a sample.
+// A sample format.
 struct SampleKind {
-  int32_t bits;  // as callers name it
+  int32_t bits;  // the code that callers pass
   int32_t size;  // bytes
   int32_t fullScale;
-  int32_t valueOfZero;  // what a sample of zero bytes stands for
+  int32_t valueOfZero;  // the value of a sample of zero bytes
   kernels::SampleSums* kernels::Table::*sums;
 };
 constexpr SampleKind kSampleKinds[] = {
@@ -37,7 +37,7 @@ const SampleKind* sampleKindOf(int32_t bits) {
   return nullptr;
 }
 
-// The samples of a block. What lies past its end reads as zero bytes.
+// The samples of a block. Bytes past its end read as 0.
 class Samples {
  public:
   Samples(const rbData& block, const SampleKind& kind)
@@ -78,7 +78,7 @@ class Samples {
   int64_t length_;
 };
 
-// A value for each column, with a little room behind the last.
+// One value per column, with a little room after the last.
 class Envelope {
  public:
   explicit Envelope(int32_t width) : width_(width), memory_(int64_t{width} * 8 + 20) {}
@@ -104,23 +104,23 @@ class Envelope {
   Scratch memory_;
 };
 
-// The means of the negative and of the positive excursions in each column's share of the samples; in the end
-// their distances from the centre line in pixels.
+// The means of the negative and of the positive excursions in each column's share of the samples; `fit` turns
+// them into distances from the centre line in pixels.
 struct Waveform {
   int32_t width, height, centre;
   Envelope negative, positive;
 
   Waveform(int32_t w, int32_t h) : width(w), height(h), centre(h >> 1), negative(w), positive(w) {}
 
-  // Answers the largest distance from 0.
+  // Returns the largest distance from 0.
   double measure(const Samples& samples, int32_t count) {
     double peak = 0;
     int32_t start = 0;
     for (int32_t x = 0; x < width; ++x) {
-      // In this order: another one ends up at other samples.
+      // The order of operations matters: another one rounds to other samples.
       const int32_t end = toInt32(static_cast<long double>(x + 1) / width * count);
       const kernels::Excursions sums = samples.sum(start, end);
-      // A column without samples is 0 / 0, on purpose.
+      // A column without samples gives 0 / 0, on purpose.
       const long double half = (end - start) * 0.5L;
       negative[x] = static_cast<double>(static_cast<int32_t>(sums.negative) / half);
       positive[x] = static_cast<double>(static_cast<int32_t>(sums.positive) / half);
@@ -131,25 +131,25 @@ struct Waveform {
     return peak;
   }
 
-  // Smooths and turns values into pixels; `fullScale` is the value of the whole height.
+  // Smooths the values and scales them to pixels; `fullScale` is the value of the whole height.
   void fit(int32_t smoothing, long double fullScale) {
     const long double weight = 2.0F / (static_cast<long double>(smoothing) + 1);
     if (weight > 0) {
       negative.smooth(weight);
       positive.smooth(weight);
-      // Changes nothing but roundings, and is kept for their sake.
+      // Changes only the rounding, on purpose.
       fullScale = weight * fullScale + (1 - weight) * fullScale;
     }
     negative.scale(height, fullScale);
     positive.scale(height, fullScale);
   }
 
-  // Positive values lie below the centre line. Not-a-number is far above.
+  // Positive values lie below the centre line; NaN lies far above it.
   int32_t rowOf(double value) const { return toInt32(static_cast<long double>(centre) + value); }
 };
 
-// The bars of some neighbouring columns: the rows from the end of the negative one, over the centre, to the
-// end of the positive one. Either may lie on the wrong side.
+// The bars of some neighbouring columns: the rows from the end of the negative bar, across the centre, to the
+// end of the positive one. Either end may lie on the wrong side of the centre.
 struct Bars {
   int32_t first[RowSource::kTile], last[RowSource::kTile];
 
@@ -174,7 +174,7 @@ void drawBars(PictureWriter& result, const Waveform& wave, uint32_t foreground, 
     RowTarget target(result, Region::whole(result));
     const uint32_t top = target.topByte();
     for (int32_t y = 0; y < wave.height; ++y) {
-      // The bars reach a row 0 that the background doesn't.
+      // Bars are drawn in row 0 even where the background is lost there.
       const uint32_t behind = y == 0 && result.losesFirstRow() ? 0 : background;
       kernels::best().bars(target.span(left), bars.first, bars.last, count, y, foreground | top,
                            behind | top);
@@ -184,8 +184,8 @@ void drawBars(PictureWriter& result, const Waveform& wave, uint32_t foreground, 
   }
 }
 
-// Two polylines along the ends of the bars, from the centre of the first column on:
-// draw(x0, y0, x1, y1) for each piece.
+// Two polylines along the ends of the bars, starting at the centre of the first column. Calls
+// draw(x0, y0, x1, y1) for each segment.
 template <typename Draw>
 void traceOutline(const Waveform& wave, const Draw& draw) {
   int32_t fromX = 0, fromNegative = wave.centre, fromPositive = wave.centre;
@@ -199,7 +199,7 @@ void traceOutline(const Waveform& wave, const Draw& draw) {
   }
 }
 
-// With the host's own lines.
+// Uses the host's line drawing.
 void drawWideOutline(REALpictureStruct* picture, const Waveform& wave, int32_t penSize, RBColor color) {
   Held<REALgraphicsStruct> graphics(REALGetPictureGraphics(picture));
   if (!graphics) return;
@@ -229,7 +229,7 @@ REALpictureStruct* RenderSamples(REALmemoryBlockStruct* block, int32_t count, in
   if (count < 1) count = data.length() / kind->size;
   if (height < 1) height = kUsualHeight;
   if (width < 1) width = count;
-  // There will be no picture: nothing needs measuring.
+  // No picture of this size can be created, so don't measure.
   if (width < 1 || width > kLargestPictureSide || height > kLargestPictureSide) return nullptr;
 
   Waveform wave(width, height);

@@ -1,4 +1,4 @@
-// Pushing the channels of each pixel away from its gray value, or pulling them towards it.
+// Moves the channels of each pixel away from its gray value, or towards it.
 
 #include "operations/operations.h"
 #include "picture/rows.h"
@@ -8,7 +8,7 @@ REALpictureStruct* SaturationPicture(REALpictureStruct* picture, int32_t amount)
   if (!source.GetPictureReader(picture)) return nullptr;
   PictureWriter result;
   if (!result.NewPictureWriter(source)) return nullptr;
-  // Wraps, like every product with it.
+  // Wraps in 32 bits, as the products with it do.
   const auto factor = static_cast<int32_t>(static_cast<uint32_t>(amount) + 255);
   const auto saturate = kernels::best().saturate;
   mapRegion(

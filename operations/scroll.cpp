@@ -1,4 +1,4 @@
-// Scrolling a picture's own pixels in place: sideways, up or down.
+// Scrolls a picture's pixels in place: sideways, up or down.
 
 #include <numeric>
 
@@ -11,12 +11,12 @@ namespace {
 
 constexpr uint8_t kWhite = 255;
 
-// What moves a picture that is open for writing; false when memory is lacking and that matters.
+// Moves a picture that is open for writing; false if running out of memory counts as failure.
 using Move = bool(PictureEditor& editor, int32_t delta, bool wrap);
 
 struct Direction {
   Move* move;
-  // The answer for a picture that can't be scrolled: true sideways and false up and down, on purpose.
+  // The result for a picture that can't be scrolled: true sideways and false up and down, on purpose.
   bool whenUnusable;
 };
 
@@ -32,7 +32,8 @@ bool scroll(REALpictureStruct* picture, int32_t delta, bool wrap, bool withMask,
   return direction.move(editor, delta, wrap);
 }
 
-// The turn that rotates `extent` places by `delta`, in either direction by half of them or a little more.
+// The rotation of `extent` places equivalent to `delta`, in the direction that takes at most about half of
+// them.
 int32_t turnOf(int32_t delta, int32_t extent) {
   const int32_t half = extent / 2;
   int32_t turn = delta % extent;
@@ -45,8 +46,8 @@ bool leavesNothing(int32_t delta, int32_t extent) { return delta >= extent || de
 
 int64_t pixelBytes(const PictureEditor& editor) { return int64_t{editor.width} * 4; }
 
-// The bytes that move with a row. Rows of a surface take their padding along, but what lies behind the pixels
-// of the last one, or of any row of a host bitmap, may be somebody else's.
+// The bytes that move with a row. Rows of a surface include their padding, but the bytes after the pixels of
+// the last row, or of any row of a host bitmap, may belong to others.
 size_t bytesOfRow(const PictureEditor& editor, int32_t y) {
   const bool endsWithPixels = editor.format == kFormatHostBitmap || y == editor.height - 1;
   return static_cast<size_t>(endsWithPixels ? pixelBytes(editor) : editor.rowBytes);
@@ -58,7 +59,7 @@ void whitenRows(PictureEditor& editor, int32_t first, int32_t count) {
 
 // ---- Sideways ----
 
-// The first `first` bytes of a row go behind the others. The fewer of the two are put aside.
+// Moves the first `first` bytes of a row after the others. Saves the smaller of the two parts in `saved`.
 void rotateRow(uint8_t* row, size_t first, size_t size, uint8_t* saved) {
   const size_t others = size - first;
   if (first < others) {
@@ -72,8 +73,8 @@ void rotateRow(uint8_t* row, size_t first, size_t size, uint8_t* saved) {
   }
 }
 
-// What fetches ahead by itself stops at the end of a page, and doesn't see much before moves turn round.
-void fetch(uintptr_t row, size_t size) {
+// The hardware prefetcher stops at the end of a page, and doesn't adapt when moves change direction.
+void prefetchRow(uintptr_t row, size_t size) {
   for (size_t i = 0; i < size; i += 64) __builtin_prefetch(reinterpret_cast<void*>(row + i), 1);
 }
 
@@ -84,12 +85,12 @@ bool moveSideways(PictureEditor& editor, int32_t delta, bool wrap) {
   }
   const int32_t shift = wrap ? turnOf(delta, editor.width) : delta;
   Scratch saved(pixelBytes(editor));
-  // Nothing changes without memory, and that counts as done, on purpose.
+  // Out of memory the picture stays unchanged, and that counts as success, on purpose.
   if (shift == 0 || !saved) return true;
   const auto size = static_cast<size_t>(pixelBytes(editor));
   const auto uncovered = static_cast<size_t>(shift < 0 ? -shift : shift) * 4;
   for (int32_t y = 0; y < editor.height; ++y, editor.AddPixelRow()) {
-    fetch(reinterpret_cast<uintptr_t>(editor.row) + static_cast<uintptr_t>(editor.rowBytes), size);
+    prefetchRow(reinterpret_cast<uintptr_t>(editor.row) + static_cast<uintptr_t>(editor.rowBytes), size);
     rotateRow(editor.row, shift < 0 ? uncovered : size - uncovered, size, saved.get());
     if (!wrap) FillMemory(shift < 0 ? editor.row + size - uncovered : editor.row, uncovered, kWhite);
   }
@@ -98,14 +99,14 @@ bool moveSideways(PictureEditor& editor, int32_t delta, bool wrap) {
 
 // ---- Up and down ----
 
-// Rows don't overlap. The processor's own copy need not read what it overwrites.
+// Rows don't overlap. `rep movsl` need not read the cache lines that it overwrites.
 void copyRow(uint8_t* to, const uint8_t* from, size_t size) {
   size_t words = size / 4;
   __asm__ volatile("rep movsl" : "+D"(to), "+S"(from), "+c"(words) : : "memory");
   MoveMemory(to, from, size % 4);
 }
 
-// Row by row: those of a host bitmap need not lie next to each other.
+// Row by row, because rows of a host bitmap need not be contiguous.
 void moveRow(PictureEditor& editor, int32_t to, int32_t from) {
   const size_t target = bytesOfRow(editor, to), source = bytesOfRow(editor, from);
   copyRow(editor.GetRow(to), editor.GetRow(from), target < source ? target : source);
@@ -118,8 +119,8 @@ void moveRows(PictureEditor& editor, int32_t to, int32_t from, int32_t count) {
   }
 }
 
-// The first `first` rows go behind the others. Each row goes straight to its place, just after what stood
-// there has gone to its own; so of `saved`, which has room for many, one row is touched.
+// Moves the first `first` rows after the others. Each row moves straight to its place, right after that
+// place's old row has moved to its own; so only one row of `saved`, which has room for many, is used.
 void rotateRows(PictureEditor& editor, int32_t first, uint8_t* saved) {
   const int32_t others = editor.height - first, rings = std::gcd(first, others);
   for (int32_t start = 0; start < rings; ++start) {
@@ -140,8 +141,8 @@ bool turnVertically(PictureEditor& editor, int32_t delta) {
   const int32_t turn = turnOf(delta, editor.height);
   if (turn == 0) return true;
   const int32_t first = turn > 0 ? editor.height - turn : -turn;
-  // Downwards room for the rows above the turn is taken, upwards for the whole picture, on purpose: without
-  // it nothing is turned.
+  // Allocates room for `first` rows when scrolling down but for the whole picture when scrolling up, on
+  // purpose: if that fails, nothing is scrolled.
   Scratch saved(int64_t{turn > 0 ? first : editor.height} * editor.rowBytes);
   if (!saved) return false;
   rotateRows(editor, first, saved.get());
@@ -177,7 +178,7 @@ RBBoolean ScrollVerticalZVR(REALpictureStruct* picture, int32_t delta, RBBoolean
   return scroll(picture, delta, wrap, scrollMask, kVertically);
 }
 
-// With a mask, each direction moves the mask first and the picture after it.
+// With a mask, each direction moves first the mask and then the picture.
 RBBoolean ScrollZVR(REALpictureStruct* picture, int32_t deltaX, int32_t deltaY, RBBoolean wrap,
                     RBBoolean scrollMask) {
   return ScrollHorizontalZVR(picture, deltaX, wrap, scrollMask) &&

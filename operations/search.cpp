@@ -1,4 +1,4 @@
-// Finding a picture in another.
+// Finds a picture in another.
 
 #include <string.h>
 
@@ -7,8 +7,8 @@
 
 namespace {
 
-// How often a picture has which colour, roughly: colours share counters, and of a large picture only some
-// rows are counted.
+// An approximate histogram of colours: colours share counters, and only some rows of a large picture are
+// counted.
 class ColorSample {
  public:
   explicit ColorSample(PictureReader& reader) {
@@ -16,7 +16,7 @@ class ColorSample {
   }
   uint32_t count(uint32_t color) const { return count_[slot(color)]; }
 
-  // Shows the pixels of evenly spread rows, about kPixels of them: see(color, x, y).
+  // Calls see(color, x, y) for about kPixels pixels in evenly spread rows.
   template <typename See>
   static void forSampledRows(PictureReader& reader, const See& see) {
     constexpr int64_t kPixels = 65536;
@@ -42,13 +42,13 @@ class ColorSample {
   uint32_t count_[1 << kSlotBits] = {};
 };
 
-// The pixel of the needle that is looked for first.
+// The pixel of the needle to search for first.
 struct Anchor {
   int32_t x, y;
   uint32_t color;
 };
 
-// A pixel whose colour the picture seldom has, so that few places need a closer look.
+// Picks a pixel whose colour is rare in the picture, so that few places need a full comparison.
 Anchor chooseAnchor(PictureReader& picture, PictureReader& needle) {
   const ColorSample sample(picture);
   Anchor anchor = {};
@@ -74,7 +74,7 @@ class Search {
         pictureRow_(picture, Region::whole(picture)),
         needleRow_(needle, Region::whole(needle)) {}
 
-  // The first match row by row; false when there is none.
+  // The first match in row order; false if there is none.
   bool run(int32_t* x, int32_t* y) {
     for (int32_t top = 0; top < lines_; ++top) {
       anchorRow_.toRow(top + anchor_.y);
@@ -93,8 +93,8 @@ class Search {
   }
 
  private:
-  // The first of the pixels that is the anchor of a match, or `count`. The first of them belongs to the
-  // needle's left edge at `left`.
+  // The index of the first pixel that is the anchor of a match, or `count`. Pixel 0 is the anchor of a needle
+  // whose left edge is at `left`.
   size_t findAnchor(const kernels::Pixel* in, size_t count, size_t left, int32_t top) {
     size_t i = 0;
     while ((i += kernels::best().findColor(in + i, count - i, anchor_.color)) < count) {
@@ -104,7 +104,7 @@ class Search {
     return count;
   }
 
-  // The anchor's row comes first: around a rare pixel there is more to tell places apart by than at an edge.
+  // Compares the anchor's row first: rows near a rare pixel are more distinctive than those at an edge.
   bool matches(size_t left, int32_t top) {
     for (int32_t i = 0, y = anchor_.y; i < height_; ++i, y = y + 1 < height_ ? y + 1 : 0) {
       needleRow_.toRow(y);
@@ -114,7 +114,7 @@ class Search {
     return true;
   }
 
-  // Most places differ within a few pixels: those first, so that little is unpacked for them.
+  // Most places differ within a few pixels, so compares those first and unpacks little.
   bool rowMatches(size_t left) {
     constexpr size_t kFirst = 16;
     const auto width = static_cast<size_t>(width_);
@@ -128,7 +128,7 @@ class Search {
   }
 
   int32_t width_, height_;   // of the needle
-  int32_t columns_, lines_;  // where its top left corner can lie
+  int32_t columns_, lines_;  // number of positions of its top left corner
   Anchor anchor_;
   RowSource anchorRow_, pictureRow_, needleRow_;
 };

@@ -1,10 +1,10 @@
-// Pictures through a lookup table for each channel.
+// Maps pictures through a lookup table per channel.
 
 #include "operations/tables.h"
 
 namespace {
 
-// So many pixels take longer by tables than the search for lines takes.
+// From this many pixels on, the search for lines costs less than it saves.
 constexpr int64_t kWorthSearching = 128 * 128;
 
 }  // namespace

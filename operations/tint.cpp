@@ -1,4 +1,4 @@
-// Toning a picture in two steps: to a brightness, and from there to shades of one colour.
+// Tints a picture in two steps: to brightness, and from there to shades of one colour.
 
 #include "operations/operations.h"
 #include "picture/rows.h"

@@ -3,10 +3,10 @@
 
 #include "frame/entry_points.h"
 
-// Locks a description in the wanted REALPictureType; cleans up after a failure. The caller unlocks.
+// Locks a description as the given REALPictureType; cleans up on failure. The caller unlocks.
 bool REALLockPictureDescriptionX(REALpictureStruct* picture, REALpictureDescription* description,
                                  int32_t pictureType);
-// Hosts before version 2012 leave a failed lock half taken; for later ones this does nothing.
+// Undoes a failed lock on hosts before version 2012, which leave it half taken; a no-op on later ones.
 void REALUnlockPictureDescriptionAfterFailure(REALpictureStruct* picture);
 class DescriptionLock {
  public:
@@ -18,7 +18,7 @@ class DescriptionLock {
   DescriptionLock(const DescriptionLock&) = delete;
   DescriptionLock& operator=(const DescriptionLock&) = delete;
 
-  // Leaves it locked for somebody else to unlock.
+  // Releases ownership: the caller unlocks.
   void keep() { picture_ = nullptr; }
   // Whether the lock succeeded (and is not kept).
   explicit operator bool() const { return picture_ != nullptr; }

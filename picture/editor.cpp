@@ -1,4 +1,4 @@
-// The roads to a picture's pixels.
+// The access paths to a picture's pixels: cairo, GDK and host bitmap.
 
 #include "picture/editor.h"
 
@@ -8,8 +8,7 @@
 
 namespace {
 
-// Bytes per pixel and where red, green and blue lie in one, by format code. The editor makes 8, 11, 14
-// and 15.
+// Bytes per pixel and the offsets of red, green and blue, by format code. The editor uses 8, 11, 14 and 15.
 struct PixelLayout {
   uint8_t bytes, red, green, blue;
 };
@@ -23,9 +22,8 @@ const PixelLayout& layoutOf(int32_t format) {
   return kLayouts[static_cast<uint32_t>(format) < sizeof kLayouts / sizeof *kLayouts ? format : kFormatNone];
 }
 
-// Whether a bitmap record is whole and not smaller than it was described (a host may leave its size at 0),
-// and described as something that fits into memory; a row that is missing would be found only when it is
-// touched.
+// Whether a bitmap record is complete, not smaller than its description (a host may leave its size at 0), and
+// of a size that fits into memory. Checks every row now, since a missing one would only show when touched.
 bool isUsable(const REALbitmapRecord* bitmap, int32_t width, int32_t height) {
   if (width < 0 || width > INT32_MAX / 4 || height < 0) return false;
   if (!bitmap || bitmap->kind != 0 || !bitmap->rowTable || !bitmap->required) return false;
@@ -67,7 +65,7 @@ bool PictureEditor::openWithAlpha(REALpictureStruct* source) {
   if (!lock) return !IsDesktop() && openBitmap(source);
   setApplicationKind(ApplicationKind::desktop);
   const bool opened = openCairo(source, kFormatCairoAlpha);
-  // When this road fails it leaves the description locked, unlike the one without alpha: on purpose.
+  // On failure the description stays locked, unlike without alpha, on purpose.
   lock.keep();
   return opened;
 }
@@ -85,7 +83,7 @@ bool PictureEditor::openWithoutAlpha(REALpictureStruct* source, Copies copies) {
     lock.keep();
     return true;
   }
-  // A picture that can't be locked is still read: through a copy that the host can lock.
+  // A picture that can't be locked is read through a copy that the host can lock.
   if (readAccess && !writeAccess && copies == Copies::allowed) {
     if (Held<REALpictureStruct> copy(ClonePicture(source)); copy) {
       if (!open(copy.get(), Copies::none)) return false;
@@ -104,7 +102,7 @@ bool PictureEditor::openCairo(REALpictureStruct* source, PixelFormat surfaceForm
   const int32_t w = _cairo_image_surface_get_width(surface);
   const int32_t h = _cairo_image_surface_get_height(surface);
   const int32_t stride = _cairo_image_surface_get_stride(surface);
-  // A surface of narrower pixels than words is nothing that can be shown.
+  // Rejects surfaces whose pixels are narrower than words.
   if (w < 1 || h < 1 || stride < int64_t{w} * 4 || !pixels) return false;
   show(source, surfaceFormat, pixels, w, h, stride);
   return true;
@@ -112,13 +110,13 @@ bool PictureEditor::openCairo(REALpictureStruct* source, PixelFormat surfaceForm
 
 bool PictureEditor::openDrawable(REALpictureStruct* source) {
   if (!description.handle || description.pictureType != kPictureTypeDrawable || !LoadGTK()) return false;
-  // GDK would complain on the program's standard error stream, or take a negative size for the whole.
+  // GDK would print a warning to stderr, or take a negative size to mean the whole drawable.
   if (description.width < 1 || description.height < 1) return false;
   GdkPixbuf* copy = _gdk_pixbuf_get_from_drawable(nullptr, static_cast<GdkDrawable*>(description.handle),
                                                   nullptr, 0, 0, 0, 0, description.width, description.height);
   if (!copy) return false;
   uint8_t* pixels = _gdk_pixbuf_get_pixels(copy);
-  // A copy without pixels is not released, on purpose: the editor knows of it only from here on.
+  // A copy without pixels is leaked, on purpose: the editor owns it only from here on.
   if (!pixels) return false;
   pixbuf = copy;
   show(source, kFormatRGB24, pixels, description.width, description.height, _gdk_pixbuf_get_rowstride(copy));
@@ -163,7 +161,7 @@ void PictureEditor::takeOver(Held<REALpictureStruct>& made) {
 }
 
 void PictureEditor::clear() {
-  // From the last to the first of what is done, and each also when the host throws from the one before.
+  // Releases in reverse order, each step even if the host throws from the one before.
   const Held<REALpictureStruct> reference(static_cast<Held<REALpictureStruct>&&>(reference_));
   REALpictureStruct* const cleared = picture;
   picture = nullptr;
@@ -199,9 +197,10 @@ PictureWriter::~PictureWriter() { FreeMemoryNow(buffer); }
 
 bool PictureWriter::openFor(REALpictureStruct* target, int32_t newWidth, int32_t newHeight) {
   if (!GetPictureEditor(target, false, true)) return false;
-  // The size of a copy is of no interest: the writer leaves it for a buffer of its own.
+  // The size of a GDK copy doesn't matter: the writer replaces it by its own buffer.
   if (format != kFormatRGB24 && (width < newWidth || height < newHeight)) {
-    clear();  // while the picture lives: on a host that can't count the caller's reference is the only one
+    clear();  // while the picture lives: on a host without reference counting the caller's reference is the
+              // only one
     return false;
   }
   width = newWidth;
@@ -236,7 +235,7 @@ bool PictureWriter::NewPictureWriter(int32_t newWidth, int32_t newHeight, bool a
 }
 
 bool PictureWriter::NewPictureWriter(REALpictureStruct* target, int32_t newWidth, int32_t newHeight) {
-  // On a host that can't count there would be no reference on the target for the caller.
+  // On a host without reference counting there would be no reference on the target for the caller.
   if (target && GetPictureWidth(target) >= newWidth && GetPictureHeight(target) >= newHeight &&
       openFor(target, newWidth, newHeight) && reference_.isCounted()) {
     return format != kFormatRGB24 || NewPictureWriterLinux(newWidth, newHeight);
@@ -259,10 +258,10 @@ bool PictureWriter::NewPictureWriter(const PictureWriter& like) {
 bool PictureWriter::NewPictureWriterLinux(int32_t newWidth, int32_t newHeight) {
   clear();
   FreeMemoryNow(buffer);
-  // One row more than the picture has: processing in 3-byte rows may run past a row's end.
+  // One extra row: processing RGB24 rows may run past a row's end.
   const int64_t stride = int64_t{newWidth} * 3;
   buffer = static_cast<uint8_t*>(AllocateClearMemory(stride * (int64_t{newHeight} + 1)));
-  // Columns are counted in steps of 4 bytes from the row's start, so a row of 3-byte pixels reaches that far.
+  // Columns are 4 bytes apart from the row's start, so writes to an RGB24 row reach that far.
   if (!buffer || !discardedRow_.allocate(int64_t{newWidth} * 4)) return false;
   width = newWidth;
   height = newHeight;
@@ -280,13 +279,13 @@ REALpictureStruct* PictureWriter::RenderPictureWriter() {
   if (picture) {
     result = Held<REALpictureStruct>::share(picture);
     REALPictureClearCache(picture);
-    // On a host that can't count, the editor's own reference is what the caller gets.
+    // On a host without reference counting the caller gets the editor's own reference.
     if (!result.isCounted()) reference_.forget();
   } else if (buffer) {
     result =
         Held<REALpictureStruct>(REALBuildPictureFromBuffer(width, height, kPixelTypeRGB24, buffer, rowBytes));
-    // From here on the buffer is the host's, on purpose even when it gave no picture; not so on a host
-    // without the service, which never saw it.
+    // The host now owns the buffer, on purpose even if it returned no picture; a host without the service
+    // never saw it.
     if (result || HCallResolver("REALBuildPictureFromBuffer")) buffer = nullptr;
   }
   clear();

@@ -1,8 +1,8 @@
-// Row-by-row access to the pixels of host pictures, whichever way the host keeps them.
+// Row-by-row access to the pixels of host pictures, however the host stores them.
 //
-// An editor locks a picture, holds one reference on it and shows its pixels as rows: `row` is the first byte
-// of the current row, AddPixelRow moves on. Everything that an editor holds is released by `clear` and by the
-// destructor. Nothing here raises a host exception: failure is false or null.
+// An editor locks a picture, holds one reference on it and exposes its pixels as rows: `row` points to the
+// current row, AddPixelRow advances it. `clear` and the destructor release everything that an editor holds.
+// Nothing here raises a host exception: failure is false or null.
 #pragma once
 
 #include "frame/entry_points.h"
@@ -11,7 +11,7 @@
 #include "picture/pictures.h"
 #include "picture/toolkits.h"
 
-// How a pixel is kept. Words have red in bits 16-23, green in bits 8-15, blue in bits 0-7.
+// Pixel formats. Words have red in bits 16-23, green in bits 8-15, blue in bits 0-7.
 enum PixelFormat : int32_t {
   kFormatNone = 0,
   kFormatHostBitmap = 8,    // words, top byte written as 0; rows through a row table
@@ -20,7 +20,7 @@ enum PixelFormat : int32_t {
   kFormatCairoOpaque = 15,  // likewise
 };
 
-// Start of row y of rows that lie `rowBytes` apart. All of them may take up more than half the address space.
+// The start of row y at a stride of `rowBytes`. The rows may take more than half the address space.
 inline uint8_t* rowAt(uint8_t* firstRow, int32_t y, int32_t rowBytes) {
   return reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(firstRow) +
                                     static_cast<uintptr_t>(y) * static_cast<uintptr_t>(rowBytes));
@@ -33,43 +33,42 @@ class PictureEditor {
   PictureEditor(const PictureEditor&) = delete;
   PictureEditor& operator=(const PictureEditor&) = delete;
 
-  // Locks a picture's pixels. `needsPixels`: those it has will be read; `changesPixels`: they will be
-  // changed, and the host is told so when the editor is cleared. False for a null picture and for one whose
-  // pixels can't be had.
+  // Locks a picture's pixels. `needsPixels`: the caller reads them; `changesPixels`: the caller writes them,
+  // and `clear` notifies the host. False for a null picture and if no access path to the pixels works.
   bool GetPictureEditor(REALpictureStruct* source, bool needsPixels, bool changesPixels);
-  // For a change in place: true only when writes land in the picture itself, which they don't in a GDK copy.
+  // For changes in place: true only if writes reach the picture itself, which they don't through a GDK copy.
   bool GetPictureEditor(REALpictureStruct* source);
-  // Takes a reference on a picture (or null) and releases the one held before.
+  // Takes a reference on a picture (or null) and releases the previous one.
   void setPicture(REALpictureStruct* newPicture);
-  // Releases lock, pixbuf and picture. Sizes, format, row, buffer and access flags stay as they are. A host's
-  // exception out of one of these services passes through once all of them were called.
+  // Releases lock, pixbuf and picture; keeps sizes, format, row, buffer and access flags. A host exception
+  // from one of the services propagates after all of them were called.
   void clear();
 
-  // Start of row y. A row past the end is row 0; a row below 0 is the caller's mistake.
+  // The start of row y. A row past the end is row 0. Precondition: y >= 0.
   uint8_t* GetRow(int32_t y);
-  // Moves to the next row and answers its start; after the last row that is row 0 again.
+  // Moves to the next row and returns its start; after the last row that is row 0 again.
   uint8_t* AddPixelRow();
 
-  // Of the pixel format; 0 for codes that stand for none.
+  // Properties of the pixel format; 0 for unknown codes.
   int32_t GetBytesPerPixel() const;
   int32_t GetRedOffset() const;
   int32_t GetGreenOffset() const;
   int32_t GetBlueOffset() const;
 
-  // Whether a pixel is a 32-bit word, and the top byte to write into one.
+  // Whether a pixel is a 32-bit word, and its top byte when written.
   bool hasWords() const {
     return format == kFormatHostBitmap || format == kFormatCairoAlpha || format == kFormatCairoOpaque;
   }
   uint32_t topByte() const { return format == kFormatHostBitmap ? 0 : 0xFF000000; }
 
-  int32_t rowBytes = 0;  // from one row to the next; informational for kFormatHostBitmap
+  int32_t rowBytes = 0;  // stride; informational for kFormatHostBitmap
   int32_t width = 0;     // pixels
   int32_t height = 0;
   int32_t bytesPerPixel = 0;
   int32_t format = kFormatNone;  // PixelFormat
   uint8_t* row = nullptr;        // current row
   REALpictureDescription description = {};
-  uint8_t* buffer = nullptr;  // a writer's own pixels; freed by the destructor unless the host was given it
+  uint8_t* buffer = nullptr;  // a writer's own pixels; owned unless passed to the host
   uint8_t* firstRow = nullptr;
   int32_t rowIndex = 0;                  // current row
   REALpictureStruct* picture = nullptr;  // held
@@ -81,8 +80,8 @@ class PictureEditor {
   bool descriptionLocked = false;
 
  protected:
-  // Leaves a picture that was made for this editor alone to it, on a host where the editor could not count
-  // itself in.
+  // Transfers the creator's reference on a new picture to the editor, on a host where the editor could not
+  // add its own.
   void takeOver(Held<REALpictureStruct>& made);
 
   Held<REALpictureStruct> reference_;  // on `picture`
@@ -110,32 +109,30 @@ class PictureWriter : public PictureEditor {
  public:
   ~PictureWriter();
 
-  // On a new host picture, of sizes from 1 to kLargestPictureSide.
+  // Creates a host picture with sides from 1 to kLargestPictureSide.
   bool NewPictureWriter(int32_t newWidth, int32_t newHeight);
-  // The same with an alpha channel; its largest size is the host's. False where writes would land in a copy.
+  // The same with an alpha channel; the host limits its size. False if writes would only reach a copy.
   bool NewPictureWriterWithAlphaChannel(int32_t newWidth, int32_t newHeight);
-  // With an alpha channel if that is wanted and to be had.
+  // With an alpha channel if requested and available.
   bool NewPictureWriter(int32_t newWidth, int32_t newHeight, bool alpha);
-  // On the top-left part of an existing picture when it is large enough and can be opened, else on a new one.
+  // Writes the top-left part of an existing picture if it is large enough and can be opened, else a new one.
   bool NewPictureWriter(REALpictureStruct* target, int32_t newWidth, int32_t newHeight);
-  // As another editor's picture is: with alpha if it has it, at its size or the one given.
+  // Like another editor's picture: with alpha if that has it, at its size or the one given.
   bool NewPictureWriter(const PictureReader& like, int32_t newWidth, int32_t newHeight);
   bool NewPictureWriter(const PictureReader& like);
   bool NewPictureWriter(const PictureWriter& like);
-  // Leaves the host picture for a zero-filled buffer of RGB24 pixels of the writer's own, which
-  // losesFirstRow.
+  // Replaces the host picture by the writer's own zero-filled RGB24 buffer. See losesFirstRow.
   bool NewPictureWriterLinux(int32_t newWidth, int32_t newHeight);
-  // Row 0 of a result on the GDK road stays black, on purpose: `row` is not moved to the writer's own buffer
-  // before the first AddPixelRow, and what is written through it until then is dropped. GetRow(0) does reach
-  // it.
+  // Row 0 of a result on the GDK road stays black, on purpose: `row` points into the writer's own buffer only
+  // after the first AddPixelRow, and earlier writes through it are discarded. GetRow(0) does reach row 0.
   bool losesFirstRow() const { return buffer != nullptr; }
 
-  // Ends the writing: the picture, with one reference for the caller, or null.
+  // Finishes the picture and returns it with one reference for the caller; null on failure.
   REALpictureStruct* RenderPictureWriter();
 
  private:
-  // Opens the top-left part of a picture; false also when its pixels turn out to be fewer than the host was
-  // asked for, or than its properties promised.
+  // Opens the top-left part of a picture; false also if it turns out smaller than requested, or than its
+  // properties say.
   bool openFor(REALpictureStruct* target, int32_t newWidth, int32_t newHeight);
 
   Scratch discardedRow_;

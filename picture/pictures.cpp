@@ -1,4 +1,4 @@
-// Making, copying and drawing host pictures.
+// Creating, copying and drawing host pictures.
 
 #include "picture/pictures.h"
 
@@ -10,15 +10,15 @@
 
 namespace {
 
-// Hosts from this version on have pictures with an alpha channel.
+// The first host version with alpha channels.
 constexpr double kAlphaVersion = 2011.04;
-// Hosts before this version are asked for their older drawing service.
+// Before this version the older drawing service is looked up.
 constexpr double kDrawMethodVersion = 2012.0;
 constexpr int32_t kPictureDepth = 32;
 
 bool isPictureSide(int32_t side) { return side >= 1 && side <= kLargestPictureSide; }
 
-// Draws the whole of a picture at the top left of another.
+// Draws a whole picture at the top left of another.
 void drawWhole(REALpictureStruct* destination, REALpictureStruct* source, int32_t width, int32_t height) {
   GraphicsDrawPicture(destination, source, 0, 0, width, height, 0, 0, width, height);
 }
@@ -38,7 +38,7 @@ REALpictureStruct* NewPictureWithAlphaChannel(int32_t width, int32_t height) {
   void* constructor =
       REALLoadObjectMethod(instance.get(), "Constructor(width as integer, height as integer)");
   if (!constructor) {
-    instance.forget();  // not released on a host without the constructor, on purpose
+    instance.forget();  // leaked on a host without the constructor, on purpose
     return nullptr;
   }
   reinterpret_cast<void (*)(REALobjectStruct*, int32_t, int32_t)>(constructor)(instance.get(), width, height);
@@ -120,7 +120,7 @@ bool GraphicsDrawPicture(REALgraphicsStruct* graphics, REALpictureStruct* destin
       reinterpret_cast<Draw>(method)(graphics, source, x, y, w, h, sx, sy, sw, sh);
       return true;
     }
-    // Asked for and not called, on purpose: older hosts see the question and nothing more.
+    // Looked up but not called, on purpose: older hosts see only the lookup.
     if (rbversion_rbversion < kDrawMethodVersion) HCallResolver("RuntimeGraphicsDrawPicture");
   }
   return OwnCopy(destination, source, x, y, w, h, sx, sy, sw, sh);
@@ -134,7 +134,7 @@ bool GraphicsDrawPicture(REALpictureStruct* destination, REALpictureStruct* sour
 
 namespace {
 
-// The bitmap that was locked; null for one that can't be copied row by row.
+// The locked bitmap; null if it can't be copied row by row.
 const REALbitmapRecord* bitmapOf(const REALpictureDescription& description) {
   const auto* bitmap = static_cast<const REALbitmapRecord*>(description.handle);
   if (description.pictureType != kPictureTypeBitmap || !bitmap || bitmap->kind != 0 || !bitmap->rowTable ||
@@ -147,7 +147,7 @@ const REALbitmapRecord* bitmapOf(const REALpictureDescription& description) {
   return bitmap;
 }
 
-// The bitmaps' own sizes decide how much is copied.
+// Copies by the bitmaps' own sizes.
 bool copyBitmap(const REALpictureDescription& destination, const REALpictureDescription& source) {
   const REALbitmapRecord *to = bitmapOf(destination), *from = bitmapOf(source);
   if (!to || !from || to->width != from->width || to->height != from->height) return false;

@@ -1,4 +1,4 @@
-// Where rows begin and end.
+// Row bounds and access to spans.
 
 #include "picture/rows.h"
 
@@ -10,7 +10,7 @@ struct Extent {
   int32_t first, end;
 };
 
-// Ends are computed in 64 bits: start + length can't wrap.
+// In 64 bits, so that start + length can't overflow.
 Extent cutExtent(int32_t start, int32_t length, int32_t limit) {
   const int64_t end = int64_t{start} + length;
   return {start > 0 ? start : 0, static_cast<int32_t>(end < limit ? (end > 0 ? end : 0) : limit)};
@@ -20,8 +20,8 @@ constexpr size_t kRGB24Size = 3;
 
 size_t leftOffset(const Region& region) { return static_cast<size_t>(region.left) * 4; }
 
-// Moves an editor to the region's first row. One that stands there already keeps its row, which for a writer
-// with a buffer of its own is not the buffer's.
+// Moves an editor to the region's first row. An editor that is already there keeps its row pointer: for a
+// writer with its own buffer that is not the buffer's row.
 uint8_t* firstRowOf(PictureEditor& editor, const Region& region) {
   if (region.top != editor.rowIndex) editor.row = editor.GetRow(region.top);
   return editor.row;
@@ -35,8 +35,8 @@ Region Region::cut(int32_t left, int32_t top, int32_t width, int32_t height, con
   return {columns.first, lines.first, columns.end, lines.end};
 }
 
-bool rows::areOne(const PictureEditor& editor, const Region& region) {
-  // Rows of a host bitmap may lie anywhere, and past its last row a picture shows row 0.
+bool rows::areContiguous(const PictureEditor& editor, const Region& region) {
+  // Rows of a host bitmap may lie anywhere. Past its last row a picture repeats row 0.
   return editor.hasWords() && editor.format != kFormatHostBitmap && editor.rowBytes == editor.width * 4 &&
          region.left == 0 && region.right == editor.width && region.bottom <= editor.height;
 }
@@ -50,9 +50,9 @@ void RowSource::at(const uint8_t* row) {
   start_ = nullptr;
   available_ = 0;
   const size_t size = static_cast<size_t>(editor_.GetBytesPerPixel());
-  if (!row || size == 0) return;  // a picture without rows, or of unknown pixels
-  // Rows of a host bitmap may lie anywhere; the others lie in one block that ends with the last row's pixels.
-  // It may be larger than a signed difference of addresses.
+  if (!row || size == 0) return;  // no rows, or an unknown pixel format
+  // Rows of a host bitmap may lie anywhere; other rows lie in one block that ends with the last row's pixels.
+  // The block may be larger than ptrdiff_t can hold, hence uintptr_t.
   const uint8_t* lastRow = editor_.format == kFormatHostBitmap
                                ? row
                                : rowAt(editor_.firstRow, editor_.height - 1, editor_.rowBytes);
@@ -77,7 +77,7 @@ const kernels::Pixel* RowSource::span(size_t first, size_t count) {
     return tile_;
   }
   if (whole > 0) kernels::best().unpackRGB24(tile_, start_ + first * kRGB24Size, whole, 0);
-  // Of a pixel that straddles the picture's last byte the bytes before it are seen.
+  // A pixel cut off by the picture's end keeps the bytes before it.
   const size_t next = (first + whole) * kRGB24Size;
   if (whole < count && next < available_) {
     uint8_t pixel[kRGB24Size] = {};

@@ -1,6 +1,6 @@
-// Rows of pixels as packed words. An operation says which region it works on and what happens to a span of
-// words; the formats of the pictures are dealt with here: words are handed to the kernel where they lie,
-// 3-byte pixels go through a tile that stays in the first-level cache.
+// Rows of pixels as packed words. An operation names a region and a kernel for spans of words; this layer
+// handles the pixel formats: words go to the kernel in place, RGB24 pixels go through a tile that stays in
+// the first-level cache.
 #pragma once
 
 #include <utility>
@@ -15,27 +15,27 @@ struct Region {
   bool isEmpty() const { return left >= right || top >= bottom; }
 
   static Region whole(const PictureEditor& editor) { return {0, 0, editor.width, editor.height}; }
-  // What of a rectangle lies inside a picture. The ends count from the uncut left and top.
+  // Clips a rectangle to a picture. Its right and bottom edges count from the unclipped left and top.
   static Region cut(int32_t left, int32_t top, int32_t width, int32_t height, const PictureEditor& editor);
 };
 
-// A reader's current row, from the region's left column on, as words.
+// A reader's current row as words, starting at the region's left column.
 //
-// In every format the left column is 4 bytes a column from the row's start, on purpose: a region of a picture
-// of 3-byte pixels starts further right than its name says, and may run into the next row. What lies past the
-// picture's last byte can't be read.
+// The left column is 4 bytes per column from the row's start in every format, on purpose: a region of an
+// RGB24 picture starts further right than its name says, and may run into the next row. Bytes past the
+// picture's last one can't be read.
 class RowSource {
  public:
   RowSource(PictureEditor& editor, const Region& region);
 
   void nextRow() { at(editor_.AddPixelRow()); }
   void toRow(int32_t y) { at(editor_.row = editor_.GetRow(y)); }
-  // How many of the pixels from `first` on, at most `count`, can be read whole.
+  // The number of pixels, at most `count`, that can be read whole from `first` on.
   size_t readable(size_t first, size_t count) const;
-  // Whether all pixels up to `count` lie in the picture as words.
+  // Whether the first `count` pixels are words of the picture that can be used in place.
   bool isDirect(size_t count) const { return editor_.hasWords() && readable(0, count) == count; }
-  // Words of the pixels first .. first + count - 1, good until the next call. Bytes that can't be read are 0.
-  // `count` is at most kTile unless the row is direct.
+  // The words of the pixels first .. first + count - 1, valid until the next call. Bytes that can't be read
+  // are 0. `count` is at most kTile unless the row is direct.
   const kernels::Pixel* span(size_t first, size_t count);
 
   static constexpr size_t kTile = 512;
@@ -44,13 +44,13 @@ class RowSource {
   void at(const uint8_t* row);
 
   PictureEditor& editor_;
-  size_t offset_;                           // of the left column, bytes
+  size_t offset_;                           // of the left column, in bytes
   const uint8_t* start_;                    // left column of the current row
-  size_t available_ = 0;                    // bytes from there to the end of what can be read
+  size_t available_ = 0;                    // readable bytes from there
   alignas(64) kernels::Pixel tile_[kTile];  // vectors in it don't cross cache lines
 };
 
-// The row that an editor writes, likewise.
+// The row that an editor writes, as RowSource reads it.
 class RowTarget {
  public:
   RowTarget(PictureEditor& editor, const Region& region);
@@ -58,7 +58,7 @@ class RowTarget {
   void nextRow() { start_ = editor_.AddPixelRow() + offset_; }
   bool isDirect() const { return editor_.hasWords(); }
   uint32_t topByte() const { return editor_.topByte(); }
-  // Where to write the words of the pixels from `first` on; `finish` brings them home.
+  // Where to write the words of the pixels from `first` on; `finish` stores them in the picture.
   kernels::Pixel* span(size_t first) {
     return isDirect() ? reinterpret_cast<kernels::Pixel*>(start_) + first : tile_;
   }
@@ -73,10 +73,10 @@ class RowTarget {
 
 namespace rows {
 
-// Whether a region's rows lie end to end in an editor's picture, as words: then they are one long row.
-bool areOne(const PictureEditor& editor, const Region& region);
+// Whether a region's rows are contiguous words in an editor's picture, and so can be treated as one row.
+bool areContiguous(const PictureEditor& editor, const Region& region);
 
-// The same region in rows as long as they can be in all of the pictures.
+// A region as the longest rows that suit all of the pictures.
 struct Walk {
   size_t width;
   int32_t height;
@@ -85,8 +85,8 @@ template <typename... Editors>
 Walk walkOf(const Region& region, const Editors&... editors) {
   const auto width = static_cast<size_t>(region.right - region.left);
   const int32_t height = region.bottom - region.top;
-  return (areOne(editors, region) && ...) ? Walk{width * static_cast<size_t>(height), 1}
-                                          : Walk{width, height};
+  return (areContiguous(editors, region) && ...) ? Walk{width * static_cast<size_t>(height), 1}
+                                                 : Walk{width, height};
 }
 
 template <typename Kernel, size_t... i>
@@ -100,8 +100,8 @@ void mapRow(RowTarget& target, [[maybe_unused]] RowSource* sources, size_t width
   }
 }
 
-// Shows the pixels first <= x < end of a row to a kernel: kernel(const Pixel* in, size_t count, size_t x)
-// answers whether to go on. Pixels that can't be read are left out. True when the kernel never stopped.
+// Passes the pixels first <= x < end of a row to a kernel: kernel(const Pixel* in, size_t count, size_t x)
+// returns whether to go on. Skips pixels that can't be read. True if the kernel never stopped.
 template <typename Kernel>
 bool scanRow(RowSource& source, size_t first, size_t end, const Kernel& kernel) {
   end = first + source.readable(first, end - first);
@@ -115,9 +115,9 @@ bool scanRow(RowSource& source, size_t first, size_t end, const Kernel& kernel) 
 
 }  // namespace rows
 
-// Writes a region of `result` from the same region of one or more readers:
-// kernel(Pixel* out, const Pixel* in..., size_t count, uint32_t topByte) for each span, which may be all of
-// it. Rows outside the region are not touched. A reader with fewer rows shows its row 0 past its end.
+// Writes a region of `result` from the same region of one or more readers. Calls
+// kernel(Pixel* out, const Pixel* in..., size_t count, uint32_t topByte) for each span; one span may cover
+// the whole region. Rows outside the region are not touched. A reader with fewer rows repeats its row 0.
 template <typename Kernel, typename... Readers>
 void mapRegion(PictureEditor& result, const Region& region, const Kernel& kernel, Readers&... readers) {
   if (region.isEmpty()) return;
@@ -131,8 +131,8 @@ void mapRegion(PictureEditor& result, const Region& region, const Kernel& kernel
   }
 }
 
-// Writes a region of `result`: kernel(Pixel* out, size_t count, uint32_t topByte, int32_t x, int32_t y) for
-// each span of a row, which starts at (x, y).
+// Writes a region of `result`. Calls kernel(Pixel* out, size_t count, uint32_t topByte, int32_t x, int32_t y)
+// for each span of a row; the span starts at (x, y).
 template <typename Kernel>
 void writeRegion(PictureEditor& result, const Region& region, const Kernel& kernel) {
   if (region.isEmpty()) return;
@@ -149,8 +149,8 @@ void writeRegion(PictureEditor& result, const Region& region, const Kernel& kern
   }
 }
 
-// Shows a region of a picture to a kernel, span by span: kernel(const Pixel* in, size_t count)
-// answers whether to go on. Pixels that can't be read are left out. True when the kernel never stopped.
+// Passes a region of a picture to a kernel, span by span: kernel(const Pixel* in, size_t count) returns
+// whether to go on. Skips pixels that can't be read. True if the kernel never stopped.
 template <typename Kernel>
 bool scanRegion(PictureReader& reader, const Region& region, const Kernel& kernel) {
   if (region.isEmpty()) return true;

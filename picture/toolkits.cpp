@@ -22,11 +22,11 @@ void* _g_object_get;
 
 namespace {
 
-// "Tried" is set last: a thread that comes while another loads tries as well, and isn't told of a failure.
+// "Tried" is set last: a second thread that arrives during loading loads too, instead of seeing a failure.
 bool gtkTried, gtkLoaded;
 bool cairoTried, cairoLoaded;
 
-// The first library of a list that opens.
+// Opens the first library of a list that is installed.
 template <size_t count>
 void* openFirst(const char* const (&names)[count]) {
   for (const char* name : names) {

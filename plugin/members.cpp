@@ -1,5 +1,5 @@
-// Everything that the plug-in registers: the one place that names every operation and class member. Order,
-// spelling and flags are what host programs were built against, overloads and odd mixtures of flags included.
+// Everything that the plug-in registers: the one place that lists every operation and class member. Host
+// programs were built against this order, spelling and set of flags, including overloads and odd mixtures.
 
 #include "plugin/plugin_main.h"
 
@@ -166,7 +166,7 @@ REALmethodDefinition gGlobalMethods[] = {
 
 // ---- PictureLut3DZVR ----
 
-// Max stands before Min, although the fields lie the other way round.
+// Max comes before Min, although the fields are in the opposite order.
 REALproperty gLut3DProperties[] = {
     stored("SourcePicture", "Picture", offsetof(PictureLut3DData, source), kConsole),
     stored("DestinationPicture", "Picture", offsetof(PictureLut3DData, destination), kConsole),
@@ -185,7 +185,7 @@ REALmethodDefinition gLut3DMethods[] = {
 
 // ---- PictureSepiaZVR ----
 
-// The factors of blue and green are crossed: "FactorBlue" is the weight of green and the other way round.
+// The factors of blue and green are crossed, on purpose: "FactorBlue" is the weight of green and vice versa.
 REALproperty gSepiaProperties[] = {
     stored("SourcePicture", "Picture", offsetof(PictureSepiaData, source), kDesktopOnly),
     stored("DestinationPicture", "Picture", offsetof(PictureSepiaData, destination), kDesktopOnly),
@@ -245,7 +245,7 @@ REALclassDefinition gSepiaClass = filterClass<PictureSepiaData>(
 
 namespace {
 
-// Registration changes the records in place. Each entry begins with them as they are written here.
+// Registration changes the records in place. Each entry restores them to what is written here.
 template <auto& records>
 void restore() {
   static std::remove_reference_t<decltype(records)> written;

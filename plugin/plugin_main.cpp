@@ -6,7 +6,7 @@
 
 namespace {
 
-// A version that is not a number fails every comparison and gets the oldest layout.
+// NaN fails every comparison and gets the oldest layout.
 int32_t controlVersionFor(double hostVersion) {
   if (hostVersion >= 2013.03) return 12;
   if (hostVersion >= 2013.0) return 11;

@@ -1,8 +1,8 @@
-# The floors of the tree: which folder may include which, downward only, and no circle of files. Sourced by dev.
+# The layers of the tree: which folder may include which, only downward, and no cyclic includes. Sourced by dev.
 # shellcheck shell=bash
 
-# A folder and, behind it, the files (as patterns of extended regular expressions) that it may include besides its
-# own. Tests, benchmark and fuzz targets may include anything.
+# A folder, followed by the files (extended regular expressions) that it may include besides its own. Tests, benchmark and
+# fuzz targets may include anything.
 kFloors=(
   'old_c_library'
   'kernels'
@@ -19,7 +19,7 @@ kFloors=(
   'zvr/commands zvr/(gallery|language|files|terminal)/.* host/.*'
 )
 
-# includes: a line "FILE INCLUDED" for each include of our own files.
+# includes: prints a line "FILE INCLUDED" for each include of a file of this tree.
 includes() { git grep --untracked -oE '^#include "[^"]+"' -- '*.cpp' '*.h' | sed -E 's/^([^:]+):#include "([^"]+)"/\1 \2/'; }
 
 checkIncludes() {
@@ -28,9 +28,9 @@ checkIncludes() {
     folder=${floor%% *}
     allowed=$(tr ' ' '|' <<< "$folder/.*${floor#"$folder"}")
     upward=$(includes | grep "^$folder/" | grep -vE "^[^ ]+ ($allowed)$") || continue
-    fail "These files include what stands above them or beside them:" "$upward"
+    fail "These files include files of a higher layer, or of another one beside theirs:" "$upward"
   done
   # A header and its source count as one.
   circle=$(includes | sed -E 's/\.(cpp|h)\b//g' | awk '$1 != $2' | tsort 2>&1 > /dev/null) ||
-    fail 'These files include each other in a circle:' "$circle"
+    fail 'These files include each other in a cycle:' "$circle"
 }

@@ -140,7 +140,7 @@ TEST_F(ColorMask, GrowsAsARestartingSearchDoes) {
   }
 }
 
-// Rows are the picture's from row 0 on, wherever the rectangle lies; and on 3-byte rows the left column is
+// Rows are the picture's from row 0 on, wherever the rectangle lies; and on RGB24 rows the left column is
 // counted in steps of 4 bytes. Rows without padding.
 TEST_F(ColorMask, Rectangles) {
   Random random(312);

@@ -86,7 +86,7 @@ TEST_F(Faults, EveryServiceMissing) {
   }
 }
 
-// Services that answer nothing, and on which the count of references stands: whether they counted up can't be
+// Services without a result that reference counting depends on: whether they counted up can't be
 // seen.
 const std::set<std::string> kSilent = {"REALLockObject", "REALLockString"};
 

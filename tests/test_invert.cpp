@@ -27,7 +27,7 @@ const RectangleCase kRectangles[] = {
 };
 
 TEST_F(Invert, RectanglesAreCutAtThePicture) {
-  if (road() == host::Road::gdk) GTEST_SKIP() << "3-byte rows start elsewhere: see below";
+  if (road() == host::Road::gdk) GTEST_SKIP() << "RGB24 rows start elsewhere: see below";
   const Pixels source = Random(1).pixels(9, 7);
   const auto picture = makePicture(source);
   for (const RectangleCase& c : kRectangles) {
@@ -41,7 +41,7 @@ TEST_F(Invert, RectanglesAreCutAtThePicture) {
   }
 }
 
-// Zero or less stands for the whole picture in one method, only less than zero in the other.
+// Zero or less means the whole picture in one method, only less than zero in the other.
 TEST_F(Invert, WhatStandsForTheWholePicture) {
   const Pixels gray(4, 3, Rgb{0x404040});
   const auto picture = makePicture(gray);
@@ -53,10 +53,10 @@ TEST_F(Invert, WhatStandsForTheWholePicture) {
   EXPECT_EQ(colorsOf(callPicture("InvertGrayZVR", picture, numbers({0, 0, -1, -1}))), inverted);
 }
 
-// On 3-byte rows the left column is counted in steps of 4 bytes, so a rectangle lies further right and may
+// On RGB24 rows the left column is counted in steps of 4 bytes, so a rectangle lies further right and may
 // spill into the next row. The model works on bytes, as the rows lie in memory.
 TEST_F(Invert, ThreeByteRowsStartFourBytesAColumn) {
-  if (road() != host::Road::gdk) GTEST_SKIP() << "only the GDK road has 3-byte rows";
+  if (road() != host::Road::gdk) GTEST_SKIP() << "only the GDK road has RGB24 rows";
   const int width = 8, height = 4;  // rows of 24 bytes: no padding in a GDK copy
   const Pixels source = Random(2).pixels(width, height);
   const auto picture = makePicture(source);

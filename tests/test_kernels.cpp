@@ -326,8 +326,8 @@ INSTANTIATE_TEST_SUITE_P(Kernels, AllColors, ::testing::ValuesIn(casesWhere([](c
                          })),
                          [](const auto& parameter) { return parameter.param->name; });
 
-// A kernel that makes words of words, on spans so long that results may be written past the caches. One input
-// stands for all, and in the second run for the output too.
+// A kernel that maps words to words, on spans long enough for streaming stores. One buffer serves as every
+// input, and in the second run as output too.
 class LongSpans : public ::testing::TestWithParam<const Case*> {};
 
 TEST_P(LongSpans, AgreeWithTheirDefinitions) {

@@ -28,7 +28,7 @@ struct CodeBlock {
   std::string language;
   Lines lines;
 };
-// A heading with all that stands under it, up to the next.
+// A heading with everything under it, up to the next.
 struct Section {
   size_t level = 0;  // 1 for the page's title
   std::string heading;

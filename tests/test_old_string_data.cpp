@@ -60,7 +60,7 @@ TEST_F(OldStringData, CopiesTheBytesWithFourZerosBehind) {
     host::clearFaults();
     host::removeEntryPoint("PluginGetStringData");
     ASSERT_TRUE(REALGetStringData(string.get(), c.wanted, &record));
-    EXPECT_EQ(host::uses("StringGetCString"), 1) << "of what was converted alone";
+    EXPECT_EQ(host::uses("StringGetCString"), 1) << "only of the converted string";
     EXPECT_EQ(record.encoding, c.wanted);
     ASSERT_EQ(record.length, static_cast<int32_t>(c.expected.size()));
     const auto* bytes = static_cast<const char*>(record.data);
@@ -70,8 +70,8 @@ TEST_F(OldStringData, CopiesTheBytesWithFourZerosBehind) {
   }
 }
 
-// What stands in the record's length before the call makes the buffer of unconverted bytes larger, and only
-// that one.
+// The record's length before the call enlarges the buffer of unconverted bytes,
+// and only that one.
 TEST_F(OldStringData, TheLengthThatStandsInTheRecordCounts) {
   const auto string = host::newString("caf\xE9", kEncodingWindows);
   const struct {

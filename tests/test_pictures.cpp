@@ -110,7 +110,7 @@ TEST_F(Pictures, AlphaPicturesNeedAHostThatHasThem) {
   }
 }
 
-// Where a new picture turns out to be a copy of 3-byte pixels the alpha form gives up, and the plain form
+// Where a new picture turns out to be a copy of RGB24 pixels the alpha form gives up, and the plain form
 // takes a buffer of the size asked for, whatever the copy's.
 TEST_F(Pictures, WritersNeverShowACopy) {
   host::Settings settings = settingsForRoad();

@@ -70,7 +70,7 @@ TEST_F(Zvr, invertsOnDesktopAndConsole) {
 TEST_F(Zvr, chainsAndNegativeNumbers) {
   ASSERT_EQ(run({"apply", "photo.png", "InvertZVR", "+", "InvertZVR", "-o", "back.png"}).status, 0);
   EXPECT_EQ(readPng(folder_ / "back.png"), rgb_);
-  // Options may stand before the inputs and behind; -5 is none.
+  // Options may come before the inputs and after them; -5 is none.
   const Finished done =
       run({"apply", "-o", "part.png", "photo.png", "InvertZVR", "-5", "-5", "6", "6", "--color", "never"});
   ASSERT_EQ(done.status, 0) << done.errors;

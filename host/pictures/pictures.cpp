@@ -17,7 +17,7 @@ Picture* wanted(const REALpictureStruct* picture, const char* purpose) {
   return find<Picture>(picture, purpose);
 }
 
-// The pixel of a mask that stands for a picture's own alpha channel: white where the picture is transparent.
+// The pixel of a mask that represents a picture's own alpha channel: white where the picture is transparent.
 uint32_t maskPixel(uint32_t word) {
   const bool console = settings().road == Road::console;
   const uint32_t transparency = console ? (word >> 24 & 0x7F) * 255 / 127 : 255 - (word >> 24);

@@ -1,4 +1,4 @@
-// Settings::plainDrawables: a picture is shown as a record of its 3-byte pixels.
+// Settings::plainDrawables: a picture is shown as a record of its RGB24 pixels.
 #pragma once
 
 #include <memory>

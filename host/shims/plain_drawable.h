@@ -8,5 +8,5 @@ struct PlainDrawable {
   int32_t stride;   // bytes from one row to the next
 };
 
-// Rows of 3-byte pixels begin at multiples of 4 bytes, as GDK's do.
+// Rows of RGB24 pixels begin at multiples of 4 bytes, as GDK's do.
 inline int32_t plainStride(int32_t width) { return (width * 3 + 3) / 4 * 4; }

@@ -1,5 +1,5 @@
 // A stand-in for GDK that reads plain drawables in place: neither X nor a copy comes between the plug-in and
-// its 3-byte pixels.
+// its RGB24 pixels.
 
 #include "host/shims/plain_drawable.h"
 #include "host/shims/real.h"

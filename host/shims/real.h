@@ -1,4 +1,4 @@
-// How a shim reaches the library that it stands in for.
+// How a shim calls the library that it replaces.
 #pragma once
 
 #include <dlfcn.h>

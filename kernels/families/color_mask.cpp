@@ -1,11 +1,11 @@
-// Between pixels and maps of one byte a pixel.
+// Conversion between pixels and maps of one byte per pixel.
 
 #include "kernels/families/families.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
 void markColored(uint8_t* cells, const Pixel* in, size_t count, uint8_t colored) {
-  // Gray when each channel equals the one above it.
+  // Gray: blue equals green and green equals red.
   for (size_t i = 0; i < count; ++i) cells[i] = ((in[i] ^ in[i] >> 8) & 0xFFFF) != 0 ? colored : uint8_t{0};
 }
 

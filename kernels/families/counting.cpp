@@ -1,4 +1,4 @@
-// Counting pixels: those of one colour, and those of each value of a channel.
+// Counts the pixels of one colour, and histograms.
 
 #include "kernels/families/reads.h"
 
@@ -13,7 +13,7 @@ void countPixel(ChannelCounts& counts, size_t lane, uint32_t pixel, uint32_t tim
   counts.blue[lane][pixel & 0xFF] += times;
 }
 
-// Pixels that are looked at together.
+// Pixels per block.
 constexpr size_t kBlock = 8;
 static_assert(kBlock % kCountingLanes == 0);
 
@@ -33,7 +33,7 @@ uint32_t countColor(const Pixel* in, size_t count, uint32_t color) {
 }
 
 void histogram(const Pixel* in, size_t count, ChannelCounts& counts) {
-  // Blocks of one colour are counted when another colour comes.
+  // A run of blocks of one colour is added once, when another colour follows.
   uint32_t color = 0, times = 0;
   for (; count >= kBlock; count -= kBlock, in += kBlock) {
     if (!isOneColor(in)) {

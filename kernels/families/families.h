@@ -1,6 +1,5 @@
-// What each kernel source defines for the instruction set that it is being compiled for. Kernel sources
-// include no standard header with inline functions: the linker might keep a copy compiled for a newer
-// processor for everybody.
+// Declares the kernels of the instruction set being compiled for. Kernel sources include no standard header
+// with inline functions: the linker might keep the copy compiled for a newer processor for everyone.
 #pragma once
 
 #include "kernels/kernels.h"

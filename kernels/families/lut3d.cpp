@@ -5,43 +5,43 @@
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-constexpr uint32_t kCell = 17;  // channel values from one entry to the next
+constexpr uint32_t kCell = 17;  // channel values between two entries
 constexpr uint32_t kLast = 15;  // the entry of 255, the last that may be read
 
-// Pixels that are calculated with at a time, as lanes of 16 bits. Every four lanes hold four neighbours;
-// fours of the first and of the second half of the pixels take turns.
+// Pixels processed at a time, in 16-bit lanes. Every four lanes hold four neighbours; the fours come
+// alternately from the first and the second half of the pixels.
 constexpr size_t kWords = 2 * kPixels;
 constexpr size_t firstPixelOf(size_t four) { return four % 2 * kPixels + four / 2 * 4; }
 
-// Where the four corners lie that a colour is mixed from, and what each weighs in 17ths.
+// The offsets of the four corners that a colour is mixed from, and their weights in 17ths.
 struct Mixes {
   alignas(64) uint16_t corner[4][kWords];
   Words weight[4];
 };
 
-// From one entry to the next along red, green and blue.
+// Strides between entries along red, green and blue.
 struct Steps {
   uint32_t red, green, blue;
 };
 
 Words all(uint32_t word) { return reinterpret_cast<Words>(allWords(word)); }
-Words larger(Words a, Words b) {
+Words max(Words a, Words b) {
   return reinterpret_cast<Words>(
       ZVR_VECTOR(max_epi16)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
 }
-Words smaller(Words a, Words b) {
+Words min(Words a, Words b) {
   return reinterpret_cast<Words>(
       ZVR_VECTOR(min_epi16)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
 }
 
-// One channel of the pixels.
+// One channel of each pixel.
 Words channelOf(Pixels low, Pixels high, int shift) {
   return reinterpret_cast<Words>(ZVR_VECTOR(packs_epi32)(reinterpret_cast<Vector>(low >> shift & 0xFF),
                                                          reinterpret_cast<Vector>(high >> shift & 0xFF)));
 }
 
-// The share of an axis and the step along it in one number. Of equal shares the smaller step goes first: red
-// goes before green only when its share is strictly the larger one.
+// Sort key: the share of an axis above the step along it. Between equal shares the smaller step comes first,
+// so red comes before green only if its share is strictly larger.
 constexpr int kStepBits = 10;
 constexpr uint32_t kStepMask = (1 << kStepBits) - 1;
 Words stepOf(Words key) { return kStepMask - (key & kStepMask); }
@@ -50,9 +50,9 @@ struct Axis {
   Words entry, share, step;
 
   Axis(Words value, uint32_t stepAlong)
-      : entry(upperProducts(value, all(65536 / kCell + 1))),  // value / 17
+      : entry(multiplyHigh(value, all(65536 / kCell + 1))),  // value / 17
         share(value - entry * kCell),
-        // No step leads beyond the last entry, not even to a corner that weighs nothing.
+        // No step goes beyond the last entry, not even to a corner of weight 0.
         step(all(stepAlong) & reinterpret_cast<Words>(entry < kLast)) {}
   Words key() const { return share << kStepBits | (kStepMask - step); }
 };
@@ -63,8 +63,8 @@ void findMixes(Mixes& mixes, const Pixel* in, const Steps& steps) {
   __builtin_memcpy(&high, in + kPixels, sizeof high);
   const Axis red(channelOf(low, high, 16), steps.red), green(channelOf(low, high, 8), steps.green),
       blue(channelOf(low, high, 0), steps.blue);
-  const Words first = larger(larger(red.key(), green.key()), blue.key());
-  const Words last = smaller(smaller(red.key(), green.key()), blue.key());
+  const Words first = max(max(red.key(), green.key()), blue.key());
+  const Words last = min(min(red.key(), green.key()), blue.key());
   const Words share1 = first >> kStepBits, share3 = last >> kStepBits;
   const Words share2 = red.share + green.share + blue.share - share1 - share3;
   const Words near = red.entry * static_cast<uint16_t>(steps.red) +
@@ -79,7 +79,7 @@ void findMixes(Mixes& mixes, const Pixel* in, const Steps& steps) {
   mixes.weight[3] = share3;
 }
 
-// `mix` for all pixels: mix(Pixel* out, const Mixes&) for kWords of them.
+// Calls mix(Pixel* out, const Mixes&) for each kWords pixels.
 template <typename Mix>
 void mapMixed(Pixel* out, const Pixel* in, size_t count, const Steps& steps, const Mix& mix) {
   constexpr size_t kTogether = 64 / kWords;
@@ -101,27 +101,27 @@ void mapMixed(Pixel* out, const Pixel* in, size_t count, const Steps& steps, con
   __builtin_memcpy(out, rest, count * sizeof *out);
 }
 
-// ---- Tables of any numbers ----
+// ---- Tables of any doubles ----
 
-// Sums in 17ths times this give whole numbers wherever divided by 17 they would: a product does not become
-// smaller as the sum grows, and of all sums it is 17 * k that first reaches k, for each k up to 255. And like
-// quotients, products are limited to 0..255; the order of operands makes 0 of what is not a number.
+// Multiplying a sum in 17ths by this and truncating gives the same as dividing by 17: the product never
+// decreases as the sum grows, and for each k up to 255 the first sum whose product reaches k is 17 * k.
+// Products are clamped to 0..255 as quotients would be; the operand order turns NaN into 0.
 constexpr double kSeventeenth = 1.0 / kCell;
 
 #ifdef __AVX2__
-// An entry, or a sum of entries; the last number means nothing.
+// An entry, or a sum of entries; the last lane is unused.
 using Entry = __m256d;
 Entry weighted(const double* entry, const double* weight) {
   return _mm256_mul_pd(_mm256_loadu_pd(entry), _mm256_broadcast_sd(weight));
 }
 Entry plus(Entry a, Entry b) { return _mm256_add_pd(a, b); }
-__m128i limited(Entry sum) {
+__m128i clamped(Entry sum) {
   const __m256d value = _mm256_mul_pd(sum, _mm256_set1_pd(kSeventeenth));
   return _mm256_cvttpd_epi32(_mm256_min_pd(_mm256_max_pd(value, _mm256_setzero_pd()), _mm256_set1_pd(255)));
 }
 __m128i fourPixels(const Entry* sums) {
-  const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(limited(sums[0]), limited(sums[1])),
-                                         _mm_packs_epi32(limited(sums[2]), limited(sums[3])));
+  const __m128i bytes = _mm_packus_epi16(_mm_packs_epi32(clamped(sums[0]), clamped(sums[1])),
+                                         _mm_packs_epi32(clamped(sums[2]), clamped(sums[3])));
   return _mm_shuffle_epi8(bytes, _mm_setr_epi8(2, 1, 0, -1, 6, 5, 4, -1, 10, 9, 8, -1, 14, 13, 12, -1));
 }
 #else
@@ -130,28 +130,28 @@ struct Entry {
 };
 Entry weighted(const double* entry, const double* weight) {
   const __m128d w = _mm_set1_pd(*weight);
-  // The third as 8 bytes: a load of a double would want it aligned.
+  // Loads the third as an integer: a double load through the pointer would require alignment.
   const __m128d third = _mm_castsi128_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(entry + 2)));
   return {_mm_mul_pd(_mm_loadu_pd(entry), w), _mm_mul_sd(third, w)};
 }
 Entry plus(Entry a, Entry b) { return {_mm_add_pd(a.redGreen, b.redGreen), _mm_add_sd(a.blue, b.blue)}; }
-__m128i limited(__m128d sum) {
+__m128i clamped(__m128d sum) {
   const __m128d value = _mm_mul_pd(sum, _mm_set1_pd(kSeventeenth));
   return _mm_cvttpd_epi32(_mm_min_pd(_mm_max_pd(value, _mm_setzero_pd()), _mm_set1_pd(255)));
 }
-__m128i limited(__m128d low, __m128d high) { return _mm_unpacklo_epi64(limited(low), limited(high)); }
+__m128i clamped(__m128d low, __m128d high) { return _mm_unpacklo_epi64(clamped(low), clamped(high)); }
 __m128i fourPixels(const Entry* sums) {
-  const __m128i redGreen = _mm_packs_epi32(limited(sums[0].redGreen, sums[1].redGreen),
-                                           limited(sums[2].redGreen, sums[3].redGreen));
+  const __m128i redGreen = _mm_packs_epi32(clamped(sums[0].redGreen, sums[1].redGreen),
+                                           clamped(sums[2].redGreen, sums[3].redGreen));
   const __m128i blue =
-      limited(_mm_unpacklo_pd(sums[0].blue, sums[1].blue), _mm_unpacklo_pd(sums[2].blue, sums[3].blue));
+      clamped(_mm_unpacklo_pd(sums[0].blue, sums[1].blue), _mm_unpacklo_pd(sums[2].blue, sums[3].blue));
   return _mm_or_si128(_mm_or_si128(_mm_slli_epi32(redGreen, 16), _mm_srli_epi32(redGreen, 8)), blue);
 }
 #endif
 
-// ---- Tables of whole numbers ----
+// ---- Tables of integers ----
 
-// The entries at four places.
+// Gathers four entries.
 __m128i fourEntries(const Pixel* cube, const uint16_t* places) {
   const auto number = [=](size_t i) { return static_cast<int32_t>(cube[places[i]]); };
   const auto entry = [=](size_t i) { return _mm_cvtsi32_si128(number(i)); };
@@ -163,7 +163,7 @@ __m128i fourEntries(const Pixel* cube, const uint16_t* places) {
 #endif
 }
 
-// The entries of a half's fours.
+// Gathers the entries of one half of the pixels.
 Words entries(const Pixel* cube, const uint16_t* places) {
 #if defined(__AVX512VBMI__)
   __m512i all = _mm512_castsi128_si512(fourEntries(cube, places));
@@ -187,7 +187,7 @@ struct Sums {
     green += (entries >> 8) * reinterpret_cast<Words>(weights);
   }
   // v * 61681 >> 20 is v / 17 up to 65535.
-  static Words seventeenth(Words sums) { return upperProducts(sums, all(61681)) >> 4; }
+  static Words seventeenth(Words sums) { return multiplyHigh(sums, all(61681)) >> 4; }
   Vector pixels(uint32_t top) const {
     const auto redBlues = reinterpret_cast<Pixels>(seventeenth(redBlue));
     const auto greens = reinterpret_cast<Pixels>(seventeenth(green));

@@ -1,11 +1,11 @@
-// Each channel through a piecewise linear map: a line, limited at both ends.
+// Maps each channel through a piecewise linear function: a line, clamped at both ends.
 
 #include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-// The words red, green and blue of two pixels, and 0 for the top bytes, in each 128 bits.
+// Words for two pixels in each 128-bit lane: red, green, blue, and 0 for the top byte.
 Words wordsOf(uint32_t r, uint32_t g, uint32_t b) {
   const auto word = [](uint32_t value) { return static_cast<int16_t>(value); };
   return reinterpret_cast<Words>(
@@ -28,7 +28,7 @@ void mapPiecewiseLinear(Pixel* out, const Pixel* in, size_t count, uint32_t top,
   const Words down = wordsOf(rise(-r.offset), rise(-g.offset), rise(-b.offset));
   const auto shift = static_cast<uint16_t>(lines.shift);
   const auto height = [&](Words from) __attribute__((always_inline)) {
-    const auto product = reinterpret_cast<Vector>(upperProducts(from, slope));
+    const auto product = reinterpret_cast<Vector>(multiplyHigh(from, slope));
     const Vector sum = ZVR_VECTOR(subs_epu16)(ZVR_VECTOR(adds_epu16)(product, reinterpret_cast<Vector>(up)),
                                               reinterpret_cast<Vector>(down));
     return reinterpret_cast<Words>(sum) >> shift;

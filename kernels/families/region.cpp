@@ -1,4 +1,4 @@
-// Tests of whole spans, and the count of colourful pixels.
+// Tests whole spans, and counts colourful pixels.
 
 #include "kernels/families/reads.h"
 
@@ -17,28 +17,30 @@ bool isAllGray(const Pixel* in, size_t count, int32_t tolerance) {
                in, count, [](Pixels differing, Pixels p) { return differing | (p ^ p >> 8); },
                [](Pixels differing) { return differing & 0xFFFF; }) == count;
   }
-  // The lowest byte of each word gets the largest difference there is between two channels.
+  // The lowest byte of each word collects the largest difference between two channels.
   const Pixels tolerated = allOf(static_cast<uint32_t>(tolerance));
   return findBlock<kLargeBlock>(
              in, count,
              [](Pixels widest, Pixels p) {
                const Pixels green = p >> 8, red = p >> 16;
-               const Pixels largest = largerBytes(largerBytes(p, green), red);
-               const Pixels smallest = smallerBytes(smallerBytes(p, green), red);
-               return largerBytes(widest, excess(largest, smallest));
+               const Pixels largest = max(max(p, green), red);
+               const Pixels smallest = min(min(p, green), red);
+               return max(widest, subtractSaturated(largest, smallest));
              },
-             [=](Pixels widest) { return excess(widest & 0xFF, tolerated); }) == count;
+             [=](Pixels widest) { return subtractSaturated(widest & 0xFF, tolerated); }) == count;
 }
 
 uint32_t countColorful(const Pixel* in, size_t count, int32_t threshold) {
-  // Nothing exceeds a byte of FF, which leaves what stands in its place out.
+  // No byte exceeds FF, so an FF here leaves that byte out of the comparison.
   const Pixels dark = allOf(0xFF1D1D1D);
-  if (threshold < 0) return countWhere(in, count, 0, [=](Pixels p) { return excess(p, dark) != 0; });
+  if (threshold < 0)
+    return countWhere(in, count, 0, [=](Pixels p) { return subtractSaturated(p, dark) != 0; });
   const Pixels tolerated = allOf(0xFFFF0000 | static_cast<uint32_t>(threshold) * 0x0101);
   return countWhere(in, count, 0, [=](Pixels p) {
-    // Red and blue are compared only with green, on purpose.
-    const Pixels shifted = p >> 8, differences = excess(p, shifted) | excess(shifted, p);
-    return ~((excess(p, dark) == 0) | (excess(differences, tolerated) == 0));
+    // Red and blue are compared only with green, never with each other, on purpose.
+    const Pixels shifted = p >> 8,
+                 differences = subtractSaturated(p, shifted) | subtractSaturated(shifted, p);
+    return ~((subtractSaturated(p, dark) == 0) | (subtractSaturated(differences, tolerated) == 0));
   });
 }
 

@@ -1,12 +1,12 @@
-// 3-byte pixels to words and back, a vector of words at a time.
+// Unpacks RGB24 pixels to words and packs words to RGB24, one vector at a time.
 
-#include "kernels/families/light_maps.h"
+#include "kernels/families/streaming_maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-// Bytes from where 3-byte pixels start to the end of what `widened` reads and `narrow` writes for a vector of
-// words; behind the pixels there is nothing of use.
+// Bytes of RGB24 that `widened` reads and `narrow` writes for one vector of words; those after the vector's
+// pixels are unused.
 #if defined(__AVX512VBMI__)
 constexpr size_t kReach = 64;
 #elif defined(__AVX2__)
@@ -17,7 +17,7 @@ constexpr size_t kReach = 14;
 
 #if defined(__AVX2__)
 
-// For each byte of 16 words its place in the 3-byte pixels, and the other way round.
+// Shuffle indices: for each byte of 16 words its place in the RGB24 pixels, and the inverse.
 struct Order {
   uint8_t at[64];
 };
@@ -25,7 +25,7 @@ struct Order {
 constexpr Order placesInBytes() {
   Order order{};
   for (size_t i = 0; i < sizeof order; ++i)
-    order.at[i] = static_cast<uint8_t>(i % 4 == 3 ? 0x80 : i / 4 * 3 + 2 - i % 4);  // 0x80 stands for 0
+    order.at[i] = static_cast<uint8_t>(i % 4 == 3 ? 0x80 : i / 4 * 3 + 2 - i % 4);  // 0x80 gives 0
   return order;
 }
 
@@ -39,7 +39,7 @@ alignas(64) constexpr Order kPlacesInBytes = placesInBytes(), kPlacesInWords = p
 
 #endif
 
-// A vector of words, with top bytes of 0, from 3-byte pixels; and back.
+// `widened` unpacks RGB24 pixels to a vector of words with top bytes of 0; `narrow` packs them again.
 #if defined(__AVX512VBMI__)
 
 Pixels widened(const void* in) {
@@ -61,7 +61,7 @@ Vector inOrder(Vector bytes, const Order& order) {
   return _mm256_shuffle_epi8(bytes, allLanes(places));
 }
 
-// Bytes move within 128 bits only, in which there are 4 pixels.
+// A shuffle moves bytes only within a 128-bit lane, which holds 4 pixels.
 Pixels widened(const uint8_t* in) {
   __m128i lanes[2];
   __builtin_memcpy(&lanes[0], in, sizeof lanes[0]);
@@ -79,7 +79,7 @@ void narrow(uint8_t* out, Pixels pixels) {
 
 #else
 
-// Red and blue exchanged, above them 0.
+// Swaps red and blue and clears the top byte.
 Pixels swapped(Pixels p) {
   const auto redAndBlue = reinterpret_cast<Vector>(p & 0xFF00FF);
   const Vector exchanged = _mm_shufflehi_epi16(_mm_shufflelo_epi16(redAndBlue, 0xB1), 0xB1);
@@ -89,7 +89,7 @@ Pixels swapped(Pixels p) {
 typedef uint64_t Pairs __attribute__((vector_size(16)));
 constexpr uint64_t kFirst = 0xFFFFFF, kSecond = kFirst << 32;
 
-// No bytes can be moved one by one: two pixels in each half are pulled apart by shifts.
+// SSE2 has no byte shuffle: shifts separate the two pixels of each half.
 Pixels widened(const uint8_t* in) {
   Pairs bytes;
   __builtin_memcpy(&bytes, in, 8);
@@ -106,10 +106,11 @@ void narrow(uint8_t* out, Pixels pixels) {
 
 #endif
 
-// The last pixels, fewer than `widened` and `narrow` can do without reaching too far.
+// The tail: pixels that `widened` and `narrow` can't handle without reaching too far.
 #if defined(__AVX512VBMI__)
 
-// Of so many pixels. From a table: a mask that was shifted together from 32-bit halves has to wait in memory.
+// Masks for 0 to kPixels pixels. A lookup table, because building a 64-bit mask from 32-bit halves goes
+// through memory.
 struct ByteMasks {
   __mmask64 of[kPixels + 1];
   constexpr ByteMasks() : of() {
@@ -118,7 +119,7 @@ struct ByteMasks {
 };
 constexpr ByteMasks kFirstBytes;
 
-void unpackRest(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
+void unpackTail(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
   for (size_t length; count > 0; count -= length, in += length * 3, out += length) {
     length = count < kPixels ? count : kPixels;
     const Vector bytes = _mm512_maskz_loadu_epi8(kFirstBytes.of[length], in);
@@ -127,7 +128,7 @@ void unpackRest(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
   }
 }
 
-void packRest(uint8_t* out, const Pixel* in, size_t count) {
+void packTail(uint8_t* out, const Pixel* in, size_t count) {
   for (size_t length; count > 0; count -= length, in += length, out += length * 3) {
     length = count < kPixels ? count : kPixels;
     Vector bytes;
@@ -139,12 +140,12 @@ void packRest(uint8_t* out, const Pixel* in, size_t count) {
 
 #else
 
-void unpackRest(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
+void unpackTail(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
   for (; count > 0; --count, in += 3)
     *out++ = static_cast<uint32_t>(in[0]) << 16 | static_cast<uint32_t>(in[1]) << 8 | in[2] | top;
 }
 
-void packRest(uint8_t* out, const Pixel* in, size_t count) {
+void packTail(uint8_t* out, const Pixel* in, size_t count) {
   for (; count > 0; --count, out += 3) {
     const uint32_t word = *in++;
     out[0] = static_cast<uint8_t>(word >> 16);
@@ -159,15 +160,15 @@ void packRest(uint8_t* out, const Pixel* in, size_t count) {
 
 void unpackRGB24(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
   for (; count * 3 >= kReach; count -= kPixels, in += kPixels * 3, out += kPixels) {
-    fetchAhead(in, 4096);  // a tile or two: what comes sooner than needed pushes other pictures' tiles out
+    prefetch(in, 4096);  // a tile or two: prefetching further evicts other pictures' tiles
     store(out, widened(in) | top);
   }
-  unpackRest(out, in, count, top);
+  unpackTail(out, in, count, top);
 }
 
 void packRGB24(uint8_t* out, const Pixel* in, size_t count) {
   for (; count * 3 >= kReach; count -= kPixels, in += kPixels, out += kPixels * 3) narrow(out, load(in));
-  packRest(out, in, count);
+  packTail(out, in, count);
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

@@ -1,4 +1,4 @@
-// Sums over sound samples, and the bars that are drawn from them.
+// Sums over sound samples, and the bars drawn from them.
 
 #include "kernels/families/vectors.h"
 
@@ -10,7 +10,7 @@ struct Lanes {
   Vector all = {}, positive = {};
 };
 
-// Of values of 16 bits.
+// Of 16-bit values.
 struct WordLanes : Lanes {
   void add(Vector values) {
     const Vector one = allWords(1);
@@ -20,7 +20,7 @@ struct WordLanes : Lanes {
   }
 };
 
-// Of values of 8 bits, each 128 too high.
+// Of 8-bit values biased by 128.
 struct ByteLanes : Lanes {
   void add(Vector values) {
     const Vector middle = ZVR_VECTOR(set1_epi8)(-128), zero = {};
@@ -38,7 +38,8 @@ uint32_t total(Vector lanes) {
   return sum;
 }
 
-// Four bytes of `flips` turn samples into the values that the lanes take, and of `silences` into their 0.
+// XOR with the four bytes of `flips` turns samples into the values that the lanes add; `silences` are four
+// bytes of samples that add 0.
 template <typename SampleLanes>
 Excursions sum(const uint8_t* in, size_t bytes, uint32_t flips, uint32_t silences) {
   const Vector flip = allPixels(flips), silence = allPixels(silences);
@@ -50,16 +51,16 @@ Excursions sum(const uint8_t* in, size_t bytes, uint32_t flips, uint32_t silence
     in += count;
     bytes -= count;
   };
-  // Vectors then don't cross cache lines, unless samples do.
+  // Aligns the loads, so that vectors don't cross cache lines unless samples do.
   const size_t head = (0 - reinterpret_cast<uintptr_t>(in)) % sizeof(Vector) & ~size_t{1};
   if (head > 0 && head < bytes) addFew(head);
-  while (bytes >= kLine) {
-    fetchAhead(in);
-    for (size_t i = 0; i < kLine / sizeof(Vector); ++i, in += sizeof(Vector), bytes -= sizeof(Vector)) {
+  while (bytes >= kCacheLine) {
+    prefetch(in);
+    for (size_t i = 0; i < kCacheLine / sizeof(Vector); ++i, in += sizeof(Vector), bytes -= sizeof(Vector)) {
       Vector samples;
       __builtin_memcpy(&samples, in, sizeof samples);
       lanes.add(samples ^ flip);
-      __asm__("" : "+x"(lanes.all), "+x"(lanes.positive));  // kept in registers
+      __asm__("" : "+x"(lanes.all), "+x"(lanes.positive));  // keeps them in registers
     }
   }
   while (bytes > 0) addFew(bytes < sizeof(Vector) ? bytes : sizeof(Vector));

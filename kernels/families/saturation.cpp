@@ -1,4 +1,4 @@
-// Channels away from a pixel's own gray value, or towards it.
+// Moves channels away from a pixel's own gray value, or towards it.
 
 #include "kernels/families/vectors.h"
 
@@ -7,8 +7,7 @@ namespace {
 
 uint32_t clamped(int32_t value) { return static_cast<uint32_t>(value < 0 ? 0 : value > 255 ? 255 : value); }
 
-// How far a channel that is `distance` from gray moves to: distance * factor / 255, truncated toward zero,
-// the product wrapping.
+// The new distance from gray: distance * factor / 255. The product wraps; the quotient truncates toward zero.
 int32_t moved(int32_t distance, int32_t factor) {
   return static_cast<int32_t>(static_cast<uint32_t>(distance) * static_cast<uint32_t>(factor)) / 255;
 }
@@ -27,7 +26,7 @@ void saturateByAny(Pixel* out, const Pixel* in, size_t count, uint32_t top, int3
 // Each pixel's gray value in its lower three bytes.
 #ifdef __AVX2__
 Vector grayOf(Vector pixels) {
-  // 64 times the sum, whose second byte is a quarter of it.
+  // 64 times the weighted sum: its second byte is a quarter of the sum.
   const Vector sum =
       ZVR_VECTOR(madd_epi16)(ZVR_VECTOR(maddubs_epi16)(pixels, allPixels(0x102010)), allWords(4));
   const Vector second = allLanes(_mm_setr_epi8(1, 1, 1, 1, 5, 5, 5, 5, 9, 9, 9, 9, 13, 13, 13, 13));
@@ -43,17 +42,18 @@ Vector grayOf(Vector pixels) {
 }
 #endif
 
-// rest / 255 of distances, rounded down; rest is below 255. The multiplier in 65536ths is rounded up by less
-// than 1 / 65536, so products with distances up to 255 are less than 1 / 255 too high, and every quotient
-// lies at least that far below the next whole number.
+// distance * remainder / 255, rounded down; remainder is below 255. The multiplier in 65536ths is rounded up
+// by less than 1 / 65536, so products with distances up to 255 are less than 1 / 255 too high, and every
+// quotient lies at least that far below the next integer.
 struct Share {
   Words multiplier;
-  explicit Share(uint32_t rest) : multiplier(reinterpret_cast<Words>(allWords((rest * 65536 + 254) / 255))) {}
-  Words operator()(Words distance) const { return upperProducts(distance, multiplier); }
+  explicit Share(uint32_t remainder)
+      : multiplier(reinterpret_cast<Words>(allWords((remainder * 65536 + 254) / 255))) {}
+  Words operator()(Words distance) const { return multiplyHigh(distance, multiplier); }
 };
 
-// For factor = 255 * whole + rest, or its negative, `base`(pixels, gray) moved further by whole * distance +
-// rest / 255 of distance.
+// Moves base(pixels, gray) by further(distance), away from gray, or towards the other side for negative
+// factors. The caller splits the factor into 255 * whole + remainder.
 template <typename Base, typename Distance>
 void saturateBy(Pixel* out, const Pixel* in, size_t count, uint32_t top, bool isNegative, const Base& base,
                 const Distance& further) {
@@ -66,7 +66,7 @@ void saturateBy(Pixel* out, const Pixel* in, size_t count, uint32_t top, bool is
         const Vector distance = above | below;
         const Vector moved = packed(further(lowerWords(distance)), further(upperWords(distance)));
         const Vector isDown = reinterpret_cast<Vector>(reinterpret_cast<Bytes>(above) == 0) ^ flip;
-        // Downwards is upwards among complements.
+        // Saturating subtraction as addition to the complement.
         return ((ZVR_VECTOR(adds_epu8)(base(pixels, gray) ^ isDown, moved) ^ isDown) & color) | tops;
       });
 }

@@ -1,4 +1,4 @@
-// Finding a colour, and comparing spans by colour.
+// Finds a colour, and compares spans by colour.
 
 #include "kernels/families/reads.h"
 

@@ -5,13 +5,13 @@
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-uint32_t limited(uint32_t bits) {
+uint32_t clamped(uint32_t bits) {
   const int32_t value = static_cast<int32_t>(bits);
   const int32_t atLeast0 = value < 0 ? 0 : value;
   return static_cast<uint32_t>(atLeast0 > 255 ? 255 : atLeast0);
 }
 
-// Sums and products of extreme weights and tones wrap, as 32-bit integers do.
+// For any weights and tones: sums and products wrap in 32 bits.
 void sepiaByAny(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& toning) {
   const Sepia t = toning;
   for (size_t i = 0; i < count; ++i) {
@@ -19,17 +19,17 @@ void sepiaByAny(Pixel* out, const Pixel* in, size_t count, uint32_t top, const S
     const int32_t sum =
         static_cast<int32_t>((pixel >> 16 & 0xFF) * t.redWeight + (pixel >> 8 & 0xFF) * t.greenWeight +
                              (pixel & 0xFF) * t.blueWeight);
-    // Negative brightness is truncated toward zero too.
+
     const uint32_t brightness = static_cast<uint32_t>(sum / 1024);
-    out[i] = limited(t.red + brightness) << 16 | limited(t.green + brightness) << 8 |
-             limited(t.blue + brightness) | top;
+    out[i] = clamped(t.red + brightness) << 16 | clamped(t.green + brightness) << 8 |
+             clamped(t.blue + brightness) | top;
   }
 }
 
 bool isSmall(uint32_t bits) { return bits + 0x8000 < 0x10000; }
 
-// Weights and tones that fit 16 bits: so do all brightnesses, and sums with tones may saturate, because they
-// are limited further anyway.
+// For weights and tones that fit 16 bits: then every brightness does too, and sums with tones may saturate,
+// because the result is clamped to 0..255 anyway.
 void sepiaBySmall(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& t) {
   const Vector redAndBlue = allPixels(t.redWeight << 16 | (t.blueWeight & 0xFFFF));
   const Vector green = allPixels(t.greenWeight & 0xFFFF);
@@ -46,10 +46,10 @@ void sepiaBySmall(Pixel* out, const Pixel* in, size_t count, uint32_t top, const
         const auto odd = reinterpret_cast<Vector>(reinterpret_cast<Words>(pixels) >> 8);
         const Vector sum = ZVR_VECTOR(add_epi32)(ZVR_VECTOR(madd_epi16)(even, redAndBlue),
                                                  ZVR_VECTOR(madd_epi16)(odd, green));
-        // Truncated toward zero: of negative sums a little less is to be rounded down.
+        // Truncation toward zero: adds 1023 to negative sums before the shift.
         const Vector brightness = ZVR_VECTOR(srai_epi32)(
             ZVR_VECTOR(add_epi32)(sum, ZVR_VECTOR(srli_epi32)(ZVR_VECTOR(srai_epi32)(sum, 31), 22)), 10);
-        // Each brightness four times.
+        // Repeats each brightness four times.
         const Vector once = ZVR_VECTOR(packs_epi32)(brightness, brightness),
                      twice = ZVR_VECTOR(unpacklo_epi16)(once, once);
         const Vector result = packed(toned(ZVR_VECTOR(unpacklo_epi32)(twice, twice)),

@@ -1,4 +1,4 @@
-// Each channel through a lookup table.
+// Maps each channel through a lookup table.
 
 #include "kernels/families/vectors.h"
 
@@ -8,15 +8,15 @@ namespace kernels::ZVR_INSTRUCTION_SET {
 
 namespace {
 
-// Swaps bytes of two vectors: those of a that `right` has, with those of b that lie n bits further right.
+// Swaps the bytes of `a` selected by `right` with the bytes of `b` that lie n bits lower.
 void exchange(Vector& a, Vector& b, uint32_t n, __mmask64 right) {
   const Vector left = _mm512_maskz_slli_epi32(0xFFFF, b, n);
   b = _mm512_mask_blend_epi8(right, _mm512_maskz_srli_epi32(0xFFFF, a, n), b);
   a = _mm512_mask_blend_epi8(right, a, left);
 }
 
-// Byte j of each word of vector i and byte i of each word of vector j change places: pixels become channels,
-// and channels pixels.
+// Swaps byte j of each word of vector i with byte i of each word of vector j: pixels become channels, and
+// channels pixels.
 void transpose(Vector (&v)[4]) {
   constexpr __mmask64 kOdd = 0xAAAAAAAAAAAAAAAA, kUpper = 0xCCCCCCCCCCCCCCCC;
   exchange(v[0], v[1], 8, kOdd);
@@ -25,9 +25,9 @@ void transpose(Vector (&v)[4]) {
   exchange(v[1], v[3], 16, kUpper);
 }
 
-// The entries for 64 bytes. A table is four vectors, and an instruction looks up in two of them.
+// Looks up 64 bytes. A table fills four vectors; one instruction looks up in two of them.
 Vector lookUp(const uint8_t* table, Vector bytes) {
-  // Read where it lies: the compiler would rather bring all tables to the stack first.
+  // Reads the table in place: the compiler would rather copy all tables to the stack first.
   __asm__("" : "+r"(table));
   const auto quarter = [=](size_t i) {
     Vector entries;
@@ -56,7 +56,7 @@ void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t top, c
 
 #else
 
-// Gathering entries with vectors takes longer.
+// Scalar: gathering entries with vectors is slower.
 void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables) {
   const auto& placed = tables.placed;
   const auto mapped = [&](uint32_t pixel) {

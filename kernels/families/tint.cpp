@@ -1,10 +1,11 @@
 // A pixel's brightness, weighted by one base colour, spread in the proportions of another.
 //
-// What decides are weights rounded to double, extended precision behind them, and truncation. In whole
-// numbers a new channel is n / 65025, with n = N * s, N the weighted sum of the old channels and s the share
-// of the new one. The rounded quotient is another one only where n / 65025 is whole itself: everywhere else
-// it lies 2^26 times further from a whole number than rounding errs. So single precision finds most channels,
-// a test tells what is near a whole number, and the errors of the rounded weights tell there what comes out.
+// The reference result comes from weights rounded to double, arithmetic in extended precision, and
+// truncation. In exact arithmetic a new channel is n / 65025, with n = N * s, N the weighted sum of the old
+// channels and s the share of the new one. Rounding can change the truncated quotient only where n / 65025 is
+// an integer: everywhere else it lies 2^26 times further from one than the rounding error. So single
+// precision finds most channels, a test detects values near an integer, and the rounding errors of the
+// weights decide those.
 
 #include "kernels/families/vectors.h"
 
@@ -18,21 +19,21 @@ Floats allFloats(float value) { return ZVR_VECTOR(set1_ps)(value); }
 Floats toFloats(Vector ints) { return __builtin_convertvector(reinterpret_cast<Ints>(ints), Floats); }
 
 #if defined(__AVX512VBMI__)
-Floats lesser(Floats a, Floats b) { return _mm512_maskz_min_ps(0xFFFF, a, b); }
-Floats larger(Floats a, Floats b) { return _mm512_maskz_max_ps(0xFFFF, a, b); }
-Vector lesserWords(Vector a, Vector b) { return _mm512_min_epu16(a, b); }
+Floats min(Floats a, Floats b) { return _mm512_maskz_min_ps(0xFFFF, a, b); }
+Floats max(Floats a, Floats b) { return _mm512_maskz_max_ps(0xFFFF, a, b); }
+Vector minWords(Vector a, Vector b) { return _mm512_min_epu16(a, b); }
 bool isAnyLowerWordZero(Vector v) { return _mm512_testn_epi16_mask(v, v) & 0x55555555; }
 #elif defined(__AVX2__)
-Floats lesser(Floats a, Floats b) { return _mm256_min_ps(a, b); }
-Floats larger(Floats a, Floats b) { return _mm256_max_ps(a, b); }
-Vector lesserWords(Vector a, Vector b) { return _mm256_min_epu16(a, b); }
+Floats min(Floats a, Floats b) { return _mm256_min_ps(a, b); }
+Floats max(Floats a, Floats b) { return _mm256_max_ps(a, b); }
+Vector minWords(Vector a, Vector b) { return _mm256_min_epu16(a, b); }
 bool isAnyLowerWordZero(Vector v) {
   return _mm256_movemask_epi8(_mm256_cmpeq_epi16(v, Vector{})) & 0x33333333;
 }
 #else
-Floats lesser(Floats a, Floats b) { return _mm_min_ps(a, b); }
-Floats larger(Floats a, Floats b) { return _mm_max_ps(a, b); }
-Vector lesserWords(Vector a, Vector b) { return _mm_sub_epi16(a, _mm_subs_epu16(a, b)); }
+Floats min(Floats a, Floats b) { return _mm_min_ps(a, b); }
+Floats max(Floats a, Floats b) { return _mm_max_ps(a, b); }
+Vector minWords(Vector a, Vector b) { return _mm_sub_epi16(a, _mm_subs_epu16(a, b)); }
 bool isAnyLowerWordZero(Vector v) { return _mm_movemask_epi8(_mm_cmpeq_epi16(v, Vector{})) & 0x3333; }
 #endif
 
@@ -40,7 +41,7 @@ uint32_t redOf(uint32_t pixel) { return pixel >> 16 & 0xFF; }
 uint32_t greenOf(uint32_t pixel) { return pixel >> 8 & 0xFF; }
 uint32_t blueOf(uint32_t pixel) { return pixel & 0xFF; }
 
-// ---- What decides ----
+// ---- The reference ----
 
 uint32_t shade(long double brightness, uint32_t sepia) {
   const double weight = sepia / 255.0;
@@ -63,15 +64,15 @@ uint32_t remembered(Tint& tint, uint32_t pixel) {
   return known.result;
 }
 
-// ---- What the errors of the weights tell ----
+// ---- Rounding errors of the weights ----
 
-// By how many 2^-60 255ths v / 255 as a double is too large. That is a whole number, since such a double is
-// one in 2^-60, and at most 255 * 2^6 to either side.
+// The rounding error of v / 255 as a double, in units of 2^-60 / 255. It is an integer, since such a double
+// is a multiple of 2^-60, and at most 255 * 2^6 in magnitude.
 //
 // With e for a weight's error, the product of the rounded weights and the pixel is
 // (n + D * 2^-60 + less than 2^-60) / 65025 with D = s * (R * er + G * eg + B * eb) + N * es. Extended
-// precision errs by less than 3.01 * 2^-64 of it. So where n / 65025 is whole, a D above 0.19 * n + 1 leaves
-// it, one below -(0.19 * n + 1) gives one less, and between them only calculating step by step can tell.
+// precision adds a relative error below 3.01 * 2^-64. So where n / 65025 is an integer, it stays if D is
+// above 0.19 * n + 1, becomes one less if D is below -(0.19 * n + 1), and needs the reference in between.
 struct WeightErrors {
   int16_t of[256];
   constexpr WeightErrors() : of() {
@@ -85,9 +86,9 @@ constexpr WeightErrors kErrors;
 
 uint32_t commonDivisor(uint32_t a, uint32_t b) { return b == 0 ? a : commonDivisor(b, a % b); }
 
-// How to lean, in 65536ths, so that single precision is right near whole numbers, too: towards the side that
-// D is on. That is the same for all pixels where each of its parts is there, and counts where the values that
-// n takes lie far enough apart. 0 where it has to be told for each pixel.
+// A bias in 65536ths that makes single precision right near integers too: it has the sign of D. That works if
+// the sign is the same for all pixels, because each term of D has it, and if the values of n lie far enough
+// apart. 0 where each pixel needs its own decision.
 float leanOf(uint32_t gray, uint32_t sepia) {
   uint32_t distance = 65025;
   bool isUp = true, isDown = true, isExact = true;
@@ -108,7 +109,7 @@ float leanOf(uint32_t gray, uint32_t sepia) {
 
 // ---- Vectors ----
 
-// Weights as the products of bytes want them.
+// Weights in the layout of the multiply-add.
 struct Weights {
   Vector redBlue, green;
 
@@ -122,29 +123,29 @@ struct Weights {
   }
 };
 
-// What becomes of a brightness in one channel.
+// Maps a brightness to one channel.
 struct Share {
   Floats factor, lean, sepia, error;
 
   Share(uint32_t share, float itsLean)
-      // Up by the roundings to come: no value falls below a whole number that the exact one reaches, and none
-      // lies 4 65536ths above it.
+      // Rounded up to cover the rounding errors to come: no value falls below an integer that the exact one
+      // reaches, and none exceeds the exact one by 4 / 65536.
       : factor(allFloats(static_cast<float>(share * (65536 / 65025.0 * (1 + 0x1p-23))))),
         lean(allFloats(itsLean)),
         sepia(allFloats(static_cast<float>(share))),
         error(allFloats(kErrors.of[share])) {}
 
-  // In 65536ths.
+  // The channel in 65536ths.
   Pixels of(Floats brightness) const {
-    const Floats value = lesser(brightness * factor + lean, allFloats(255.5F * 65536));
+    const Floats value = min(brightness * factor + lean, allFloats(255.5F * 65536));
     return reinterpret_cast<Pixels>(__builtin_convertvector(value, Ints));
   }
-  // Whole, with all bits of `unsure` set where it may be one too high or too low.
+  // The channel as an integer; sets all bits of `unsure` where it may be off by one.
   Pixels decided(Floats brightness, Floats weightErrors, Ints& unsure) const {
     const Pixels value = of(brightness) >> 16;
-    const Floats rest = brightness * sepia - toFloats(reinterpret_cast<Vector>(value)) * 65025;
-    // Where the rest is 0 this is D, give or take 1000; elsewhere it is beyond any D.
-    const Floats side = rest * 0x1p40F + (weightErrors * sepia + brightness * error);
+    const Floats remainder = brightness * sepia - toFloats(reinterpret_cast<Vector>(value)) * 65025;
+    // Where the remainder is 0 this is D, within 1000; elsewhere it exceeds any D.
+    const Floats side = remainder * 0x1p40F + (weightErrors * sepia + brightness * error);
     constexpr float kSure = 0x1p22F;  // above 0.19 * n for all n that matter
     unsure |= (side < kSure) & (side > -kSure);
     return value + reinterpret_cast<Pixels>(side < 0);
@@ -163,11 +164,11 @@ struct Toner {
         green(greenOf(t.sepia), t.lean[1]),
         blue(blueOf(t.sepia), t.lean[2]) {}
 
-  // At least 128: what is below gives 0 in all channels, and so does 128, but it is not near a whole number.
-  Floats brightnessOf(Vector pixels) const { return larger(weights.sum(pixels), allFloats(128)); }
+  // At least 128: lower values give 0 in all channels, as 128 does, but 128 is not near an integer.
+  Floats brightnessOf(Vector pixels) const { return max(weights.sum(pixels), allFloats(128)); }
 };
 
-// For vectors with channels near whole numbers.
+// For vectors with a channel near an integer.
 [[gnu::noinline]] Vector decide(Vector pixels, const Toner& toner, uint32_t top, Tint& tint) {
   const Floats brightness = toner.brightnessOf(pixels), errors = toner.errors.sum(pixels);
   Ints unsure{};
@@ -197,8 +198,8 @@ void tint(Pixel* out, const Pixel* in, size_t count, uint32_t top, Tint& tint) {
         const Pixels red = toner.red.of(brightness), green = toner.green.of(brightness),
                      blue = toner.blue.of(brightness);
         const Vector nearest =
-            lesserWords(lesserWords(reinterpret_cast<Vector>(red), reinterpret_cast<Vector>(green)),
-                        reinterpret_cast<Vector>(blue));
+            minWords(minWords(reinterpret_cast<Vector>(red), reinterpret_cast<Vector>(green)),
+                     reinterpret_cast<Vector>(blue));
         if (isAnyLowerWordZero(ZVR_VECTOR(subs_epu16)(nearest, allWords(3))))
           return decide(pixels, toner, top, tint);
         return reinterpret_cast<Vector>((red & 0xFF0000) | (green >> 8 & 0xFF00) | blue >> 16 | top);

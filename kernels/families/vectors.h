@@ -1,9 +1,9 @@
-// The widest vectors of the instruction set that a kernel is being compiled for, so that an algorithm is
-// written once. Lanes of each width add, multiply, shift and compare by the usual operators; ZVR_VECTOR names
-// the intrinsics that all instruction sets have in common.
+// The widest vectors of the instruction set being compiled for, so that each algorithm is written once. Lanes
+// of each width add, multiply, shift and compare with the usual operators; ZVR_VECTOR names the intrinsics
+// that all instruction sets share.
 #pragma once
 
-// GCC 12 takes the undefined vectors that some of its own definitions name for mistakes.
+// GCC 12 warns about the deliberately undefined vectors in its own headers.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wuninitialized"
 #if !defined(__clang__)
@@ -40,7 +40,7 @@ constexpr size_t kPixels = sizeof(Vector) / sizeof(Pixel);
 
 inline Vector allPixels(uint32_t word) { return ZVR_VECTOR(set1_epi32)(static_cast<int32_t>(word)); }
 inline Vector allWords(uint32_t word) { return ZVR_VECTOR(set1_epi16)(static_cast<int16_t>(word)); }
-// The same in each 128 bits.
+// The same 128 bits in each 128-bit lane.
 inline Vector allLanes(__m128i lane) {
 #if defined(__AVX512VBMI__)
   return _mm512_maskz_broadcast_i32x4(0xFFFF, lane);
@@ -51,8 +51,8 @@ inline Vector allLanes(__m128i lane) {
 #endif
 }
 
-// Words from the lower and the upper half of each 128 bits of `low`, with `high` above; and back, words above
-// 255 as 255.
+// Interleaves the lower or upper half of each 128-bit lane: bytes of `low` become the low bytes of words,
+// bytes of `high` the high bytes. `packed` is the inverse and saturates words above 255 to 255.
 inline Words lowerWords(Vector low, Vector high = Vector{}) {
   return reinterpret_cast<Words>(ZVR_VECTOR(unpacklo_epi8)(low, high));
 }
@@ -62,23 +62,23 @@ inline Words upperWords(Vector low, Vector high = Vector{}) {
 inline Vector packed(Words lower, Words upper) {
   return ZVR_VECTOR(packus_epi16)(reinterpret_cast<Vector>(lower), reinterpret_cast<Vector>(upper));
 }
-// The upper halves of the products.
-inline Words upperProducts(Words a, Words b) {
+// The high 16 bits of each product.
+inline Words multiplyHigh(Words a, Words b) {
   return reinterpret_cast<Words>(
       ZVR_VECTOR(mulhi_epu16)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
 }
 
-constexpr size_t kLine = 64;  // bytes of a cache line
-// What fetches ahead by itself stops at the end of a page; this is far enough to have the next ones at hand.
-constexpr size_t kAhead = 16384;
-// From this many pixels on a result is written past the caches. Smaller ones are faster in them.
-constexpr size_t kStreamedPixels = 3 << 20;
+constexpr size_t kCacheLine = 64;  // bytes
+// The hardware prefetcher stops at the end of a page; this distance reaches the pages after it. In bytes.
+constexpr size_t kPrefetchDistance = 16384;
+// Results of at least this many pixels use streaming stores. Smaller ones are faster in the caches.
+constexpr size_t kStreamingThreshold = 3 << 20;
 
-inline void fetchAhead(const void* at, size_t ahead = kAhead) {
+inline void prefetch(const void* at, size_t ahead = kPrefetchDistance) {
   __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
 }
 
-// Past the caches, to an address that is a multiple of the vector's size.
+// A non-temporal store. `to` must be aligned to the vector's size.
 inline void stream(void* to, Vector vector) {
 #if defined(__AVX512VBMI__)
   _mm512_stream_si512(static_cast<Vector*>(to), vector);
@@ -89,11 +89,12 @@ inline void stream(void* to, Vector vector) {
 #endif
 }
 
-// Pixels go through maps in blocks of n vectors: map(Vector (&)[n]) changes them.
+// Maps work on blocks of n vectors: map(Vector (&)[n]) changes a block in place.
 //
-// Fewer pixels than a block has, through `map` in a block of their own.
+// Maps fewer pixels than a block holds, in a padded block of their own.
 template <size_t n, typename Map>
-__attribute__((always_inline)) inline void mapFew(Pixel* out, const Pixel* in, size_t count, const Map& map) {
+__attribute__((always_inline)) inline void mapPartial(Pixel* out, const Pixel* in, size_t count,
+                                                      const Map& map) {
   Vector block[n] = {};
 #if defined(__AVX512VBMI__)
   if constexpr (n == 1) {
@@ -108,44 +109,45 @@ __attribute__((always_inline)) inline void mapFew(Pixel* out, const Pixel* in, s
   __builtin_memcpy(out, block, count * sizeof *out);
 }
 
-// out[i] from in[i], block by block; `past` the caches, where `out` begins with a line.
+// out[i] from in[i], block by block. `streaming`: uses streaming stores; `out` must be cache-line aligned.
 template <size_t n, typename Map>
-__attribute__((always_inline)) inline void mapBlocks(Pixel* out, const Pixel* in, size_t count, bool past,
-                                                     const Map& map) {
+__attribute__((always_inline)) inline void mapBlocks(Pixel* out, const Pixel* in, size_t count,
+                                                     bool streaming, const Map& map) {
   for (; count >= n * kPixels; count -= n * kPixels, in += n * kPixels, out += n * kPixels) {
     Vector block[n];
     for (size_t i = 0; i < n; ++i) {
       __builtin_memcpy(&block[i], in + i * kPixels, sizeof block[i]);
-      // Read once: the compiler would rather read memory again, and across cache lines, than spill.
+      // Keeps the block in registers: the compiler would rather load it again than spill.
       __asm__("" : "+x"(block[i]));
-      if (past) fetchAhead(in + i * kPixels);
+      if (streaming) prefetch(in + i * kPixels);
     }
     map(block);
     for (size_t i = 0; i < n; ++i) {
-      if (past) {
+      if (streaming) {
         stream(out + i * kPixels, block[i]);
       } else {
         __builtin_memcpy(out + i * kPixels, &block[i], sizeof block[i]);
       }
     }
   }
-  if (count > 0) mapFew<n>(out, in, count, map);
+  if (count > 0) mapPartial<n>(out, in, count, map);
 }
 
-// The same, past the caches where that is faster: while there is something to calculate, only if much is
-// written and one vector is a whole line.
+// The same, with streaming stores where they are faster: for maps that do some arithmetic, only if the result
+// is large and one vector is a whole cache line.
 template <size_t n, typename Map>
 __attribute__((always_inline)) inline void mapBlocks(Pixel* out, const Pixel* in, size_t count,
                                                      const Map& map) {
-  const uintptr_t misplaced = reinterpret_cast<uintptr_t>(out) % kLine;
-  const bool past = sizeof(Vector) == kLine && count >= kStreamedPixels && misplaced % sizeof(Pixel) == 0;
-  const size_t head = past ? (kLine - misplaced) % kLine / sizeof(Pixel) : 0;
-  if (head > 0) mapFew<n>(out, in, head, map);
-  mapBlocks<n>(out + head, in + head, count - head, past, map);
-  if (past) _mm_sfence();  // other threads see the result in order
+  const uintptr_t misalignment = reinterpret_cast<uintptr_t>(out) % kCacheLine;
+  const bool streaming =
+      sizeof(Vector) == kCacheLine && count >= kStreamingThreshold && misalignment % sizeof(Pixel) == 0;
+  const size_t head = streaming ? (kCacheLine - misalignment) % kCacheLine / sizeof(Pixel) : 0;
+  if (head > 0) mapPartial<n>(out, in, head, map);
+  mapBlocks<n>(out + head, in + head, count - head, streaming, map);
+  if (streaming) _mm_sfence();  // orders the streaming stores for other threads
 }
 
-// Blocks of one vector: map(pixels) gives the new ones.
+// Blocks of one vector: map(pixels) returns the new pixels.
 template <typename Map>
 __attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count,
                                                       const Map& map) {

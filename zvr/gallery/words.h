@@ -9,7 +9,7 @@
 namespace zvr::gallery {
 
 // "zvr COMMAND WORD... -o OUTPUT", quoted where a shell needs it; no option for an empty output. Where a word
-// reads as an option, words stand last and behind --.
+// reads as an option, words come last and after --.
 std::string shellLine(const std::string& command, const std::vector<std::string>& words,
                       const std::string& output);
 // The steps as statements; the input is `photo`, files are variables of their names.
