@@ -12,8 +12,10 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <regex>
 #include <set>
+#include <tuple>
 
 #include "tests/support.h"
 
@@ -108,10 +110,10 @@ std::vector<std::string> targetsIn(const fs::path& page) {
 
 // ---- Members ----
 
-// A page's family of members: for each name the declarations as registered, and whether it is console-safe.
+// A page's family of members: for each name the declarations as registered, and whether all are console-safe.
 struct Member {
   Lines declarations;
-  bool isConsoleSafe = false;
+  bool isConsoleSafe = true;
 };
 using Members = std::map<std::string, Member>;
 
@@ -120,7 +122,7 @@ Members membersOf(const std::vector<host::Method>& methods) {
   for (const host::Method& method : methods) {
     Member& member = members[method.declaration.name];
     member.declarations.push_back(method.text);
-    member.isConsoleSafe = method.consoleSafe();
+    member.isConsoleSafe = member.isConsoleSafe && method.consoleSafe();
   }
   return members;
 }
@@ -143,16 +145,20 @@ Member propertiesOf(const host::Class& type) {
   Member member;
   for (const host::Property& property : type.properties) {
     member.declarations.push_back(property.name + " as " + property.type);
+    member.isConsoleSafe = member.isConsoleSafe && (property.flags & kFlagConsoleSafe) != 0;
   }
   return member;
 }
 
-void checkConsoleSafety(const Section& section, const Member& member) {
+// A section's claim, or the page's on all its members.
+std::optional<bool> claimsConsoleSafety(const Section& section) {
+  static const std::regex kYes(R"(\*\*Console-safe\.\*\* Yes|(^|\. |are )[Cc]onsole-safe\.)"),
+      kNo(R"(\*\*Console-safe\.\*\* No|Not console-safe)");
   for (const std::string& line : section.text) {
-    const size_t claim = line.find("**Console-safe.**");
-    if (claim == std::string::npos) continue;
-    EXPECT_EQ(line.find(" Yes", claim) != std::string::npos, member.isConsoleSafe) << section.heading;
+    if (std::regex_search(line, kNo)) return false;
+    if (std::regex_search(line, kYes)) return true;
   }
+  return std::nullopt;
 }
 
 // Every section of the second level describes one member, which is then crossed off.
@@ -165,7 +171,9 @@ void checkSections(const fs::path& page, const std::vector<Section>& sections, M
       continue;
     }
     EXPECT_EQ(declarationsOf(section), found->second.declarations) << page << ": " << section.heading;
-    checkConsoleSafety(section, found->second);
+    const std::optional<bool> own = claimsConsoleSafety(section);
+    EXPECT_EQ(own ? own : claimsConsoleSafety(sections[1]), found->second.isConsoleSafe)
+        << page << ": " << section.heading;
     members.erase(found);
   }
 }
@@ -196,32 +204,47 @@ TEST_F(Manual, describesEveryMemberAsRegistered) {
   }
 }
 
-// Name, forms and console safety in the index's rows: | [Name](page) | forms | ... | yes |
+// The purposes of methods by their sections: <!-- index PURPOSE -->
+std::map<std::string, std::string> purposes() {
+  static const std::regex kComment("<!-- index (.+) -->");
+  std::map<std::string, std::string> purposes;
+  for (const fs::path& page : manualPages()) {
+    for (const Section& section : parsePage(page)) {
+      std::smatch match;
+      for (const std::string& line : section.text) {
+        if (std::regex_match(line, match, kComment)) purposes[section.heading] = match[1];
+      }
+    }
+  }
+  return purposes;
+}
+
+// Name, forms, purpose and console safety in the index's rows: | [Name](page) | forms | on | purpose | ... |
+// yes |
 TEST_F(Manual, indexListsEveryMember) {
-  struct Row {
-    size_t forms;
-    bool isConsoleSafe;
-    bool operator==(const Row& o) const { return forms == o.forms && isConsoleSafe == o.isConsoleSafe; }
-  };
+  using Row = std::tuple<size_t, bool, std::string>;
   std::map<std::string, Row> expected, listed;
+  std::map<std::string, std::string> says = purposes();
   for (const auto& [name, member] : methodsWithoutClass()) {
-    expected[name] = {member.declarations.size(), member.isConsoleSafe};
+    expected[name] = {member.declarations.size(), member.isConsoleSafe, says[name]};
   }
   for (const host::Class& type : host::members().classes) {
-    expected[type.name] = {0, (type.flags & kFlagConsoleSafe) != 0};
+    expected[type.name] = {0, (type.flags & kFlagConsoleSafe) != 0, ""};
   }
-  static const std::regex kRow(R"(\| \[(\w+)\]\(\S+\) \| (\d*|class) \|.* (yes|no) \|)");
+  static const std::regex kRow(
+      R"(\| \[(\w+)\]\(\S+\) \| (\d*|class) \|(?: \w+)? \| (.*) \| .* \| (yes|no) \|)");
   for (const Section& section : parsePage(kIndex)) {
     for (const std::string& line : section.text) {
       std::smatch match;
       if (!std::regex_match(line, match, kRow)) continue;
       const size_t forms = match[2] == "class" ? 0 : std::stoul(match[2]);
-      EXPECT_TRUE(listed.emplace(match[1], Row{forms, match[3] == "yes"}).second) << line;
+      const std::string purpose = forms > 0 ? match[3].str() : "";
+      EXPECT_TRUE(listed.emplace(match[1], Row{forms, match[4] == "yes", purpose}).second) << line;
     }
   }
   for (const auto& [name, row] : expected) {
     ASSERT_EQ(listed.count(name), 1u) << name;
-    EXPECT_TRUE(listed[name] == row) << name << ": forms or console safety";
+    EXPECT_TRUE(listed[name] == row) << name << ": run scripts/manual_images.sh";
   }
   EXPECT_EQ(listed.size(), expected.size());
 }

@@ -176,6 +176,7 @@ Material prepare(const GalleryOptions& own, const Files& files, std::string& not
                      {"part", files.part},
                      {"table", files.table},
                      {"samples", files.samples},
+                     {"look", files.look},
                      {"common", commonColor(material.photo)},
                      {"columns", std::to_string(columnsFor(sound))},
                      {"bits", std::to_string(sound.bits)}};
@@ -189,7 +190,7 @@ Card cardWithoutCall(const host::Method& method) {
   card.name = card.call = method.declaration.name;
   card.signature = method.text;
   card.isConsoleSafe = method.consoleSafe();
-  card.problem = "No example yet: host/zvr/gallery_examples.cpp has no call of it.";
+  card.problem = "No example yet: its section in docs/manual has no <!-- gallery … --> line.";
   return card;
 }
 
@@ -197,14 +198,12 @@ Card cardWithoutCall(const host::Method& method) {
 std::vector<Group> methodGroups(Stage& stage, terminal::Progress& progress) {
   std::vector<Group> groups;
   std::set<const host::Method*> shown;
-  for (const gallery::Family& family : gallery::families()) {
-    groups.push_back({family.title, {}});
-    for (const gallery::Example& example : family.examples) {
-      const std::optional<Chain> chain = stage.parse(example);
-      if (!chain) continue;
-      groups.back().cards.push_back(stage.show(*chain, example));
-      if (shown.insert(chain->steps.back().method).second) progress.advance();
-    }
+  for (const gallery::Example& example : gallery::examples()) {
+    const std::optional<Chain> chain = stage.parse(example);
+    if (!chain) continue;
+    if (groups.empty() || groups.back().title != example.family) groups.push_back({example.family, {}});
+    groups.back().cards.push_back(stage.show(*chain, example));
+    if (shown.insert(chain->steps.back().method).second) progress.advance();
   }
   Group others{"Others", {}};
   for (const auto* methods : {&host::members().pictureMethods, &host::members().globals}) {
@@ -220,11 +219,12 @@ std::vector<Group> methodGroups(Stage& stage, terminal::Progress& progress) {
 
 Group classGroup(Stage& stage, terminal::Progress& progress) {
   Group group{"Filter classes", {}};
+  const std::vector<gallery::Example> examples = gallery::examples();
   for (const host::Class& type : host::members().classes) {
-    const auto& examples = gallery::classExamples();
-    const auto example = std::find_if(examples.begin(), examples.end(), [&](const auto& candidate) {
-      return host::equalNames(candidate.name, type.name);
-    });
+    const auto example =
+        std::find_if(examples.begin(), examples.end(), [&](const gallery::Example& candidate) {
+          return host::equalNames(candidate.words.substr(0, candidate.words.find(' ')), type.name);
+        });
     group.cards.push_back(stage.show(type, example == examples.end() ? nullptr : &*example));
     progress.advance();
   }

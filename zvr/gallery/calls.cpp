@@ -283,14 +283,16 @@ Card Stage::show(const Chain& chain, const Example& example) {
   return card;
 }
 
-Card Stage::show(const host::Class& type, const ClassExample* example) {
+Card Stage::show(const host::Class& type, const Example* example) {
   Card card;
   card.name = card.call = type.name;
   card.signature = "Class " + type.name;
   card.says = example ? example->says : "";
   card.isConsoleSafe = (type.flags & kFlagConsoleSafe) != 0;
-  const bool isLook = example && example->isLook;
-  const std::vector<std::string> settings = example ? wordsOf(example->settings) : wordsOf("");
+  std::vector<std::string> settings = wordsOf(example ? example->words : type.name);
+  settings.erase(settings.begin());
+  const bool isLook = settings == std::vector<std::string>{material_.lookPath};
+  if (isLook) settings.clear();
   std::vector<std::string> words;
   if (!isLook) words.push_back(type.name);
   words.push_back(material_.photoPath);

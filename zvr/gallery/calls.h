@@ -28,12 +28,13 @@ class Stage {
   // Keeps the reference.
   explicit Stage(const Material& material);
 
-  // An example of a registered method, as words of `zvr apply`; nothing when its method is not registered.
+  // An example of a registered method, as words of `zvr apply`; nothing for a class, or when its
+  // method is not registered.
   std::optional<Chain> parse(const Example& example) const;
   // The last step is shown and measured. A failure of a call becomes the card's problem.
   Card show(const Chain& chain, const Example& example);
   // A class, with its example or none.
-  Card show(const host::Class& type, const ClassExample* example);
+  Card show(const host::Class& type, const Example* example);
   // The quickest plain copy of the photograph's bytes.
   double copyMilliseconds();
 

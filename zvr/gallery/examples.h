@@ -1,4 +1,6 @@
-// The gallery's examples: for each registered member a call with its arguments, and a sentence.
+// The gallery's examples: for each registered member a call with its arguments, and a sentence. They stand in
+// the manual's sections:
+//   <!-- gallery PLACE FAMILY: WORDS | SENTENCE -->
 #pragma once
 
 #include <map>
@@ -7,26 +9,17 @@
 
 namespace zvr::gallery {
 
-// Words of `zvr apply`, the input first; the method is the last step's. {photo}, {other}, {part}, {table} and
-// {samples} are files, {common} is a colour of the photograph, {x25} a quarter of its width and {y25} of its
-// height.
 struct Example {
-  const char *words, *says;
+  int place;           // a number that orders the page
+  std::string family;  // methods that belong together; the heading of a group
+  // Words of `zvr apply`, the input first; the method is the last step's. {photo}, {other}, {part}, {table}
+  // and {samples} are files, {common} is a colour of the photograph, {x25} a quarter of its width and {y25}
+  // of its height. Of a class: its name and PROPERTY=VALUE, as in `zvr run`, or {look}, which fills its table
+  // as in `zvr lut`.
+  std::string words, says;
 };
-// Methods that belong together, under a heading of the page.
-struct Family {
-  const char* title;
-  std::vector<Example> examples;
-};
-const std::vector<Family>& families();
-
-// Words of `zvr run CLASS {photo}` after the input: PROPERTY=VALUE. `look`: instead {look} fills its table,
-// as in `zvr lut`.
-struct ClassExample {
-  const char *name, *settings, *says;
-  bool isLook;
-};
-const std::vector<ClassExample>& classExamples();
+// By their places.
+std::vector<Example> examples();
 
 // The words of an example. Names in braces are replaced from `fields`, or by shares of `width` and `height`.
 std::vector<std::string> filledWords(const std::string& words,

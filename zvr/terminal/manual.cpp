@@ -4,6 +4,7 @@
 #include <regex>
 #include <set>
 #include <sstream>
+#include <string_view>
 
 #include "host/declarations.h"
 
@@ -16,11 +17,16 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
+constexpr std::string_view kCommentBegin = "<!-- ", kCommentEnd = " -->";
+
+bool isComment(const std::string& line) { return line.compare(0, kCommentBegin.size(), kCommentBegin) == 0; }
+
 Lines manualText() {
   Lines lines;
   std::istringstream text(kManual);
   const std::string wayBack = "[All methods](README.md)";  // a link that leads nowhere in a terminal
   for (std::string line; std::getline(text, line);) {
+    if (isComment(line)) continue;
     if (const size_t at = line.find(wayBack); at != std::string::npos) line.erase(at, wayBack.size());
     lines.push_back(line);
   }
@@ -108,6 +114,18 @@ std::vector<std::string> manualLines(const std::string& heading, size_t width) {
     return renderMarkdown(text, width);
   }
   return {};
+}
+
+std::vector<std::string> manualNotes(const std::string& kind) {
+  Lines notes;
+  std::istringstream text(kManual);
+  const size_t before = kCommentBegin.size() + kind.size() + 1, around = before + kCommentEnd.size();
+  for (std::string line; std::getline(text, line);) {
+    const bool isOfKind = isComment(line) && line.size() >= around &&
+                          line.compare(kCommentBegin.size(), kind.size() + 1, kind + ' ') == 0;
+    if (isOfKind) notes.push_back(line.substr(before, line.size() - around));
+  }
+  return notes;
 }
 
 }  // namespace zvr

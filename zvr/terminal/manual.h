@@ -11,6 +11,10 @@ namespace zvr {
 // declarations that open a method's section are left out. Nothing for a heading that the manual lacks.
 std::vector<std::string> manualLines(const std::string& heading, size_t width);
 
+// What the manual's comments of a kind hold, each in a line of its own: <!-- KIND TEXT -->. They are not part
+// of the text for a terminal.
+std::vector<std::string> manualNotes(const std::string& kind);
+
 // Markdown as lines for a terminal: paragraphs filled to `width`, tables in columns, code as it is; without
 // images.
 std::vector<std::string> renderMarkdown(const std::vector<std::string>& lines, size_t width);
