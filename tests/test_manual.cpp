@@ -110,10 +110,11 @@ std::vector<std::string> targetsIn(const fs::path& page) {
 
 // ---- Members ----
 
-// A page's family of members: for each name the declarations as registered, and whether all are console-safe.
+// A page's family of members: for each name the declarations as registered, and whether all are console-safe
+// or none.
 struct Member {
   Lines declarations;
-  bool isConsoleSafe = true;
+  bool isConsoleSafe = false;
 };
 using Members = std::map<std::string, Member>;
 
@@ -121,8 +122,9 @@ Members membersOf(const std::vector<host::Method>& methods) {
   Members members;
   for (const host::Method& method : methods) {
     Member& member = members[method.declaration.name];
+    EXPECT_TRUE(member.declarations.empty() || member.isConsoleSafe == method.consoleSafe()) << method.text;
     member.declarations.push_back(method.text);
-    member.isConsoleSafe = member.isConsoleSafe && method.consoleSafe();
+    member.isConsoleSafe = method.consoleSafe();
   }
   return members;
 }
@@ -144,8 +146,10 @@ const host::Class* classNamed(const std::string& name) {
 Member propertiesOf(const host::Class& type) {
   Member member;
   for (const host::Property& property : type.properties) {
+    const bool isConsoleSafe = (property.flags & kFlagConsoleSafe) != 0;
+    EXPECT_TRUE(member.declarations.empty() || member.isConsoleSafe == isConsoleSafe) << property.name;
     member.declarations.push_back(property.name + " as " + property.type);
-    member.isConsoleSafe = member.isConsoleSafe && (property.flags & kFlagConsoleSafe) != 0;
+    member.isConsoleSafe = isConsoleSafe;
   }
   return member;
 }
