@@ -63,8 +63,8 @@ void* REALGetEventInstance(REALcontrolStruct* control, REALevent* event) {
   static HostEntry<void*(REALcontrolStruct*, void*)> entry{"GetEventInstance"};
   void* word = event->forOldHosts;
   if (CurrentREALControlVersion == kOldLayoutVersion) {
-    // On these hosts the record's second word points to its copy in the old layout, and the event's own second
-    // word is in that copy.
+    // On these hosts the record's second word points to its copy in the old layout, and the event's own
+    // second word is in that copy.
     word = reinterpret_cast<void*>(static_cast<REALoldEvent*>(word)->words[1]);
   }
   return entry(control, word);
