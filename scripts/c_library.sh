@@ -18,17 +18,18 @@ ensureCLibrary() {
 
 # fetchCLibrary FOLDER SUITE PACKAGE…: under the cache's lock and in a subshell.
 fetchCLibrary() {
-  local folder=$1 suite=$2 partial=$1.partial deb library symbols
+  local folder=$1 suite=$2 partial=$1.partial packages=("${@:3}") deb library symbols
   removeOnExit "$partial"
   rm -rf "$partial"
   mkdir -p "$partial/.debug"
   say "Fetching the 32-bit C library of Debian $suite into $folder"
   preparePrivateApt 'The rest works without it.' "$suite"
-  (cd "$partial" && quietly privateApt download "${@:3}") || fail "Could not fetch ${*:3}."
+  # By the suite's name: our apt counts some of them as installed.
+  (cd "$partial" && quietly privateApt download "${packages[@]/%//$suite}") || fail "Could not fetch ${packages[*]}."
   for deb in "$partial"/*.deb; do
     dpkg-deb --fsys-tarfile "$deb" | tar -x -C "$partial" --no-same-owner || fail "Could not unpack $deb."
   done
-  mv "$partial"/lib/i386-linux-gnu/* "$partial" || fail "No C library is in ${*:3} of Debian $suite."
+  mv "$partial"/lib/i386-linux-gnu/* "$partial" || fail "No C library is in ${packages[*]} of Debian $suite."
   for library in "$partial"/*.so.*; do
     symbols=$(readelf -p .gnu_debuglink "$library" 2> /dev/null | grep -o '[0-9a-f]*\.debug') || continue
     cp "$partial"/usr/lib/debug/.build-id/??/"$symbols" "$partial/.debug" 2> /dev/null || true
