@@ -83,10 +83,12 @@ struct Walk {
 };
 template <typename... Editors>
 Walk walkOf(const Region& region, const Editors&... editors) {
-  const auto width = static_cast<size_t>(region.right - region.left);
-  const int32_t height = region.bottom - region.top;
-  return (areContiguous(editors, region) && ...) ? Walk{width * static_cast<size_t>(height), 1}
-                                                 : Walk{width, height};
+  // Offsets within a row are signed, so a row takes up less than half the address space.
+  constexpr auto kLongest = static_cast<int64_t>(INT32_MAX / sizeof(kernels::Pixel));
+  const int32_t width = region.right - region.left, height = region.bottom - region.top;
+  const bool isOneRow = int64_t{width} * height <= kLongest && (areContiguous(editors, region) && ...);
+  return isOneRow ? Walk{static_cast<size_t>(width) * static_cast<size_t>(height), 1}
+                  : Walk{static_cast<size_t>(width), height};
 }
 
 template <typename Kernel, size_t... i>

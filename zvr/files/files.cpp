@@ -105,6 +105,10 @@ std::vector<uint8_t> readFile(const std::string& path) {
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   // Past 2 GB a 32-bit program can't open a file at all.
   if (file.number() < 0) fail(path, errno == EOVERFLOW ? EFBIG : errno);
+  struct stat about;
+  if (fstat(file.number(), &about) == 0 && S_ISREG(about.st_mode) && about.st_size > off_t{kLargest}) {
+    fail(path, EFBIG);
+  }
   std::vector<uint8_t> bytes;
   for (;;) {
     const size_t size = bytes.size();

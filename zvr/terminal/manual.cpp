@@ -1,7 +1,6 @@
 #include "zvr/terminal/manual.h"
 
 #include <algorithm>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string_view>
@@ -81,11 +80,12 @@ Lines withoutDeclarations(const Lines& lines) {
 
 // The topics of the manual's first page that the text refers to.
 std::string topicsIn(const Lines& lines) {
-  static const std::regex kLink(R"(\(README\.md#([\w-]+)\))");
+  const std::string link = "(README.md#";
   std::set<std::string> topics;
   for (const std::string& line : lines) {
-    for (std::sregex_iterator match(line.begin(), line.end(), kLink), end; match != end; ++match) {
-      topics.insert((*match)[1]);
+    for (size_t at = 0; (at = line.find(link, at)) != std::string::npos;) {
+      at += link.size();
+      topics.insert(line.substr(at, line.find(')', at) - at));
     }
   }
   std::string text;
