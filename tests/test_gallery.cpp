@@ -159,6 +159,9 @@ TEST_F(Gallery, linesRun) {
 // They call every method in each of its forms. All kinds of host that can be had here give the same answers
 // and files, except where pixels are copies: nothing is moved in place there, and the first row is lost.
 TEST_F(Gallery, linesRunOnEveryKindOfHost) {
+#ifdef ZVR_SANITIZED
+  GTEST_SKIP() << "the case before runs the same lines";
+#endif
   fs::copy(folder_ / "photo.png", folder_ / "InvertZVR");
   const char* display = std::getenv("DISPLAY");
   for (const std::string& line : linesOn(make({}, "InvertZVR"))) {

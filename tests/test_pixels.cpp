@@ -5,7 +5,11 @@
 
 namespace {
 
+#ifdef ZVR_SANITIZED
+constexpr int kRounds = 40;
+#else
 constexpr int kRounds = 120;
+#endif
 
 class EveryPixel : public HostTest, public ::testing::WithParamInterface<PixelModel> {};
 
