@@ -287,7 +287,7 @@ constexpr int32_t kFactorStep = 1;
 constexpr uint32_t kTintStep = 11;
 constexpr bool kAlsoInPlace = true;
 #else
-constexpr uint32_t kSingleStep = 61, kSpanStep = 5 * 4096;
+constexpr uint32_t kSingleStep = 613, kSpanStep = 41 * 4096;
 constexpr int32_t kFactorStep = 41;
 constexpr uint32_t kTintStep = 101;
 constexpr bool kAlsoInPlace = false;

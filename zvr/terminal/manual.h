@@ -11,7 +11,7 @@ namespace zvr {
 // declarations that open a method's section are left out. Nothing for a heading that the manual lacks.
 std::vector<std::string> manualLines(const std::string& heading, size_t width);
 
-// What the manual's comments of a kind hold, each in a line of its own: <!-- KIND TEXT -->. They are not part
+// The texts of the manual's comments of a kind, each in a line of its own: <!-- KIND TEXT -->. They are not part
 // of the text for a terminal.
 std::vector<std::string> manualNotes(const std::string& kind);
 
