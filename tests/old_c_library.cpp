@@ -63,9 +63,11 @@ Picture* from(REALobjectStruct* object) { return static_cast<Picture*>(object); 
 
 double version() { return 2013.03; }
 
-void registerMethod(REALmethodDefinition* method) {
-  if (strcmp(method->declaration, "InvertZVR as picture") == 0) {
-    invert = reinterpret_cast<REALpictureStruct* (*)(REALpictureStruct*)>(method->function);
+void registerExtension(REALclassDefinition* extension) {
+  for (int32_t i = 0; i < extension->methodCount; ++i) {
+    const REALmethodDefinition& method = extension->methods[i];
+    if (strcmp(method.declaration, "InvertZVR as picture") != 0) continue;
+    invert = reinterpret_cast<REALpictureStruct* (*)(REALpictureStruct*)>(method.function);
   }
 }
 
@@ -78,8 +80,9 @@ REALpictureStruct* newPicture(int32_t width, int32_t height, int32_t) {
   return &result;
 }
 
-RBBoolean lockPicture(REALpictureStruct* picture, REALpictureDescription* description) {
-  if (description->pictureType != kPictureTypeBitmap) return 0;
+RBBoolean lockPicture(REALpictureStruct* picture, REALpictureDescription* description, int32_t type) {
+  if (type != kPictureTypeBitmap) return 0;
+  description->pictureType = type;
   description->handle = &from(picture)->bitmap;
   description->width = kWidth;
   description->height = kHeight;
@@ -100,11 +103,14 @@ void* resolve(const char* name) {
   const struct {
     const char* name;
     void* service;
-  } services[] = {
-      {"REALGetRBVersion", address(version)},           {"PluginRegisterMethod", address(registerMethod)},
-      {"pluginObjectType", address(classOf)},           {"newPicture", address(newPicture)},
-      {"lockPictureDescription", address(lockPicture)}, {"unlockPictureDescription", address(unlockPicture)},
-      {"REALLockObject", address(lockObject)},          {"REALUnlockObject", address(unlockObject)}};
+  } services[] = {{"REALGetRBVersion", address(version)},
+                  {"PluginRegisterClassExtension", address(registerExtension)},
+                  {"pluginObjectType", address(classOf)},
+                  {"newPicture", address(newPicture)},
+                  {"REALLockPictureDescription", address(lockPicture)},
+                  {"unlockPictureDescription", address(unlockPicture)},
+                  {"REALLockObject", address(lockObject)},
+                  {"REALUnlockObject", address(unlockObject)}};
   for (const auto& known : services) {
     if (strcmp(name, known.name) == 0) return known.service;
   }
