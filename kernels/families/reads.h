@@ -1,7 +1,7 @@
 // Read-only passes over pixels: counts, and tests that stop at the first failure.
 #pragma once
 
-#include "kernels/families/vectors.h"
+#include "kernels/families/streaming_maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 

@@ -1,6 +1,6 @@
 // Toned monochrome.
 
-#include "kernels/families/maps.h"
+#include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {

@@ -1,6 +1,6 @@
 // Maps each channel through a lookup table.
 
-#include "kernels/families/maps.h"
+#include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
@@ -43,10 +43,8 @@ Vector lookUp(const uint8_t* table, Vector bytes) {
 
 void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables) {
   const Vector tops = allPixels(top | top >> 8 | top >> 16 | top >> 24);
-  const Pixel* const sources[] = {in};
-  mapBlocks<Work::kHeavy, 4>(
-      out, sources, count, [&](Vector(&blocks)[1][4]) __attribute__((always_inline)) {
-        Vector(&block)[4] = blocks[0];
+  mapBlocks<4>(
+      out, in, count, [&](Vector(&block)[4]) __attribute__((always_inline)) {
         transpose(block);
         block[0] = lookUp(tables.blue, block[0]);
         block[1] = lookUp(tables.green, block[1]);
