@@ -11,8 +11,8 @@ namespace zvr {
 // declarations that open a method's section are left out. Nothing for a heading that the manual lacks.
 std::vector<std::string> manualLines(const std::string& heading, size_t width);
 
-// The texts of the manual's comments of a kind, each in a line of its own: <!-- KIND TEXT -->. They are not part
-// of the text for a terminal.
+// The texts of the manual's comments of a kind, each in a line of its own: <!-- KIND TEXT -->. They are not
+// part of the text for a terminal.
 std::vector<std::string> manualNotes(const std::string& kind);
 
 // Markdown as lines for a terminal: paragraphs filled to `width`, tables in columns, code as it is; without
