@@ -8,7 +8,7 @@
 #include "tests/every_call.h"
 #include "tests/plugin_memory.h"
 
-// Every call, or with sanitizers a third of them, another one on each kind of host.
+// Every call, or with sanitizers a sixth of them, others on each kind of host (half of all calls together).
 std::vector<Call> callsToTry();
 // The names of all that the host offers.
 std::vector<std::string> allServices();
