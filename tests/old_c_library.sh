@@ -7,5 +7,5 @@ if [[ -z ${ZVR_OLD_C_LIBRARY:-} ]]; then
   exit 77
 fi
 loader=$ZVR_OLD_C_LIBRARY/ld-linux.so.2
-"$loader" --library-path "$ZVR_OLD_C_LIBRARY" "$ZVR_OLD_C_LIBRARY/libc.so.6" | head -n 1
+"$loader" --library-path "$ZVR_OLD_C_LIBRARY" "$ZVR_OLD_C_LIBRARY/libc.so.6" | sed -n 1p # which reads on to the end
 exec "$loader" --library-path "$ZVR_OLD_C_LIBRARY" "$@"
