@@ -59,8 +59,6 @@ struct MissingLibrary : std::runtime_error {
 // can't be had (no X display; a MissingLibrary). Objects of the host before must be gone.
 void start(const Settings& settings);
 const Settings& settings();
-// Settings::recyclesBuffers from now on; false frees the buffers that wait to be used again.
-void recycleBuffers(bool recycles);
 
 // The resolver that is handed to the plug-in.
 void* resolve(const char* name);

@@ -62,11 +62,6 @@ void start(const Settings& chosen) {
 
 const Settings& settings() { return current; }
 
-void recycleBuffers(bool recycles) {
-  current.recyclesBuffers = recycles;
-  if (!recycles) Buffer::dropSpares();
-}
-
 void* resolve(const char* name) {
   const Visit visit;
   if (!name) return nullptr;

@@ -245,7 +245,6 @@ int show(const Options& options, const GalleryOptions& own) {
   exhibition.width = material.photo.width;
   exhibition.height = material.photo.height;
   exhibition.host = std::string(session.host()) + ", version " + options.hostVersion;
-  exhibition.copyMilliseconds = stage.copyMilliseconds();
   exhibition.histogram = gallery::histogramOf(toPicture(material.photo));
   exhibition.groups = methodGroups(stage, progress);
   exhibition.groups.push_back(classGroup(stage, progress));

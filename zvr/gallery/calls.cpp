@@ -1,11 +1,7 @@
 #include "zvr/gallery/calls.h"
 
-#include <malloc.h>
-
 #include <algorithm>
-#include <chrono>
 #include <cstring>
-#include <limits>
 
 #include "zvr/gallery/scaling.h"
 #include "zvr/gallery/words.h"
@@ -16,43 +12,6 @@
 
 namespace zvr::gallery {
 namespace {
-
-// ---- Time ----
-
-template <typename Action>
-double milliseconds(Action action) {
-  const auto start = std::chrono::steady_clock::now();
-  action();
-  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-// The quickest of three to twelve runs, the fewer the longer they take.
-double quickest(const std::function<double()>& once) {
-  constexpr int kLeast = 3, kMost = 12;
-  constexpr double kLong = 120;
-  double best = once(), sum = best;
-  for (int i = 1; i < kMost && (i < kLeast || sum < kLong); ++i) {
-    const double time = once();
-    best = std::min(best, time);
-    sum += time;
-  }
-  return best;
-}
-
-// While it lives, memory of earlier calls is reused, pictures' above all. Otherwise most of the time would be
-// the system's, for clearing new memory.
-class Recycling {
- public:
-  Recycling() {
-    // Large blocks stay in the heap.
-    mallopt(M_MMAP_MAX, 0);
-    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
-    host::recycleBuffers(true);
-  }
-  ~Recycling() { host::recycleBuffers(false); }
-  Recycling(const Recycling&) = delete;
-  Recycling& operator=(const Recycling&) = delete;
-};
 
 // ---- Calls ----
 
@@ -210,28 +169,6 @@ std::optional<Chain> Stage::parse(const Example& example) const {
   return parseChain(words, {}, {});
 }
 
-double Stage::copyMilliseconds(size_t bytes) {
-  const auto known = copies_.find(bytes);
-  if (known != copies_.end()) return known->second;
-  Bytes from(bytes, 1), to(bytes);
-  return copies_[bytes] = quickest([&] {
-           return milliseconds([&] {
-             std::memcpy(to.data(), from.data(), bytes);
-             // Keeps the compiler from dropping the copy.
-             asm volatile("" : : "r"(to.data()) : "memory");
-           });
-         });
-}
-
-double Stage::copyMilliseconds() { return copyMilliseconds(before_.byteCount()); }
-
-void Stage::measure(Card& card, size_t bytes, const std::function<double()>& once) {
-  const Recycling recycling;
-  const double time = quickest(once), copy = copyMilliseconds(bytes);
-  // A copy of very few bytes may be shorter than a tick of the clock.
-  if (copy > 0) card.timing = Timing{time, time / copy};
-}
-
 void Stage::run(const Chain& chain, Card& card) {
   Now now;
   const bool isPhoto = chain.inputs[0] == material_.photoPath;
@@ -246,19 +183,16 @@ void Stage::run(const Chain& chain, Card& card) {
   addArguments(declaration, call.arguments, card);
   const host::Outcome outcome = call.run();
   addAnswers(declaration, outcome, card);
-  size_t bytes = before_.byteCount();
   if (const auto* picture = std::get_if<host::PictureRef>(&outcome.result); picture && !call.step.assigned) {
     if (!*picture) throw Failure("answered nil");
     addPicture(*picture, before_, card);
     card.isComparable = card.isComparable && isPhoto;
-    if (!isPhoto) bytes = now.data.size() + fromPicture(picture->get()).byteCount();
   } else if (call.receiver && !(fromPicture(call.receiver.get()) == before_)) {
     addPicture(call.receiver, before_, card);
   } else {
     card.place = placeOf(declaration, outcome);
     card.histogram = histogramIn(outcome.arguments);
   }
-  measure(card, bytes, [&] { return milliseconds([&] { (void)call.run(); }); });
 }
 
 Card Stage::show(const Chain& chain, const Example& example) {
@@ -305,25 +239,16 @@ Card Stage::show(const host::Class& type, const Example* example) {
     card.basicLines.emplace_back("// filter.Table(r, g, b, channel) = …, for r, g and b from 0 to 15");
   card.basicLines.emplace_back("If filter.Run Then photo = filter.DestinationPicture");
   try {
-    const host::PictureRef photo = toPicture(material_.photo);
-    host::PictureRef result;
-    // A new instance each time: a second Run forgets the picture of the first without releasing it, on
-    // purpose.
-    const auto once = [&] {
-      Filter filter(type.name);
-      if (isLook) {
-        const Cube cube = loadCube(material_.lookPath);
-        fillTable(filter, &cube);
-      }
-      for (const std::string& setting : settings) {
-        const size_t sign = setting.find('=');
-        filter.set(setting.substr(0, sign), setting.substr(sign + 1));
-      }
-      return milliseconds([&] { result = filter.run(photo); });
-    };
-    once();
-    addPicture(result, before_, card);
-    measure(card, before_.byteCount(), once);
+    Filter filter(type.name);
+    if (isLook) {
+      const Cube cube = loadCube(material_.lookPath);
+      fillTable(filter, &cube);
+    }
+    for (const std::string& setting : settings) {
+      const size_t sign = setting.find('=');
+      filter.set(setting.substr(0, sign), setting.substr(sign + 1));
+    }
+    addPicture(filter.run(toPicture(material_.photo)), before_, card);
   } catch (const Failure& failure) {
     card.problem = failure.what();
   }

@@ -1,7 +1,6 @@
-// Calls of the gallery: run, measured, and made into cards.
+// Calls of the gallery: run, and made into cards.
 #pragma once
 
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -31,22 +30,17 @@ class Stage {
   // An example of a registered method, as words of `zvr apply`; nothing for a class, or when its
   // method is not registered.
   std::optional<Chain> parse(const Example& example) const;
-  // The last step is shown and measured. A failure of a call becomes the card's problem.
+  // The last step is shown. A failure of a call becomes the card's problem.
   Card show(const Chain& chain, const Example& example);
   // A class, with its example or none.
   Card show(const host::Class& type, const Example* example);
-  // The quickest plain copy of the photograph's bytes.
-  double copyMilliseconds();
 
  private:
-  double copyMilliseconds(size_t bytes);
   std::vector<std::string> wordsOf(const std::string& words) const;
   void run(const Chain& chain, Card& card);
-  void measure(Card& card, size_t bytes, const std::function<double()>& once);
 
   const Material& material_;
-  const Image before_;                    // the photograph as the host keeps it
-  std::map<size_t, double> copies_ = {};  // quickest plain copies by their bytes
+  const Image before_;  // the photograph as the host keeps it
 };
 
 }  // namespace zvr::gallery

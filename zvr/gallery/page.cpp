@@ -17,16 +17,6 @@ struct Fineness {
 };
 constexpr Fineness kFinenesses[] = {{kShownSide, 85}, {kShownSide, 70}, {480, 70}, {360, 60}, {240, 50}};
 
-// In copies. Few calls take longer, and room for them would leave all others short bars.
-constexpr int kLongestBar = 10;
-
-std::string number(double value) {
-  if (value > 0 && value < 0.005) return "< 0.01";
-  char text[32];
-  std::snprintf(text, sizeof(text), value < 10 ? "%.2f" : value < 100 ? "%.1f" : "%.0f", value);
-  return text;
-}
-
 // ---- Pictures ----
 
 std::string base64(const Bytes& bytes) {
@@ -134,8 +124,6 @@ class Writer {
                             80, "")},
          {"contents", contents},
          {"groups", groups},
-         {"timings", timingRows()},
-         {"longestBar", std::to_string(kLongestBar)},
          {"version", ZVR_VERSION},
          {"host", exhibition_.host}});
   }
@@ -192,16 +180,13 @@ class Writer {
            plot(card.histogram, "Counts of red, green and blue values, 0 to 255", 100, "");
   }
 
-  // Answers beside a picture, colours, tables and times.
+  // Answers beside a picture, colours and tables.
   std::string factsHtml(const Card& card) const {
     std::string html = card.after || card.place ? answersHtml(card) : "";
     if (!card.swatches.empty()) html += swatchesHtml(card.swatches);
     for (const Bytes& curve : card.curves) html += curvePlot(curve);
     if (card.isComparable) html += plot(card.histogram, "Its histogram", 60, "small");
-    if (!card.timing) return html;
-    return html + fill("timing", {{"milliseconds", number(card.timing->milliseconds)},
-                                  {"copies", number(card.timing->copies)},
-                                  {"bar", bar(*card.timing)}});
+    return html;
   }
 
   static std::string answersHtml(const Card& card) {
@@ -238,35 +223,6 @@ class Writer {
       entries += fill("swatch", {{"name", swatch.name}, {"hex", hex}});
     }
     return fill("swatches", {{"entries", entries}});
-  }
-
-  static std::string bar(const Timing& timing) {
-    const auto length = [](double copies) {
-      return std::to_string(std::lround(std::min(copies / kLongestBar, 1.0) * 1000));
-    };
-    return fill("bar", {{"length", length(timing.copies)}, {"copy", length(1)}});
-  }
-
-  // The slowest first.
-  std::string timingRows() {
-    std::vector<const Card*> timed;
-    for (const Group& group : exhibition_.groups) {
-      for (const Card& card : group.cards) {
-        if (card.timing) timed.push_back(&card);
-      }
-    }
-    std::stable_sort(timed.begin(), timed.end(),
-                     [](const Card* a, const Card* b) { return a->timing->copies > b->timing->copies; });
-    const Timing copy{exhibition_.copyMilliseconds, 1};
-    std::string rows = fill("copyRow", {{"bar", bar(copy)}, {"milliseconds", number(copy.milliseconds)}});
-    for (const Card* card : timed) {
-      rows += fill("row", {{"anchor", anchorOf(*card)},
-                           {"name", breakable(card->call)},
-                           {"bar", bar(*card->timing)},
-                           {"milliseconds", number(card->timing->milliseconds)},
-                           {"copies", number(card->timing->copies)}});
-    }
-    return rows;
   }
 
   const Exhibition& exhibition_;

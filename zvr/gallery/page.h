@@ -29,11 +29,6 @@ struct Place {
   int64_t left = 0, top = 0, width = 0, height = 0;
 };
 
-struct Timing {
-  double milliseconds = 0;  // the quickest call
-  double copies = 0;        // how many plain copies of the same bytes take as long
-};
-
 // One call and what came of it.
 struct Card {
   std::string name;       // of the method or class
@@ -50,7 +45,6 @@ struct Card {
   bool isComparable = false;   // `after` measures as much as the photograph did
   std::optional<Place> place;
   Histogram histogram;  // of the answered picture, or what the call counted
-  std::optional<Timing> timing;
   std::string problem;  // why there is no result; empty when there is one
 };
 
@@ -60,12 +54,11 @@ struct Group {
 };
 
 struct Exhibition {
-  std::string input;            // as given
-  Image photo;                  // no larger than kShownSide
-  int width = 0, height = 0;    // of the photograph that the calls ran on
-  std::string notes;            // sentences on what the calls ran on
-  std::string host;             // "cairo, version 2013.03"
-  double copyMilliseconds = 0;  // of the photograph's bytes
+  std::string input;          // as given
+  Image photo;                // no larger than kShownSide
+  int width = 0, height = 0;  // of the photograph that the calls ran on
+  std::string notes;          // sentences on what the calls ran on
+  std::string host;           // "cairo, version 2013.03"
   Histogram histogram;
   std::vector<Group> groups;
 };
