@@ -100,15 +100,6 @@ TEST_F(Toning, KnownColours) {
     EXPECT_EQ(result(c, {1, 2, c.from}), asWritten({1, 2, c.to})) << c.method << ", case " << &c - kCases;
 }
 
-TEST_F(Toning, LargePictures) {
-  const Pixels source = Random(1).pixels(257, 70);
-  for (const Case& c : kCases) {
-    Pixels expected = source;
-    for (Rgb& color : expected.colors) color = modelOf(c).pixel(&color, c.arguments);
-    EXPECT_EQ(result(c, source), asWritten(expected)) << c.method << ", case " << &c - kCases;
-  }
-}
-
 // White stays white and black black however far the other end is moved.
 TEST_F(Toning, LinearBrightnessKeepsOneEnd) {
   for (int brightness = 0; brightness <= 255; ++brightness) {
