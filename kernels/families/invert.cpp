@@ -1,15 +1,15 @@
 // Inverts all pixels, or only the gray ones.
 
-#include "kernels/families/streaming_maps.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
 void invert(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
-  mapStreaming(out, {in}, count, [=](const Pixels(&p)[1]) { return (~p[0] & 0xFFFFFF) | top; });
+  mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) { return (~p[0] & 0xFFFFFF) | top; });
 }
 
 void invertGray(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
-  mapStreaming(out, {in}, count, [=](const Pixels(&p)[1]) {
+  mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) {
     // Gray: blue equals green and green equals red.
     const Pixels differing = (p[0] ^ p[0] >> 8) & 0xFFFF;
     return ((p[0] ^ reinterpret_cast<Pixels>(differing == 0)) & 0xFFFFFF) | top;

@@ -1,6 +1,6 @@
 // Conversion between masks and pictures.
 
-#include "kernels/families/streaming_maps.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
@@ -10,12 +10,12 @@ Pixels gray(Pixels value, uint32_t top) { return value << 16 | value << 8 | valu
 }  // namespace
 
 void grayFromTop8(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
-  mapStreaming(out, {in}, count, [=](const Pixels(&p)[1]) { return gray(p[0] >> 24, top); });
+  mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) { return gray(p[0] >> 24, top); });
 }
 
 void grayFromTop7(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
-  mapStreaming(out, {in}, count,
-               [=](const Pixels(&p)[1]) { return gray((p[0] >> 23 & 0xFE) | (p[0] >> 24 & 1), top); });
+  mapLightly(out, {in}, count,
+             [=](const Pixels(&p)[1]) { return gray((p[0] >> 23 & 0xFE) | (p[0] >> 24 & 1), top); });
 }
 
 void fill(Pixel* out, size_t count, uint32_t word) {

@@ -1,6 +1,6 @@
 // Maps each channel through a piecewise linear function: a line, clamped at both ends.
 
-#include "kernels/families/vectors.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {

@@ -1,7 +1,7 @@
 // Read-only passes over pixels: counts, and tests that stop at the first failure.
 #pragma once
 
-#include "kernels/families/streaming_maps.h"
+#include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 

@@ -1,6 +1,6 @@
 // Unpacks RGB24 pixels to words and packs words to RGB24, one vector at a time.
 
-#include "kernels/families/streaming_maps.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {

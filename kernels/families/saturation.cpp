@@ -1,6 +1,6 @@
 // Moves channels away from a pixel's own gray value, or towards it.
 
-#include "kernels/families/vectors.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {

@@ -1,6 +1,6 @@
 // Toned monochrome.
 
-#include "kernels/families/vectors.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {

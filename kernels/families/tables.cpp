@@ -1,6 +1,6 @@
 // Maps each channel through a lookup table.
 
-#include "kernels/families/vectors.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
@@ -43,8 +43,8 @@ Vector lookUp(const uint8_t* table, Vector bytes) {
 
 void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables) {
   const Vector tops = allPixels(top | top >> 8 | top >> 16 | top >> 24);
-  mapBlocks<4>(
-      out, in, count, [&](Vector(&block)[4]) __attribute__((always_inline)) {
+  mapBlocks<Work::kHeavy, 4>(
+      out, {in}, count, [&](Vector(&block)[4]) __attribute__((always_inline)) {
         transpose(block);
         block[0] = lookUp(tables.blue, block[0]);
         block[1] = lookUp(tables.green, block[1]);

@@ -7,7 +7,7 @@
 // precision finds most channels, a test detects values near an integer, and the rounding errors of the
 // weights decide those.
 
-#include "kernels/families/vectors.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {

@@ -68,6 +68,32 @@ inline Words multiplyHigh(Words a, Words b) {
       ZVR_VECTOR(mulhi_epu16)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
 }
 
+inline Pixels allOf(uint32_t word) { return Pixels{} + word; }
+
+inline Pixels load(const void* from) {
+  Pixels pixels;
+  __builtin_memcpy(&pixels, from, sizeof pixels);
+  // Keeps the pixels in a register: the compiler would rather load them again.
+  __asm__("" : "+x"(pixels));
+  return pixels;
+}
+
+inline void store(void* to, Pixels pixels) { __builtin_memcpy(to, &pixels, sizeof pixels); }
+
+// Byte by byte, unsigned.
+inline Pixels max(Pixels a, Pixels b) {
+  return reinterpret_cast<Pixels>(
+      ZVR_VECTOR(max_epu8)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
+}
+inline Pixels min(Pixels a, Pixels b) {
+  return reinterpret_cast<Pixels>(
+      ZVR_VECTOR(min_epu8)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
+}
+inline Pixels subtractSaturated(Pixels a, Pixels b) {
+  return reinterpret_cast<Pixels>(
+      ZVR_VECTOR(subs_epu8)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
+}
+
 constexpr size_t kCacheLine = 64;  // bytes
 // The hardware prefetcher stops at the end of a page; this distance reaches the pages after it. In bytes.
 constexpr size_t kPrefetchDistance = 16384;
@@ -87,72 +113,6 @@ inline void stream(void* to, Vector vector) {
 #else
   _mm_stream_si128(static_cast<Vector*>(to), vector);
 #endif
-}
-
-// Maps work on blocks of n vectors: map(Vector (&)[n]) changes a block in place.
-//
-// Maps fewer pixels than a block holds, in a padded block of their own.
-template <size_t n, typename Map>
-__attribute__((always_inline)) inline void mapPartial(Pixel* out, const Pixel* in, size_t count,
-                                                      const Map& map) {
-  Vector block[n] = {};
-#if defined(__AVX512VBMI__)
-  if constexpr (n == 1) {
-    const auto few = static_cast<__mmask16>((1U << count) - 1);
-    block[0] = _mm512_maskz_loadu_epi32(few, in);
-    map(block);
-    return _mm512_mask_storeu_epi32(out, few, block[0]);
-  }
-#endif
-  __builtin_memcpy(block, in, count * sizeof *in);
-  map(block);
-  __builtin_memcpy(out, block, count * sizeof *out);
-}
-
-// out[i] from in[i], block by block. `streaming`: uses streaming stores; `out` must be cache-line aligned.
-template <size_t n, typename Map>
-__attribute__((always_inline)) inline void mapBlocks(Pixel* out, const Pixel* in, size_t count,
-                                                     bool streaming, const Map& map) {
-  for (; count >= n * kPixels; count -= n * kPixels, in += n * kPixels, out += n * kPixels) {
-    Vector block[n];
-    for (size_t i = 0; i < n; ++i) {
-      __builtin_memcpy(&block[i], in + i * kPixels, sizeof block[i]);
-      // Keeps the block in registers: the compiler would rather load it again than spill.
-      __asm__("" : "+x"(block[i]));
-      if (streaming) prefetch(in + i * kPixels);
-    }
-    map(block);
-    for (size_t i = 0; i < n; ++i) {
-      if (streaming) {
-        stream(out + i * kPixels, block[i]);
-      } else {
-        __builtin_memcpy(out + i * kPixels, &block[i], sizeof block[i]);
-      }
-    }
-  }
-  if (count > 0) mapPartial<n>(out, in, count, map);
-}
-
-// The same, with streaming stores where they are faster: for maps that do some arithmetic, only if the result
-// is large and one vector is a whole cache line.
-template <size_t n, typename Map>
-__attribute__((always_inline)) inline void mapBlocks(Pixel* out, const Pixel* in, size_t count,
-                                                     const Map& map) {
-  const uintptr_t misalignment = reinterpret_cast<uintptr_t>(out) % kCacheLine;
-  const bool streaming =
-      sizeof(Vector) == kCacheLine && count >= kStreamingThreshold && misalignment % sizeof(Pixel) == 0;
-  const size_t head = streaming ? (kCacheLine - misalignment) % kCacheLine / sizeof(Pixel) : 0;
-  if (head > 0) mapPartial<n>(out, in, head, map);
-  mapBlocks<n>(out + head, in + head, count - head, streaming, map);
-  if (streaming) _mm_sfence();  // orders the streaming stores for other threads
-}
-
-// Blocks of one vector: map(pixels) returns the new pixels.
-template <typename Map>
-__attribute__((always_inline)) inline void mapVectors(Pixel* out, const Pixel* in, size_t count,
-                                                      const Map& map) {
-  mapBlocks<1>(
-      out, in, count, [&](Vector(&block)[1]) __attribute__((always_inline)) { block[0] = map(block[0]); });
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET
