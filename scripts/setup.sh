@@ -3,14 +3,15 @@
 # shellcheck shell=bash
 
 # A changed list, or a changed version, makes a new tree.
-kTreeVersion=2
+kTreeVersion=3
 kTreePackages=(libgtk2.0-dev libcairo2-dev libgtest-dev libbenchmark-dev libffi-dev libpng-dev
-  libjpeg62-turbo-dev libsndfile1-dev libcli11-dev)
+  libjpeg62-turbo-dev libgraphicsmagick1-dev libsndfile1-dev libcli11-dev)
 # Left out of the tree: the C library and the compiler's run time, which must be those of this machine's
 # own `g++ -m32` because the tree lies on our programs' run path; and packages that only these packages' tools
 # and unused parts need.
-kTreeWithout=(libc6 libc6-dev libc-dev linux-libc-dev libgcc-s1 libstdc++6 gcc-12-base
-  python3 python3-distutils debconf libicu-dev libicu72 adwaita-icon-theme hicolor-icon-theme)
+kTreeWithout=(libc6 libc6-dev libc-dev linux-libc-dev libgcc-s1 libstdc++6 libgomp1 libatomic1 gcc-12-base
+  python3 python3-distutils debconf adwaita-icon-theme hicolor-icon-theme
+  libbz2-dev libheif-dev libicu-dev libjxl-dev liblcms2-dev libltdl-dev libwmf-dev libxml2-dev)
 kLibraryAlone='The library by itself needs none of them:
   cmake --preset release -DZVR_BUILD_HOST=OFF && cmake --build build/release'
 

@@ -15,7 +15,7 @@ namespace {
 struct ApplyOptions {
   std::vector<std::string> words, ins, outs;
   std::string output;
-  int quality = kUsualQuality;
+  PictureOptions pictures;
 };
 
 // The files to write, for each input.
@@ -27,7 +27,7 @@ struct Outputs {
 Outputs planAll(const Chain& chain, const ApplyOptions& own) {
   std::string label;
   for (const Step& step : chain.steps) label += (label.empty() ? "" : "-") + step.method->declaration.name;
-  OutputPlan plan(filesRead(chain));
+  OutputPlan plan(filesRead(chain), own.pictures);
   Outputs outputs;
   outputs.results = chain.left == Kind::data ? plan.data(chain.inputs, "-o", own.output, label)
                                              : plan.pictures(chain.inputs, "-o", own.output, label);
@@ -56,7 +56,8 @@ std::vector<Bytes> takeAll(Walk& walk, const Chain& chain) {
 
 // Nothing is written before every step is done.
 void applyToOne(size_t input, const Chain& chain, const Outputs& outputs, const ApplyOptions& own) {
-  Walk walk(chain.inputs[input], chain.inputs.size() > 1 ? chain.inputs[input] + ": " : "");
+  Walk walk(chain.inputs[input], chain.inputs.size() > 1 ? chain.inputs[input] + ": " : "", own.pictures,
+            concernsTransparency(chain));
   const std::vector<Bytes> blocks = takeAll(walk, chain);
   for (size_t i = 0; i < blocks.size(); ++i) {
     writeFile(outputs.blocks[i][input], blocks[i]);
@@ -64,9 +65,9 @@ void applyToOne(size_t input, const Chain& chain, const Outputs& outputs, const 
   }
   const std::string& output = outputs.results[input];
   // Methods without a picture result may have changed their picture in place.
-  if (own.output.empty() && !walk.hasResult()) return;
+  if (own.output.empty() && !own.pictures.isInPlace && !walk.hasResult()) return;
   if (chain.left == Kind::picture) {
-    saveImage(walk.picture(), output, own.quality);
+    saveImage(walk.picture(), output, own.pictures.writing);
   } else {
     writeFile(output, walk.data());
   }
@@ -95,7 +96,7 @@ int apply(const Options& options, const ApplyOptions& own) {
 }
 
 constexpr const char* kNotes =
-    "INPUT is a PNG or JPEG file, or for a method that takes @ as a String or MemoryBlock any file. The "
+    "INPUT is a picture file, or for a method that takes @ as a String or MemoryBlock any file. The "
     "first\n"
     "word that names a registered method (in any case) ends the inputs; a file of such a name is written\n"
     "./NAME. Methods of Picture run on the current picture: the input, later what the step before answered.\n"
@@ -150,7 +151,7 @@ void addApply(CLI::App& program, const Options& options, Run& run) {
   addFileOption(*command, "--in", own->ins,
                 "A file for a Picture, MemoryBlock or String argument, by its name");
   addFileOption(*command, "--out", own->outs, "Where a MemoryBlock by reference goes; PATH as for -o");
-  addQuality(*command, own->quality);
+  addPictureOptions(*command, own->pictures);
   command->footer(kNotes);
   command->callback([&run, &options, own] { run = [&options, own] { return apply(options, *own); }; });
 }

@@ -128,7 +128,7 @@ struct Files {
   std::string page, photo, other, part, table, samples, look;
 
   Files(const GalleryOptions& own, const fs::path& folder) {
-    OutputPlan plan({own.input, own.sound});
+    OutputPlan plan({own.input, own.sound}, {});
     const auto in = [&](const char* name) {
       const std::string path = folder / name;
       plan.claim(path, name, own.input);
@@ -160,14 +160,16 @@ Material prepare(const GalleryOptions& own, const Files& files, std::string& not
             ", on which every call ran.";
     material.photo = scaledDown(material.photo, static_cast<int>(side * share));
     material.photoPath = files.photo;
-    saveImage(material.photo, material.photoPath, 100);
+    Writing png;
+    png.format = "png";
+    writeFile(material.photoPath, encodeImage(material.photo, png));
   }
   notes += own.sound.empty() ? " The waveform is of a made-up tone; --sound FILE draws a sound of yours."
                              : " The waveform is of " + fs::path(own.sound).filename().string() + ".";
   const std::string look = kLook;
   material.lookPath = files.look;
-  saveImage(turned(material.photo), files.other, 90);
-  saveImage(partOf(material.photo), files.part, 100);
+  saveImage(turned(material.photo), files.other, {});
+  saveImage(partOf(material.photo), files.part, {});
   writeFile(files.table, posterTable());
   writeFile(files.samples, sound.bytes);
   writeFile(material.lookPath, Bytes(look.begin(), look.end()));
@@ -260,7 +262,7 @@ void addGallery(CLI::App& program, const Options& options, Run& run) {
   CLI::App* command = program.add_subcommand(
       "gallery", "One HTML page that shows every method on a photograph:\n  zvr gallery INPUT [-o FOLDER]");
   const auto own = std::make_shared<GalleryOptions>();
-  command->add_option("INPUT", own->input, "PNG or JPEG file")->required();
+  command->add_option("INPUT", own->input, "Picture file")->required();
   command->add_option("-o,--output", own->output, "Folder; without it NAME-gallery beside the input");
   command->add_option("--sound", own->sound, "A sound file to draw; without it a made-up tone");
   command->footer(

@@ -6,7 +6,6 @@
 
 #include "zvr/commands/commands.h"
 #include "zvr/files/cube.h"
-#include "zvr/files/images.h"
 #include "zvr/language/filters.h"
 #include "zvr/language/look_table.h"
 #include "zvr/language/outputs.h"
@@ -21,7 +20,7 @@ struct LutOptions {
   std::vector<std::string> files;
   std::string output;
   bool identity = false, dump = false;
-  int quality = kUsualQuality;
+  PictureOptions pictures;
 };
 
 // The files that the words name; either may be empty.
@@ -62,7 +61,7 @@ int lut(const Options& options, const LutOptions& own) {
   Filter filter("PictureLut3DZVR");
   const std::vector<std::string> cubes(own.identity ? 0 : 1, files.cube);
   const bool writes = !own.dump || !own.output.empty();
-  const std::string output = writes ? planOutput(files.picture, own.output, "lut", cubes) : "";
+  const std::string output = writes ? planOutput(files.picture, own.output, "lut", own.pictures, cubes) : "";
   if (own.identity) {
     fillTable(filter, nullptr);
   } else {
@@ -71,8 +70,7 @@ int lut(const Options& options, const LutOptions& own) {
   }
   if (own.dump) dump(filter);
   if (!writes) return kDone;
-  const host::PictureRef result = filter.run(toPicture(loadImage(files.picture)));
-  saveImage(fromPicture(result.get()), output, own.quality);
+  runOnFile(filter, files.picture, output, own.pictures);
   terminal::printWritten(output);
   return kDone;
 }
@@ -83,14 +81,14 @@ void addLut(CLI::App& program, const Options& options, Run& run) {
   CLI::App* command =
       program.add_subcommand("lut", "Apply a film look from a .cube file:\n  zvr lut INPUT CUBE [-o OUT]");
   const auto own = std::make_shared<LutOptions>();
-  command->add_option("INPUT CUBE", own->files, "PNG or JPEG file, and the .cube file")->option_text(" ");
+  command->add_option("INPUT CUBE", own->files, "Picture file, and the .cube file")->option_text(" ");
   command->add_option("-o,--output", own->output,
                       "File, folder, or pattern with {name}; without it NAME-lut.png beside the input");
   command->add_flag("--identity", own->identity,
                     "Instead of a .cube file, the table that leaves every colour as it is");
   command->add_flag("--dump", own->dump,
                     "Print the table as the class holds it; without -o no picture is needed or written");
-  addQuality(*command, own->quality);
+  addPictureOptions(*command, own->pictures);
   command->footer(
       "The look is resampled to the 16 x 16 x 16 entries that PictureLut3DZVR uses (tetrahedral\n"
       "interpolation), on a scale from 0 to 255; what lies within 0.002 of a whole number becomes that.\n"

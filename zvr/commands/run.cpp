@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 
 #include "zvr/commands/commands.h"
-#include "zvr/files/images.h"
 #include "zvr/language/filters.h"
 #include "zvr/language/outputs.h"
 #include "zvr/terminal/failures.h"
@@ -15,7 +14,7 @@ namespace {
 struct RunOptions {
   std::string type, input, output;
   std::vector<std::string> settings;
-  int quality = kUsualQuality;
+  PictureOptions pictures;
 };
 
 void apply(Filter& filter, const std::string& setting) {
@@ -30,9 +29,8 @@ int runFilter(const Options& options, const RunOptions& own) {
   const Session session(options);
   Filter filter(own.type);
   for (const std::string& setting : own.settings) apply(filter, setting);
-  const std::string output = planOutput(own.input, own.output, filter.name(), filter.files());
-  const host::PictureRef result = filter.run(toPicture(loadImage(own.input)));
-  saveImage(fromPicture(result.get()), output, own.quality);
+  const std::string output = planOutput(own.input, own.output, filter.name(), own.pictures, filter.files());
+  runOnFile(filter, own.input, output, own.pictures);
   terminal::printWritten(output);
   return kDone;
 }
@@ -43,12 +41,12 @@ void addRun(CLI::App& program, const Options& options, Run& run) {
   CLI::App* command = program.add_subcommand("run", "Run a filter class on a picture");
   const auto own = std::make_shared<RunOptions>();
   command->add_option("CLASS", own->type, "Name of a class, in any case")->required();
-  command->add_option("INPUT", own->input, "PNG or JPEG file")->required();
+  command->add_option("INPUT", own->input, "Picture file")->required();
   command->add_option("PROPERTY=VALUE", own->settings, "Properties to set before it runs, in any case")
       ->option_text(" ...");
   command->add_option("-o,--output", own->output,
                       "File, folder, or pattern with {name}; without it NAME-CLASS.png beside the input");
-  addQuality(*command, own->quality);
+  addPictureOptions(*command, own->pictures);
   command->footer(
       "The input becomes the SourcePicture of a new instance; after Run its DestinationPicture is written.\n"
       "`zvr show CLASS` lists the properties.\n"

@@ -7,7 +7,7 @@
 
 #include "host/calls.h"
 #include "zvr/commands/commands.h"
-#include "zvr/files/images.h"
+#include "zvr/files/host_pictures.h"
 #include "zvr/files/sound.h"
 #include "zvr/language/outputs.h"
 #include "zvr/terminal/failures.h"
@@ -21,7 +21,8 @@ constexpr const char* kMethod = "RenderSamplesZVR";
 struct WaveOptions {
   std::string input, output;
   std::string backColor, foreColor, outlineColor;  // empty: the method's own
-  int width = 1200, height = 300, smooth = 1, outline = 0, quality = kUsualQuality;
+  int width = 1200, height = 300, smooth = 1, outline = 0;
+  PictureOptions pictures;  // of which only how they are written
   bool autoScale = false;
 };
 
@@ -78,7 +79,7 @@ void checkLength(const WaveOptions& own, const Sound& sound) {
 
 int wave(const Options& options, const WaveOptions& own) {
   const Session session(options);
-  const std::string output = planOutput(own.input, own.output, "wave");
+  const std::string output = planOutput(own.input, own.output, "wave", own.pictures);
   const host::Method& method = findMethod();
   const Sound sound = loadSound(own.input);
   checkLength(own, sound);
@@ -89,7 +90,7 @@ int wave(const Options& options, const WaveOptions& own) {
   }
   const auto* picture = std::get_if<host::PictureRef>(&outcome.result);
   if (!picture || !*picture) throw Failure(std::string(kMethod) + " answered nil");
-  saveImage(fromPicture(picture->get()), output, own.quality);
+  saveImage(fromPicture(picture->get()), output, own.pictures.writing);
   terminal::printWritten(output);
   return kDone;
 }
@@ -111,7 +112,7 @@ void addOptions(CLI::App& command, WaveOptions& own) {
   command.add_option("--fore-color", own.foreColor, "Bars");
   command.add_option("--outline-color", own.outlineColor, "Outline");
   command.add_flag("--auto-scale", own.autoScale, "Let the loudest column fill half the height");
-  addQuality(command, own.quality);
+  addWriting(command, own.pictures.writing);
 }
 
 }  // namespace

@@ -1,140 +1,340 @@
 #include "zvr/files/images.h"
 
+#include <magick/api.h>
+
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <new>
+#include <string_view>
 
 #include "host/declarations.h"
-#include "host/host.h"
 #include "zvr/files/files.h"
 #include "zvr/terminal/failures.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr {
 namespace {
 
-enum class Format { none, png, jpeg };
+using std::string_view_literals::operator""sv;
+using Bytes = std::vector<uint8_t>;
 
-Format formatOf(const std::string& path) {
-  const std::string extension = std::filesystem::path(path).extension();
-  if (host::equalNames(extension, ".png")) return Format::png;
-  if (host::equalNames(extension, ".jpg") || host::equalNames(extension, ".jpeg")) return Format::jpeg;
-  return Format::none;
+// ---- GraphicsMagick ----
+
+// What a call of the library found wrong.
+class Report {
+ public:
+  Report() {
+    static const bool isReady = [] {
+      ExceptionInfo info;
+      GetExceptionInfo(&info);
+      InitializeMagickEx(nullptr, MAGICK_OPT_NO_SIGNAL_HANDER, &info);
+      DestroyExceptionInfo(&info);
+      // Larger pictures lie in a file meanwhile: eight bytes a pixel would take the memory of the host's
+      // pictures.
+      SetMagickResourceLimit(MemoryResource, 256 << 20);
+      SetMagickResourceLimit(MapResource, 0);
+      SetErrorHandler(nullptr);
+      SetWarningHandler(nullptr);
+      return true;
+    }();
+    (void)isReady;
+    GetExceptionInfo(&info_);
+  }
+  ~Report() { DestroyExceptionInfo(&info_); }
+  Report(const Report&) = delete;
+  Report& operator=(const Report&) = delete;
+
+  ExceptionInfo* info() { return &info_; }
+  bool isWarning() const { return info_.severity >= WarningException && info_.severity < ErrorException; }
+  // Both its texts; empty when nothing was wrong.
+  std::string text() const {
+    std::string text = info_.reason ? GetLocaleExceptionMessage(info_.severity, info_.reason) : "";
+    const std::string more = info_.description ? info_.description : "";
+    if (!more.empty()) text += (text.empty() ? "" : ": ") + more;
+    return text;
+  }
+  [[noreturn]] void fail() const {
+    if (info_.severity == ResourceLimitError || info_.severity == ResourceLimitFatalError)
+      throw std::bad_alloc();
+    throw Failure(text().empty() ? "not a picture that can be read" : text());
+  }
+
+ private:
+  ExceptionInfo info_;
+};
+
+struct Freeing {
+  void operator()(::Image* images) const { DestroyImageList(images); }
+  void operator()(ImageInfo* info) const { DestroyImageInfo(info); }
+  void operator()(void* memory) const { MagickFree(memory); }
+};
+using Magick = std::unique_ptr<::Image, Freeing>;
+using Info = std::unique_ptr<ImageInfo, Freeing>;
+
+Info infoFor(const std::string& format) {
+  Info info(CloneImageInfo(nullptr));
+  // The prefix, not the content, says which of the library's many decoders may see the file.
+  std::snprintf(info->filename, sizeof(info->filename), "%s:", format.c_str());
+  std::snprintf(info->magick, sizeof(info->magick), "%s", format.c_str());
+  return info;
 }
 
-Image decode(const std::vector<uint8_t>& file) {
+// ---- Reading ----
+
+struct Signature {
+  size_t at;
+  std::string_view bytes;
+  const char* format;  // the library's name; null: not read
+  const char* name;    // for people, of those that aren't read
+  const char* reader;  // a program that reads it
+};
+constexpr Signature kSignatures[] = {
+    {0, "\x89PNG\r\n\x1A\n"sv, "PNG", nullptr, nullptr},
+    {0, "\xFF\xD8\xFF"sv, "JPEG", nullptr, nullptr},
+    {8, "CR\2"sv, nullptr, "a camera's raw picture", "darktable or dcraw"},
+    {0, "II*\0"sv, "TIFF", nullptr, nullptr},
+    {0, "MM\0*"sv, "TIFF", nullptr, nullptr},
+    {0, "BM"sv, "BMP", nullptr, nullptr},
+    {0, "GIF8"sv, "GIF", nullptr, nullptr},
+    {0, "P1"sv, "PNM", nullptr, nullptr},
+    {0, "P2"sv, "PNM", nullptr, nullptr},
+    {0, "P3"sv, "PNM", nullptr, nullptr},
+    {0, "P4"sv, "PNM", nullptr, nullptr},
+    {0, "P5"sv, "PNM", nullptr, nullptr},
+    {0, "P6"sv, "PNM", nullptr, nullptr},
+    {0, "P7"sv, "PNM", nullptr, nullptr},
+    {0, "\0\0\1\0"sv, "ICO", nullptr, nullptr},
+    {8, "WEBP"sv, "WEBP", nullptr, nullptr},
+    {4, "ftypavi"sv, "AVIF", nullptr, nullptr},
+    {4, "ftyphei"sv, "HEIF", nullptr, nullptr},
+    {4, "ftyphev"sv, "HEIF", nullptr, nullptr},
+    {4, "ftypmif1"sv, "HEIF", nullptr, nullptr},
+    {4, "ftypcrx"sv, nullptr, "a camera's raw picture", "darktable"},
+    {4, "ftyp"sv, nullptr, "a video", "ffmpeg"},
+    {0, "\xFF\x0A"sv, "JXL", nullptr, nullptr},
+    {4, "JXL "sv, "JXL", nullptr, nullptr},
+    {4, "jP  "sv, nullptr, "a JPEG 2000 picture", "opj_decompress"},
+    {0, "8BPS"sv, nullptr, "a layered PSD picture", "GIMP"},
+    {0, "gimp xcf"sv, nullptr, "a layered XCF picture", "GIMP"},
+    {0, "v/1\1"sv, nullptr, "an OpenEXR picture", "exrtools"},
+    {0, "%PDF"sv, nullptr, "a PDF document", "pdftoppm"},
+    {0, "<svg"sv, nullptr, "an SVG drawing", "rsvg-convert"},
+    {0, "<?xml"sv, nullptr, "an XML file, perhaps an SVG drawing", "rsvg-convert"},
+};
+
+bool hasExtension(const std::string& path, const char* extension) {
+  return host::equalNames(std::filesystem::path(path).extension().string(), extension);
+}
+
+std::string formatOf(const std::string& path, const Bytes& file) {
   if (file.empty()) throw Failure("the file is empty");
-  if (isPng(file)) return decodePng(file);
-  if (isJpeg(file)) return decodeJpeg(file);
-  throw Failure("neither a PNG nor a JPEG picture");
+  const std::string_view content(reinterpret_cast<const char*>(file.data()), file.size());
+  for (const Signature& signature : kSignatures) {
+    if (content.size() <= signature.at ||
+        content.substr(signature.at, signature.bytes.size()) != signature.bytes)
+      continue;
+    if (signature.format) return signature.format;
+    throw Failure(std::string("this is ") + signature.name + ", which zvr doesn't read; " + signature.reader +
+                  " can make a PNG of it");
+  }
+  if (hasExtension(path, ".tga")) return "TGA";  // says nothing of itself
+  throw Failure(
+      "no picture that zvr reads (PNG, JPEG, TIFF, BMP, GIF, PNM, TGA, ICO, WebP, HEIF, AVIF, JPEG XL)");
 }
 
-// Pictures with an opacity of their own exist on hosts from 2011.04 on, but not as GDK drawables.
-bool hostHasAlpha() {
-  constexpr double kFirstVersion = 2011.04;
-  const host::Settings& settings = host::settings();
-  return settings.road != host::Road::gdk && settings.version && *settings.version >= kFirstVersion;
-}
-
-uint32_t packed(unsigned top, unsigned r, unsigned g, unsigned b) { return top << 24 | r << 16 | g << 8 | b; }
-
-// How one pixel lies in a host picture: `pack` makes the word, `unpack` writes the four bytes.
-struct Opaque {
-  static uint32_t pack(const uint8_t* p) {
-    // The unused byte is as the host leaves it: 255 on desktops, 0 in bitmaps.
-    return packed(host::settings().road == host::Road::console ? 0 : 0xFF, p[0], p[1], p[2]);
+void checkSize(uint64_t width, uint64_t height) {
+  const std::string measures =
+      "the picture measures " + std::to_string(width) + " x " + std::to_string(height);
+  if (width < 1 || height < 1) throw Failure("the picture has no pixels");
+  if (width > kLongestSide || height > kLongestSide) {
+    throw Failure(measures + ", more than the " + std::to_string(kLongestSide) +
+                  " pixels a side that a host allows");
   }
-  static unsigned opacity(uint32_t) { return 255; }
-  static unsigned channel(uint32_t value, unsigned) { return value; }
-};
-struct Premultiplied {
-  static uint32_t pack(const uint8_t* p) {
-    const auto times = [&](unsigned channel) { return (channel * p[3] + 127) / 255; };
-    return packed(p[3], times(p[0]), times(p[1]), times(p[2]));
-  }
-  static unsigned opacity(uint32_t word) { return word >> 24; }
-  static unsigned channel(uint32_t value, unsigned opacity) {
-    return opacity == 0 ? 0 : std::min(255U, (value * 255 + opacity / 2) / opacity);
-  }
-};
-// Seven bits of transparency in bits 24 to 30.
-struct Transparency {
-  static uint32_t pack(const uint8_t* p) { return packed((255U - p[3]) >> 1, p[0], p[1], p[2]); }
-  static unsigned opacity(uint32_t word) {
-    const unsigned bits = word >> 24 & 127;
-    return 255 - (bits * 2 + (bits & 1));
-  }
-  static unsigned channel(uint32_t value, unsigned) { return value; }
-};
-
-template <typename Layout>
-void packRows(const Image& image, REALpictureStruct* picture) {
-  for (int y = 0; y < image.height; ++y) {
-    const uint8_t* source = image.row(y);
-    uint32_t* row = host::pictureRow(picture, y);
-    for (int x = 0; x < image.width; ++x, source += 4) row[x] = Layout::pack(source);
+  if (width * height > kLargestPicture) {
+    throw Failure(measures + ", more than the " + std::to_string(kLargestPicture / 1'000'000) +
+                  " million pixels that fit into a 32-bit program");
   }
 }
 
-template <typename Layout>
-void unpackRows(REALpictureStruct* picture, const Image& image) {
-  for (int y = 0; y < image.height; ++y) {
-    const uint32_t* row = host::pictureRow(picture, y);
-    uint8_t* target = image.row(y);
-    for (int x = 0; x < image.width; ++x, target += 4) {
-      const unsigned opacity = Layout::opacity(row[x]);
-      for (unsigned i = 0; i < 3; ++i) {
-        const uint32_t value = row[x] >> (16 - 8 * i) & 0xFF;
-        target[i] = static_cast<uint8_t>(Layout::channel(value, opacity));
-      }
-      target[3] = static_cast<uint8_t>(opacity);
+Bytes profileIn(::Image* image, const char* name) {
+  size_t size = 0;
+  const unsigned char* bytes = GetImageProfile(image, name, &size);
+  return bytes ? Bytes(bytes, bytes + size) : Bytes();
+}
+
+// The colour space that an ICC profile is for: "RGB ", "GRAY", "CMYK" …
+std::string_view spaceOf(const Bytes& profile) {
+  constexpr size_t kAt = 16, kSize = 4;
+  if (profile.size() < kAt + kSize) return {};
+  return {reinterpret_cast<const char*>(profile.data()) + kAt, kSize};
+}
+
+// The library writes the EXIF data of PNG files but doesn't read them.
+void addExifOfPng(const Bytes& file, ::Image* image) {
+  constexpr size_t kSignature = 8, kHead = 8, kCrc = 4;
+  for (size_t at = kSignature; file.size() - at >= kHead;) {
+    const size_t size =
+        size_t{file[at]} << 24 | size_t{file[at + 1]} << 16 | size_t{file[at + 2]} << 8 | file[at + 3];
+    if (file.size() - at - kHead < size) return;
+    if (std::memcmp(&file[at + 4], "eXIf", 4) == 0) {
+      Bytes exif = {'E', 'x', 'i', 'f', 0, 0};
+      exif.insert(exif.end(), &file[at + kHead], &file[at + kHead] + size);
+      SetImageProfile(image, "EXIF", exif.data(), exif.size());
+      return;
     }
+    if (file.size() - at - kHead - size < kCrc) return;
+    at += kHead + size + kCrc;
   }
 }
 
-host::PictureRef pictureOf(const Image& image, bool hasAlpha) {
-  host::PictureRef picture = host::newPicture(image.width, image.height, hasAlpha);
-  if (!picture) throw std::bad_alloc();
-  return picture;
+Metadata metadataOf(::Image* image) {
+  Metadata metadata;
+  metadata.profile = profileIn(image, "ICM");
+  metadata.exif = profileIn(image, "EXIF");
+  constexpr double kCentimetres = 2.54;
+  if (image->units != UndefinedResolution) {
+    const double scale = image->units == PixelsPerCentimeterResolution ? kCentimetres : 1;
+    metadata.xResolution = image->x_resolution * scale;
+    metadata.yResolution = image->y_resolution * scale;
+  }
+  return metadata;
 }
 
-void addMask(const Image& image, REALpictureStruct* picture) {
-  const host::PictureRef mask = pictureOf(image, false);
+OrientationType orientationOf(::Image* image) {
+  if (image->orientation != UndefinedOrientation) return image->orientation;
+  const ImageAttribute* tag = GetImageAttribute(image, "EXIF:Orientation");
+  const bool isKnown = tag && tag->value && tag->value[0] >= '1' && tag->value[0] <= '8' && !tag->value[1];
+  return isKnown ? static_cast<OrientationType>(tag->value[0] - '0') : UndefinedOrientation;
+}
+
+void turnUpright(Magick& image, bool isTurnedWhenRead) {
+  const OrientationType orientation = orientationOf(image.get());
+  if (orientation <= TopLeftOrientation) return;
+  if (!isTurnedWhenRead) {
+    Report report;
+    Magick turned(AutoOrientImage(image.get(), orientation, report.info()));
+    if (!turned) report.fail();
+    image = std::move(turned);
+  }
+  SetImageAttribute(image.get(), "EXIF:Orientation", nullptr);
+  SetImageAttribute(image.get(), "EXIF:Orientation", "1");
+}
+
+// Of several pictures the largest; others go.
+void chooseLargest(Magick& images) {
+  ::Image* largest = images.get();
+  for (::Image* other = largest; other; other = other->next) {
+    if (other->columns * other->rows > largest->columns * largest->rows) largest = other;
+  }
+  if (!images->next) return;
+  Report report;
+  Magick chosen(CloneImage(largest, 0, 0, MagickTrue, report.info()));
+  if (!chosen) report.fail();
+  images = std::move(chosen);
+}
+
+Image decode(const std::string& path, const Bytes& file, bool upright) {
+  const std::string format = formatOf(path, file);
+  const Info info = infoFor(format);
+  const bool isIcon = format == "ICO";
+  if (!isIcon) info->subrange = 1;
+  Report report;
+  const Magick header(PingBlob(info.get(), file.data(), file.size(), report.info()));
+  if (!header) report.fail();
+  checkSize(header->columns, header->rows);
+  Report reading;
+  Magick image(BlobToImage(info.get(), file.data(), file.size(), reading.info()));
+  if (!image) reading.fail();
+  if (image->exception.severity >= ErrorException) throw Failure(reading.text());
+  if (reading.isWarning()) terminal::note(path + ": " + reading.text());
+  if (isIcon) {
+    chooseLargest(image);
+    if (!image->matte) terminal::note(path + ": the transparency of icons of this kind isn't read");
+  }
+  if (image->depth > 8)
+    terminal::note(path + ": " + std::to_string(image->depth) + " bits, read as 8 bits a channel");
+  if (image->colorspace == CMYKColorspace) {
+    terminal::note(path + ": CMYK colours become RGB without their colour profile");
+    DeleteImageProfile(image.get(), "ICM");
+    TransformColorspace(image.get(), RGBColorspace);
+  }
+  if (format == "PNG") addExifOfPng(file, image.get());
+  const bool isTurnedWhenRead = format != "JPEG" && format != "PNG" && format != "TIFF" && format != "WEBP";
+  if (upright || isTurnedWhenRead) turnUpright(image, isTurnedWhenRead);
+  Image pixels;
+  pixels.allocate(static_cast<unsigned>(image->columns), static_cast<unsigned>(image->rows));
+  pixels.hasAlpha = image->matte != MagickFalse;
+  for (int y = 0; y < pixels.height; ++y) {
+    if (!DispatchImage(image.get(), 0, y, image->columns, 1, "RGBA", CharPixel, pixels.row(y),
+                       reading.info()))
+      reading.fail();
+  }
+  pixels.metadata = metadataOf(image.get());
+  return pixels;
+}
+
+// ---- Writing ----
+
+bool keepsAlpha(const std::string& format) { return format != "jpeg" && format != "bmp"; }
+
+// Three bytes a pixel, on white.
+void flatten(const uint8_t* pixel, int width, uint8_t* target) {
+  for (const uint8_t* end = pixel + width * 4; pixel < end; pixel += 4) {
+    for (int i = 0; i < 3; ++i)
+      *target++ = static_cast<uint8_t>((pixel[i] * pixel[3] + 255 * (255 - pixel[3]) + 127) / 255);
+  }
+}
+
+bool isGray(const Image& image) {
+  const uint8_t* end = image.pixels.get() + image.byteCount();
+  for (const uint8_t* pixel = image.pixels.get(); pixel < end; pixel += 4) {
+    if (pixel[0] != pixel[1] || pixel[1] != pixel[2]) return false;
+  }
+  return true;
+}
+
+// Row by row: the picture's own pixels stay.
+Magick magickOf(const Image& image, const std::string& format) {
+  const bool hasAlpha = image.hasAlpha && keepsAlpha(format);
+  Report report;
+  Magick made(AllocateImage(nullptr));
+  if (!made) throw std::bad_alloc();
+  made->columns = static_cast<unsigned long>(image.width);
+  made->rows = static_cast<unsigned long>(image.height);
+  made->depth = 8;
+  made->matte = hasAlpha ? MagickTrue : MagickFalse;
+  std::vector<uint8_t> row(image.rowBytes());
   for (int y = 0; y < image.height; ++y) {
-    const uint8_t* opacity = image.row(y) + 3;
-    uint32_t* row = host::pictureRow(mask.get(), y);
-    for (int x = 0; x < image.width; ++x, opacity += 4) {
-      const auto gray = static_cast<uint8_t>(255 - *opacity);
-      const uint8_t pixel[4] = {gray, gray, gray, 255};
-      row[x] = Opaque::pack(pixel);
-    }
+    if (!hasAlpha) flatten(image.row(y), image.width, row.data());
+    if (!SetImagePixels(made.get(), 0, y, made->columns, 1) ||
+        !ImportImagePixelArea(made.get(), hasAlpha ? RGBAQuantum : RGBQuantum, 8,
+                              hasAlpha ? image.row(y) : row.data(), nullptr, nullptr) ||
+        !SyncImagePixels(made.get()))
+      throw std::bad_alloc();
   }
-  host::setPictureMask(picture, mask.get());
+  return made;
 }
 
-// The mask's red is the transparency; outside the mask everything is opaque.
-void applyMask(REALpictureStruct* mask, const Image& image) {
-  const int width = std::min(image.width, host::pictureWidth(mask));
-  const int height = std::min(image.height, host::pictureHeight(mask));
-  for (int y = 0; y < height; ++y) {
-    const uint32_t* row = host::pictureRow(mask, y);
-    uint8_t* opacity = image.row(y) + 3;
-    for (int x = 0; x < width; ++x, opacity += 4)
-      *opacity = static_cast<uint8_t>(255 - (row[x] >> 16 & 0xFF));
+void add(const Metadata& metadata, bool resultIsGray, ::Image* image) {
+  if (metadata.xResolution > 0 && metadata.yResolution > 0) {
+    image->units = PixelsPerInchResolution;
+    image->x_resolution = metadata.xResolution;
+    image->y_resolution = metadata.yResolution;
   }
+  const auto put = [&](const char* name, const Bytes& bytes) {
+    if (!bytes.empty()) SetImageProfile(image, name, bytes.data(), bytes.size());
+  };
+  // Colours would have no meaning by a profile for grays.
+  if (resultIsGray || spaceOf(metadata.profile) != "GRAY") put("ICM", metadata.profile);
+  put("EXIF", metadata.exif);
 }
 
 }  // namespace
 
 void Image::allocate(unsigned newWidth, unsigned newHeight) {
-  if (newWidth < 1 || newHeight < 1) throw Failure("the picture has no pixels");
-  if (newWidth > kLongestSide || newHeight > kLongestSide) {
-    throw Failure("the picture measures " + std::to_string(newWidth) + " x " + std::to_string(newHeight) +
-                  ", more than the " + std::to_string(kLongestSide) + " pixels a side that a host allows");
-  }
-  const uint64_t bytes = uint64_t{newWidth} * newHeight * 4;
-  if (bytes > INT32_MAX) throw std::bad_alloc();
-  pixels.reset(new uint8_t[static_cast<size_t>(bytes)]);
+  checkSize(newWidth, newHeight);
+  pixels.reset(new uint8_t[size_t{newWidth} * newHeight * 4]);
   width = static_cast<int>(newWidth);
   height = static_cast<int>(newHeight);
 }
@@ -144,11 +344,11 @@ bool operator==(const Image& a, const Image& b) {
          std::memcmp(a.pixels.get(), b.pixels.get(), a.byteCount()) == 0;
 }
 
-Image loadImage(const std::string& path) { return decodeImage(path, readFile(path)); }
+Image loadImage(const std::string& path, bool upright) { return decodeImage(path, readFile(path), upright); }
 
-Image decodeImage(const std::string& path, const std::vector<uint8_t>& file) {
+Image decodeImage(const std::string& path, const Bytes& file, bool upright) {
   try {
-    return decode(file);
+    return decode(path, file, upright);
   } catch (const Failure& failure) {
     throw Failure(path + ": " + failure.what());
   } catch (const std::bad_alloc&) {
@@ -156,50 +356,89 @@ Image decodeImage(const std::string& path, const std::vector<uint8_t>& file) {
   }
 }
 
-void checkExtension(const std::string& path) {
-  if (formatOf(path) != Format::none) return;
-  throw UsageError(path + ": pictures are written as .png, .jpg or .jpeg");
+std::string writtenFormat(const std::string& word) {
+  static constexpr std::pair<const char*, const char*> kWords[] = {
+      {"png", "png"},   {"jpg", "jpeg"}, {"jpeg", "jpeg"}, {"tif", "tiff"},
+      {"tiff", "tiff"}, {"bmp", "bmp"},  {"webp", "webp"}};
+  for (const auto& [known, format] : kWords) {
+    if (host::equalNames(word, known)) return format;
+  }
+  return "";
 }
 
-void saveImage(const Image& image, const std::string& path, int quality) {
-  std::vector<uint8_t> file;
+namespace {
+
+std::string formatFor(const std::string& path, const std::string& format) {
+  const std::string extension = std::filesystem::path(path).extension();
+  return writtenFormat(!format.empty() ? format : extension.empty() ? "" : extension.substr(1));
+}
+
+}  // namespace
+
+void checkExtension(const std::string& path, const std::string& format) {
+  if (!formatFor(path, format).empty()) return;
+  throw UsageError(path + ": pictures are written as .png, .jpg, .tif, .bmp or .webp, or name a --format");
+}
+
+namespace {
+
+// `copied` runs when the library has a copy of the pixels.
+template <typename Copied>
+Bytes encode(const Image& image, const Writing& writing, const Copied& copied) {
+  const Info info = infoFor(writing.format);
+  const bool resultIsGray = isGray(image);
+  Report report;
+  const Magick made = magickOf(image, writing.format);
+  add(image.metadata, resultIsGray, made.get());
+  copied();
+  std::snprintf(made->magick, sizeof(made->magick), "%s", writing.format.c_str());
+  info->quality = static_cast<unsigned long>(writing.quality);
+  if (writing.format == "png") {
+    // The library's number for both: adaptive filters take as long as quick compression itself.
+    constexpr int kUpFilter = 2, kAdaptiveFilters = 5, kQuick = 3;
+    info->quality = static_cast<unsigned long>(writing.compression * 10 +
+                                               (writing.compression > kQuick ? kAdaptiveFilters : kUpFilter));
+    // A profile for colours makes no sense in a file of grays.
+    const bool savesGray = resultIsGray && spaceOf(image.metadata.profile) != "RGB ";
+    info->type = savesGray ? (image.hasAlpha ? GrayscaleMatteType : GrayscaleType)
+                           : (image.hasAlpha ? TrueColorMatteType : TrueColorType);
+  }
+  if (writing.format == "tiff") info->compression = ZipCompression;
+  const std::string subsampling = !writing.subsampling.empty() ? writing.subsampling
+                                  : writing.quality >= 90      ? "4:4:4"
+                                                               : "4:2:0";
+  const char* factors = subsampling == "4:4:4" ? "1x1" : subsampling == "4:2:2" ? "2x1" : "2x2";
+  CloneString(&info->sampling_factor, factors);
+  AddDefinitions(info.get(), "jpeg:optimize-coding=true", report.info());
+  size_t size = 0;
+  const std::unique_ptr<void, Freeing> blob(ImageToBlob(info.get(), made.get(), &size, report.info()));
+  if (!blob || size == 0) report.fail();
+  const auto* bytes = static_cast<const uint8_t*>(blob.get());
+  return {bytes, bytes + size};
+}
+
+}  // namespace
+
+Bytes encodeImage(const Image& image, const Writing& writing) {
+  return encode(image, writing, [] {});
+}
+
+void saveImage(Image image, const std::string& path, const Writing& writing) {
+  Writing chosen = writing;
+  chosen.format = formatFor(path, writing.format);
+  if (image.hasAlpha && !keepsAlpha(chosen.format))
+    terminal::note(path + ": " + chosen.format + " has no transparency: it becomes white");
+  if (!image.metadata.exif.empty() && (chosen.format == "tiff" || chosen.format == "bmp"))
+    terminal::note(path + ": EXIF data aren't written into " + chosen.format);
+  Bytes file;
   try {
-    file = formatOf(path) == Format::png ? encodePng(image) : encodeJpeg(image, quality);
+    file = encode(image, chosen, [&] { image.pixels.reset(); });
   } catch (const Failure& failure) {
     throw Failure(path + ": " + failure.what());
+  } catch (const std::bad_alloc&) {
+    throw Failure(path + ": not enough memory to write the picture");
   }
   writeFile(path, file);
-}
-
-host::PictureRef toPicture(const Image& image) {
-  const bool hasAlpha = image.hasAlpha && hostHasAlpha();
-  host::PictureRef picture = pictureOf(image, hasAlpha);
-  if (!hasAlpha) {
-    packRows<Opaque>(image, picture.get());
-    if (image.hasAlpha) addMask(image, picture.get());
-  } else if (host::settings().road == host::Road::console) {
-    packRows<Transparency>(image, picture.get());
-  } else {
-    packRows<Premultiplied>(image, picture.get());
-  }
-  return picture;
-}
-
-Image fromPicture(REALpictureStruct* picture) {
-  Image image;
-  image.allocate(static_cast<unsigned>(host::pictureWidth(picture)),
-                 static_cast<unsigned>(host::pictureHeight(picture)));
-  REALpictureStruct* mask = host::pictureMask(picture);
-  image.hasAlpha = host::pictureHasAlpha(picture) || mask;
-  if (!host::pictureHasAlpha(picture)) {
-    unpackRows<Opaque>(picture, image);
-    if (mask) applyMask(mask, image);
-  } else if (host::settings().road == host::Road::console) {
-    unpackRows<Transparency>(picture, image);
-  } else {
-    unpackRows<Premultiplied>(picture, image);
-  }
-  return image;
 }
 
 }  // namespace zvr

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "zvr/files/host_pictures.h"
 #include "zvr/gallery/scaling.h"
 #include "zvr/gallery/words.h"
 #include "zvr/language/filters.h"

@@ -35,9 +35,14 @@ std::string base64(const Bytes& bytes) {
 // As PNG or JPEG, whichever is smaller; only PNG keeps transparency.
 std::string dataUri(const Image& image, const Fineness& fineness) {
   const Image shown = scaledDown(image, fineness.side);
-  const Bytes png = encodePng(shown);
+  Writing writing;
+  writing.format = "png";
+  writing.compression = 9;
+  const Bytes png = encodeImage(shown, writing);
   if (!shown.hasAlpha) {
-    const Bytes jpeg = encodeJpeg(shown, fineness.quality);
+    writing.format = "jpeg";
+    writing.quality = fineness.quality;
+    const Bytes jpeg = encodeImage(shown, writing);
     if (jpeg.size() < png.size()) return "data:image/jpeg;base64," + base64(jpeg);
   }
   return "data:image/png;base64," + base64(png);

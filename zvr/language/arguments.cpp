@@ -3,8 +3,9 @@
 #include <new>
 
 #include "zvr/files/files.h"
-#include "zvr/files/images.h"
+#include "zvr/files/host_pictures.h"
 #include "zvr/terminal/failures.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr {
 
@@ -25,9 +26,15 @@ host::Value valueOfBytes(const Bytes& bytes, host::Type type) {
   return block;
 }
 
-host::Value valueOfFile(const std::string& path, host::Type type) {
-  if (type == host::Type::picture) return toPicture(loadImage(path));
-  return valueOfBytes(readBytes(path), type);
+host::Value valueOfFile(const std::string& path, host::Type type, const PictureOptions& options,
+                        bool asOnHost) {
+  if (type != host::Type::picture) return valueOfBytes(readBytes(path), type);
+  const Image image = loadImage(path, options.upright);
+  const bool isBeside = options.alpha != Alpha::premultiplied && !asOnHost;
+  if (image.hasAlpha && isBeside && options.alpha == Alpha::keep)
+    terminal::note(path +
+                   ": its transparency plays no part; --alpha premultiplied sends it through the library");
+  return toPicture(image, isBeside ? Transparent::beside : Transparent::asOnHost);
 }
 
 Bytes bytesOf(const host::Value& value) {

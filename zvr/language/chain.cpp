@@ -226,6 +226,17 @@ std::vector<std::string> filesRead(const Chain& chain) {
   return files;
 }
 
+bool concernsTransparency(const Chain& chain) {
+  return std::any_of(chain.steps.begin(), chain.steps.end(), [](const Step& step) {
+    const host::Declaration& declaration = step.method->declaration;
+    const auto isMaskScrolled = [](const host::Parameter& p) {
+      return host::equalNames(p.name, "scrollmask");
+    };
+    return declaration.name == "EmbeddedMaskZVR" || declaration.name == "HasMaskZVR" ||
+           std::any_of(declaration.parameters.begin(), declaration.parameters.end(), isMaskScrolled);
+  });
+}
+
 std::string inputWord(const std::string& path) {
   return namesMethod(path) || path == kBetweenSteps ? "./" + path : path;
 }

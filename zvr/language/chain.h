@@ -42,6 +42,8 @@ struct Chain {
 
 // Every file that a chain reads: its inputs, and those among the arguments.
 std::vector<std::string> filesRead(const Chain& chain);
+// Whether a step is about transparency or masks: then the picture goes through the library as a host has it.
+bool concernsTransparency(const Chain& chain);
 // A path as a word among the inputs, which a method's name or a + would end.
 std::string inputWord(const std::string& path);
 

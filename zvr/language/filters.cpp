@@ -3,7 +3,8 @@
 #include <new>
 #include <stdexcept>
 
-#include "zvr/files/images.h"
+#include "zvr/files/files.h"
+#include "zvr/language/original.h"
 #include "zvr/terminal/failures.h"
 
 namespace zvr {
@@ -96,6 +97,13 @@ host::PictureRef Filter::run(const host::PictureRef& source) {
   const auto* picture = std::get_if<host::PictureRef>(&result);
   if (!picture || !*picture) throw Failure(name() + "." + kDestination + " is nil");
   return *picture;
+}
+
+void runOnFile(Filter& filter, const std::string& input, const std::string& output,
+               const PictureOptions& options) {
+  Original original(input, readFile(input), options);
+  const host::PictureRef result = filter.run(original.takePicture());
+  saveImage(original.finished(fromPicture(result.get())), output, options.writing);
 }
 
 }  // namespace zvr

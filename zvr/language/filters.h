@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/calls.h"
+#include "zvr/language/outputs.h"
 
 namespace zvr {
 
@@ -36,5 +37,9 @@ class Filter {
   host::ObjectRef instance_;
   std::vector<std::string> files_;
 };
+
+// Runs it on a picture file and writes the result with what the file adds to it. Throws Failure.
+void runOnFile(Filter& filter, const std::string& input, const std::string& output,
+               const PictureOptions& options);
 
 }  // namespace zvr

@@ -13,14 +13,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string writableExtension(const fs::path& input) {
+// The input's own extension where such files are written, else png; or that of the wanted format.
+std::string writableExtension(const fs::path& input, const std::string& format) {
+  if (!format.empty()) return format == "jpeg" ? "jpg" : format == "tiff" ? "tif" : format;
   const std::string extension = input.extension();
-  try {
-    checkExtension(input);
-    return extension.substr(1);
-  } catch (const UsageError&) {
-    return "png";
-  }
+  return extension.empty() || writtenFormat(extension.substr(1)).empty() ? "png" : extension.substr(1);
 }
 
 // The input's name without its extension. That of "...png" would be the folder above.
@@ -60,15 +57,18 @@ bool isFolder(const std::string& path) {
 
 }  // namespace
 
-OutputPlan::OutputPlan(const std::vector<std::string>& reads) {
+OutputPlan::OutputPlan(const std::vector<std::string>& reads, const PictureOptions& options)
+    : options_(options) {
   for (const std::string& path : reads) reads_.emplace(fileIdentity(path), path);
 }
 
 void OutputPlan::claim(const std::string& output, const std::string& option, const std::string& input) {
   const std::string identity = fileIdentity(output);
-  if (const auto read = reads_.find(identity); read != reads_.end()) {
+  const auto read = reads_.find(identity);
+  const bool isOwn = options_.isInPlace && identity == fileIdentity(input);
+  if (read != reads_.end() && !isOwn) {
     throw UsageError(option + ": " + output + " would be written over the input " + read->second +
-                     "; choose another name or folder");
+                     "; choose another name or folder, or add --in-place");
   }
   const auto [entry, isNew] = users_.emplace(identity, User{option, input});
   if (isNew) return;
@@ -87,25 +87,63 @@ std::vector<std::string> OutputPlan::add(Content content, const std::vector<std:
   std::vector<std::string> outputs;
   for (const std::string& given : inputs) {
     const fs::path input(given);
-    const std::string extension = isPicture ? writableExtension(input) : "bin";
+    const std::string& format = options_.writing.format;
+    const std::string extension = isPicture ? writableExtension(input, format) : "bin";
+    const bool replaces = pattern.empty() && isPicture && options_.isInPlace;
     fs::path output = pattern.empty()
                           ? input.parent_path()
                           : fs::path(filled(option, pattern, input, extension, outputs.size() + 1));
-    if (pattern.empty() || isFolder(output)) {
-      output /= nameOf(input) + "-" + label + (isPicture ? ".png" : ".bin");
+    if (replaces) {
+      output = input;
+    } else if (pattern.empty() || isFolder(output)) {
+      output /= nameOf(input) + "-" + label + "." + (isPicture && format.empty() ? "png" : extension);
     }
-    if (isPicture) checkExtension(output);
+    if (isPicture) checkExtension(output, format);
     claim(output, option, given);
     outputs.push_back(output);
   }
   return outputs;
 }
 
-void addQuality(CLI::App& command, int& quality) {
-  command.add_option("--quality", quality, "Quality of written JPEG files")
+void addWriting(CLI::App& command, Writing& writing) {
+  command
+      .add_option_function<std::string>(
+          "--format",
+          [&writing](const std::string& word) {
+            writing.format = writtenFormat(word);
+            if (writing.format.empty())
+              throw UsageError("--format: '" + word + "' is not a format that zvr writes");
+          },
+          "png, jpeg, tiff, bmp or webp; else by the extension")
+      ->type_name("FORMAT");
+  command.add_option("--quality", writing.quality, "Quality of written JPEG and WebP files")
       ->type_name("1...100")
       ->check(CLI::Range(1, 100).description(""))
       ->capture_default_str();
+  command
+      .add_option("--subsampling", writing.subsampling,
+                  "Of JPEG files: 4:4:4, 4:2:2 or 4:2:0; by the quality")
+      ->type_name("J:A:B")
+      ->check(CLI::IsMember({"4:4:4", "4:2:2", "4:2:0"}).description(""));
+  command.add_option("--compression", writing.compression, "Of PNG files, 9 for the smallest")
+      ->type_name("0...9")
+      ->check(CLI::Range(0, 9).description(""))
+      ->capture_default_str();
+}
+
+void addPictureOptions(CLI::App& command, PictureOptions& options) {
+  addWriting(command, options.writing);
+  const std::map<std::string, Alpha> ways = {
+      {"keep", Alpha::keep}, {"drop", Alpha::drop}, {"premultiplied", Alpha::premultiplied}};
+  command
+      .add_option("--alpha", options.alpha,
+                  "The input's transparency: put back on a result of its size (keep),\n"
+                  "left out (drop), or sent through the library as in a host program (premultiplied)")
+      ->type_name("keep|drop|premultiplied")
+      ->transform(CLI::CheckedTransformer(ways).description(""));
+  command.add_flag("--strip", options.strips, "Leave out colour profile, resolution and EXIF");
+  command.add_flag("!--no-autorotate", options.upright, "Leave pictures turned as they lie in the file");
+  command.add_flag("--in-place", options.isInPlace, "Write a result over its input");
 }
 
 std::vector<std::string> OutputPlan::pictures(const std::vector<std::string>& inputs,
@@ -120,10 +158,10 @@ std::vector<std::string> OutputPlan::data(const std::vector<std::string>& inputs
 }
 
 std::string planOutput(const std::string& input, const std::string& pattern, const std::string& label,
-                       const std::vector<std::string>& others) {
+                       const PictureOptions& options, const std::vector<std::string>& others) {
   std::vector<std::string> reads = others;
   reads.push_back(input);
-  return OutputPlan(reads).pictures({input}, "-o", pattern, label)[0];
+  return OutputPlan(reads, options).pictures({input}, "-o", pattern, label)[0];
 }
 
 }  // namespace zvr

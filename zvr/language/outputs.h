@@ -5,28 +5,46 @@
 #include <string>
 #include <vector>
 
+#include "zvr/files/images.h"
+
 namespace CLI {
 class App;
 }
 
 namespace zvr {
 
-constexpr int kUsualQuality = 92;
-// Adds --quality, 1 to 100, for JPEG files.
-void addQuality(CLI::App& command, int& quality);
+// How the transparency of an input reaches the result.
+enum class Alpha {
+  keep,           // past the library: it is put back on a result of the same size
+  drop,           // not at all
+  premultiplied,  // through the library, as the host that is played keeps it
+};
+
+struct PictureOptions {
+  Writing writing;
+  Alpha alpha = Alpha::keep;
+  bool strips = false;     // metadata stays behind
+  bool upright = true;     // pictures are turned as their orientation tags say
+  bool isInPlace = false;  // a result may replace its input
+};
+// --format, --quality, --subsampling and --compression.
+void addWriting(CLI::App& command, Writing& writing);
+// The same, with what is for commands that read pictures: --alpha, --strip, --no-autorotate and --in-place.
+void addPictureOptions(CLI::App& command, PictureOptions& options);
 
 // Output files that coincide neither with one another nor with what is read: files are compared, not names.
 class OutputPlan {
  public:
-  // `reads`: every file that is read, inputs and arguments alike.
-  explicit OutputPlan(const std::vector<std::string>& reads);
+  // `reads`: every file that is read, inputs and arguments alike. Of the options the format and isInPlace
+  // count.
+  OutputPlan(const std::vector<std::string>& reads, const PictureOptions& options);
 
   // The output file for each input, called NAME-LABEL.png when `pattern` has no file name of its own: a
   // pattern may hold {name} (the input's name without its extension), {ext} (its extension, png when it has
   // none that can be written) and {n} (1 for the first input), or be a folder: one that exists or that ends
-  // in /. Empty: beside the input. `option` is what gave it. Throws UsageError for patterns that make no
-  // sense, formats that can't be written, and outputs that coincide with a file that is read, with one
-  // another or with those planned before.
+  // in /. Empty: beside the input, or the input itself in place. `option` is what gave it. Throws UsageError
+  // for patterns that make no sense, formats that can't be written, and outputs that coincide with a file
+  // that is read, with one another or with those planned before.
   std::vector<std::string> pictures(const std::vector<std::string>& inputs, const std::string& option,
                                     const std::string& pattern, const std::string& label);
   // The same for bytes: NAME-LABEL.bin, any extension, and {ext} is bin.
@@ -44,12 +62,13 @@ class OutputPlan {
   struct User {
     std::string option, input;
   };
+  PictureOptions options_;
   std::map<std::string, std::string> reads_;  // names by identity
   std::map<std::string, User> users_;         // by the output's identity
 };
 
 // The one picture of a plan of its own, given by -o; `others` are files that are read besides the input.
 std::string planOutput(const std::string& input, const std::string& pattern, const std::string& label,
-                       const std::vector<std::string>& others = {});
+                       const PictureOptions& options, const std::vector<std::string>& others = {});
 
 }  // namespace zvr

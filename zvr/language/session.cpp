@@ -65,7 +65,7 @@ void startHost(host::Settings& settings, const Options& options) {
     host::start(settings);
   } catch (const host::MissingLibrary&) {
     if (!options.host.empty()) throw;
-    terminal::complain("note: no cairo here, so a console host is played; --host cairo says what to install");
+    terminal::note("no cairo here, so a console host is played; --host cairo says what to install");
     settings.road = host::Road::console;
     host::start(settings);
   }

@@ -8,8 +8,12 @@
 
 namespace zvr {
 
-Walk::Walk(const std::string& input, std::string label)
-    : input_(input), label_(std::move(label)), data_(readBytes(input)) {}
+Walk::Walk(const std::string& input, std::string label, const PictureOptions& options, bool asOnHost)
+    : input_(input),
+      label_(std::move(label)),
+      data_(readBytes(input)),
+      options_(options),
+      asOnHost_(asOnHost) {}
 
 std::map<size_t, Bytes> Walk::take(const Step& step, const std::vector<size_t>& kept) {
   const host::Method& method = *step.method;
@@ -46,13 +50,16 @@ std::map<size_t, Bytes> Walk::report(const host::Declaration& declaration,
   return blocks;
 }
 
-bool Walk::hasResult() const { return hasAnswered_ || (picture_ && !(picture() == before_)); }
+bool Walk::hasResult() const {
+  return hasAnswered_ || (picture_ && fingerprintOf(picture_.get()) != before_);
+}
 
 host::PictureRef Walk::currentPicture() {
   if (!picture_) {
-    picture_ = toPicture(decodeImage(input_, data_));
-    before_ = picture();  // as the host keeps it
-    data_ = {};           // no step takes it as bytes any more
+    original_ = Original(input_, data_, options_, asOnHost_);
+    picture_ = original_.takePicture();
+    before_ = fingerprintOf(picture_.get());
+    data_ = {};  // no step takes it as bytes any more
   }
   return picture_;
 }
@@ -62,7 +69,8 @@ host::Value Walk::valueOf(const Argument& argument, host::Type type) {
     if (type == host::Type::picture) return currentPicture();
     return valueOfBytes(data_, type);
   }
-  if (const auto* file = std::get_if<ArgumentFile>(&argument)) return valueOfFile(file->path, type);
+  if (const auto* file = std::get_if<ArgumentFile>(&argument))
+    return valueOfFile(file->path, type, options_, asOnHost_);
   return std::get<host::Value>(argument);
 }
 

@@ -5,16 +5,17 @@
 #include <string>
 #include <vector>
 
-#include "zvr/files/images.h"
 #include "zvr/language/arguments.h"
 #include "zvr/language/chain.h"
+#include "zvr/language/original.h"
 
 namespace zvr {
 
 class Walk {
  public:
-  // `label` begins every line that is printed. Throws Failure for an input that can't be read.
-  Walk(const std::string& input, std::string label);
+  // `label` begins every line that is printed. `asOnHost` as for Original. Throws Failure for an input that
+  // can't be read.
+  Walk(const std::string& input, std::string label, const PictureOptions& options, bool asOnHost);
 
   // Calls the method and prints its answer, except pictures and strings, and the arguments by
   // reference. Blocks whose parameter index is in `kept` are handed back instead. Throws Failure.
@@ -22,7 +23,8 @@ class Walk {
 
   // Whether a step has answered a picture or string, or changed the picture in place.
   bool hasResult() const;
-  Image picture() const { return fromPicture(picture_.get()); }
+  // The picture, with what the input adds to it.
+  Image picture() const { return original_.finished(fromPicture(picture_.get())); }
   const Bytes& data() const { return data_; }
 
  private:
@@ -37,7 +39,10 @@ class Walk {
   std::string input_, label_;
   Bytes data_;  // of the input until a step takes it as a picture, then of the string that a step answered
   host::PictureRef picture_;
-  Image before_;  // the input, once it was taken as a picture
+  PictureOptions options_;
+  bool asOnHost_;
+  Original original_;  // the input, once it was taken as a picture
+  size_t before_ = 0;  // its fingerprint
   bool hasAnswered_ = false;
 };
 

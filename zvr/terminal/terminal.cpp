@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <set>
 
 namespace zvr::terminal {
 namespace {
@@ -97,6 +98,11 @@ void complain(const std::string& problem, const std::vector<std::string>& furthe
   std::fprintf(stderr, "%s %s\n", paint(isErrorColorOn, Style::error, "zvr:").c_str(),
                escaped(problem).c_str());
   for (const std::string& line : further) std::fprintf(stderr, "%s\n", escaped(line).c_str());
+}
+
+void note(const std::string& text) {
+  static std::set<std::string> told;
+  if (told.insert(text).second) complain("note: " + text);
 }
 
 Progress::Progress(size_t total) : total_(total) { draw(); }

@@ -25,6 +25,9 @@ void printWritten(const std::string& path);
 // A line to standard error with "zvr: " before it, and further lines; escaped.
 void complain(const std::string& problem, const std::vector<std::string>& further = {});
 
+// The same for something to know that stops nothing, after "note: "; each text once.
+void note(const std::string& text);
+
 // A bar on standard error with count, rate and time left; silent when that is no terminal or when there
 // is no more than one thing to do.
 class Progress {
