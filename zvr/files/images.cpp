@@ -46,7 +46,6 @@ class Report {
   Report& operator=(const Report&) = delete;
 
   ExceptionInfo* info() { return &info_; }
-  bool isWarning() const { return info_.severity >= WarningException && info_.severity < ErrorException; }
   // Both its texts; empty when nothing was wrong.
   std::string text() const {
     std::string text = info_.reason ? GetLocaleExceptionMessage(info_.severity, info_.reason) : "";
@@ -54,10 +53,10 @@ class Report {
     if (!more.empty()) text += (text.empty() ? "" : ": ") + more;
     return text;
   }
-  [[noreturn]] void fail() const {
+  [[noreturn]] void fail(const std::string& prefix = "") const {
     if (info_.severity == ResourceLimitError || info_.severity == ResourceLimitFatalError)
       throw std::bad_alloc();
-    throw Failure(text().empty() ? "not a picture that can be read" : text());
+    throw Failure(prefix + (text().empty() ? "the library doesn't say why" : text()));
   }
 
  private:
@@ -241,13 +240,15 @@ Image decode(const std::string& path, const Bytes& file, bool upright) {
   if (!isIcon) info->subrange = 1;
   Report report;
   const Magick header(PingBlob(info.get(), file.data(), file.size(), report.info()));
-  if (!header) report.fail();
+  if (!header) report.fail("damaged " + format + ": ");
   checkSize(header->columns, header->rows);
   Report reading;
   Magick image(BlobToImage(info.get(), file.data(), file.size(), reading.info()));
-  if (!image) reading.fail();
-  if (image->exception.severity >= ErrorException) throw Failure(reading.text());
-  if (reading.isWarning()) terminal::note(path + ": " + reading.text());
+  if (!image) reading.fail("damaged " + format + ": ");
+  // All other oddities leave every pixel as its file has it.
+  if (reading.text().find("Premature end") != std::string::npos)
+    throw Failure("damaged " + format + ": " + reading.text());
+  if (!reading.text().empty()) terminal::note(path + ": " + reading.text());
   if (isIcon) {
     chooseLargest(image);
     if (!image->matte) terminal::note(path + ": the transparency of icons of this kind isn't read");
