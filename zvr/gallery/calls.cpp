@@ -240,10 +240,7 @@ Card Stage::show(const host::Class& type, const Example* example) {
   card.basicLines.emplace_back("If filter.Run Then photo = filter.DestinationPicture");
   try {
     Filter filter(type.name);
-    if (isLook) {
-      const Cube cube = loadCube(material_.lookPath);
-      fillTable(filter, &cube);
-    }
+    if (isLook) fillTable(filter, loadCube(material_.lookPath));
     for (const std::string& setting : settings) {
       const size_t sign = setting.find('=');
       filter.set(setting.substr(0, sign), setting.substr(sign + 1));
