@@ -398,6 +398,7 @@ TEST_F(Looks, SaysWhatIsWrong) {
       {"lut photo.png film", 1, "film: a cineSpace look"},
       {"lut photo.png profile", 1, "profile: an ICC profile"},
       {"lut bad.cube photo.png -o out.png", 1, "photo.png: a picture, perhaps a Hald look"},
+      {"run picturelut3dzvr photo.png -o out.png", 1, "PictureLut3DZVR.Table is empty; `zvr lut` fills it"},
       {"lut photo.png", 2, "expected a picture and a .cube file, found only photo.png"},
       {"lut", 2, "expected a .cube file, or --identity"},
       {"lut photo.png more.png bad.cube", 2, "unexpected word 'more.png'"},

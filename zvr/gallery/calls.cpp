@@ -5,6 +5,7 @@
 
 #include "zvr/gallery/scaling.h"
 #include "zvr/gallery/words.h"
+#include "zvr/language/causes.h"
 #include "zvr/language/filters.h"
 #include "zvr/language/look_table.h"
 #include "zvr/language/signatures.h"
@@ -184,7 +185,7 @@ void Stage::run(const Chain& chain, Card& card) {
   const host::Outcome outcome = call.run();
   addAnswers(declaration, outcome, card);
   if (const auto* picture = std::get_if<host::PictureRef>(&outcome.result); picture && !call.step.assigned) {
-    if (!*picture) throw Failure("answered nil");
+    if (!*picture) throw Failure(nilText(declaration, call.receiver, outcome.arguments));
     addPicture(*picture, before_, card);
     card.isComparable = card.isComparable && isPhoto;
   } else if (call.receiver && !(fromPicture(call.receiver.get()) == before_)) {
