@@ -129,7 +129,7 @@ void addLut(CLI::App& program, const Options& options, Run& run) {
   command->add_flag("--identity", own->identity,
                     "Instead of a .cube file, the table that leaves every colour as it is");
   command->add_flag("--dump", own->dump,
-                    "Print the table as the class holds it; without -o no picture is needed or written");
+                    "Print the table, or curves, as applied; without -o no picture is needed or written");
   addQuality(*command, own->quality);
   command->footer(
       "Looks of three dimensions, with or without a shaper of one before them, are resampled to the\n"
