@@ -325,20 +325,18 @@ TEST_F(Looks, AreWhatTheySayAndRounded) {
                    0.005, 0.02});
   for (const Look& look : looks) {
     writeCube(look.cube);
-    for (const char* host : {"cairo", "console"}) {
-      const zvr_test::Bytes out = result("lut photo.png look.cube --host " + std::string(host)).bytes;
-      const zvr_test::Bytes& in = photo_.bytes;
-      double sum = 0;
-      for (size_t i = 0; i < in.size(); i += 4) {
-        const Color expected = look.says({in[i] / 255.0, in[i + 1] / 255.0, in[i + 2] / 255.0});
-        for (size_t x = 0; x < 3; ++x) {
-          const double exact = expected[x] * 255, given = out[i + x];
-          ASSERT_NEAR(given, exact, 0.5 + look.most);
-          sum += given - std::round(exact);
-        }
+    const std::string host = look.cube.space.size % 2 == 0 ? "console" : "cairo";
+    const zvr_test::Bytes out = result("lut photo.png look.cube --host " + host).bytes, &in = photo_.bytes;
+    double sum = 0;
+    for (size_t i = 0; i < in.size(); i += 4) {
+      const Color expected = look.says({in[i] / 255.0, in[i + 1] / 255.0, in[i + 2] / 255.0});
+      for (size_t x = 0; x < 3; ++x) {
+        const double exact = expected[x] * 255, given = out[i + x];
+        ASSERT_NEAR(given, exact, 0.5 + look.most);
+        sum += given - std::round(exact);
       }
-      EXPECT_NEAR(sum / (static_cast<double>(in.size()) * 0.75), 0, look.mean) << look.cube.space.size;
     }
+    EXPECT_NEAR(sum / (static_cast<double>(in.size()) * 0.75), 0, look.mean) << look.cube.space.size;
   }
 }
 
