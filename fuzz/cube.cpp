@@ -10,12 +10,13 @@
 
 namespace {
 
-void expectWithinEntries(const zvr::Cube& cube, const std::array<double, 3>& input) {
+void expectWithinEntries(const zvr::Cube& cube, const zvr::Cube::Color& input) {
   constexpr double kRounding = 1e-6;
-  const std::array<double, 3> color = cube.at(input);
+  const zvr::Cube::Color color = cube.at(input);
   for (size_t i = 0; i < 3; ++i) {
+    const std::vector<zvr::Cube::Color>& entries = (cube.space.size != 0 ? cube.space : cube.curves).entries;
     const auto less = [i](const auto& a, const auto& b) { return a[i] < b[i]; };
-    const auto [lowest, highest] = std::minmax_element(cube.entries.begin(), cube.entries.end(), less);
+    const auto [lowest, highest] = std::minmax_element(entries.begin(), entries.end(), less);
     if (!(color[i] >= (*lowest)[i] - kRounding && color[i] <= (*highest)[i] + kRounding)) {
       fuzz::fail("a colour outside the table's entries");
     }
@@ -28,8 +29,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   try {
     const zvr::Cube cube = zvr::parseCube({reinterpret_cast<const char*>(bytes), size});
     for (const double value : {-1.0, 0.0, 0.3, 1.0, 7e4}) expectWithinEntries(cube, {value, 0.5, value});
-    expectWithinEntries(cube, cube.low);
-    expectWithinEntries(cube, cube.high);
+    for (const zvr::Cube::Table* table : {&cube.curves, &cube.space}) {
+      expectWithinEntries(cube, table->low);
+      expectWithinEntries(cube, table->high);
+    }
   } catch (const zvr::Failure& problem) {
     if (std::string_view(problem.what()).substr(0, 5) != "line ") fuzz::fail("an error that names no line");
   }

@@ -131,6 +131,8 @@ TEST_F(ZvrMethods, passBytesThroughFiles) {
 
 TEST_F(ZvrMethods, sayWhatIsWrongWithFiles) {
   writeBytes(folder_ / "empty.bin", {});
+  writeBytes(folder_ / "odd.bin", {1, 2, 3});
+  writePng(folder_ / "small.png", zvr_test::pattern(5, 4, false));
   fs::create_directory(folder_ / "folder");
   const Call failures[] = {
       {"TransformColorsZVR red.bin gone.bin green.bin", "gone.bin: No such file"},
@@ -139,7 +141,18 @@ TEST_F(ZvrMethods, sayWhatIsWrongWithFiles) {
       {"TransformColorsZVR nil nil nil", "NilObjectException: red memoryblock is nil"},
       {"CountColorsZVR --in red=gone.bin", "gone.bin: No such file"},
       {"CountColorsZVR --out red=folder/../photo.png/x", "photo.png/x: Not a directory"},
-      {"BinaryStringtoPictureZVR", "BinaryStringtoPictureZVR answered nil"},
+      {"BinaryStringtoPictureZVR red.bin",
+       "BinaryStringtoPictureZVR answered nil for data = String of 256 bytes. Memory ran out, or as the "
+       "manual says: Nil when the string"},
+      {"MergePictureZVR @ nil", "MergePictureZVR answered nil: source2 is nil"},
+      {"MergePictureZVR small.png @",
+       "MergePictureZVR answered nil: the sizes differ: source1 = Picture of 5 x 4, source2 = Picture of 23 "
+       "x 9"},
+      {"ReplaceRedChannelZVR small.png",
+       "answered nil: the sizes differ: @ = Picture of 23 x 9, RedChannel = Picture of 5 x 4"},
+      {"RenderSamplesZVR red.bin 0 1 32768 9 0", "answered nil: Width is 32768, above 32767"},
+      {"RenderSamplesZVR odd.bin 0 1 10 9 0 red red red 9",
+       "answered nil for Samples = MemoryBlock of 3 bytes, "},
   };
   for (const auto& [words, says] : failures) {
     const Finished done = runLine(std::string("apply photo.png ") + words);

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cmath>
 
 #include "zvr/commands/commands.h"
@@ -10,6 +11,7 @@
 #include "zvr/language/look_table.h"
 #include "zvr/language/outputs.h"
 #include "zvr/language/signatures.h"
+#include "zvr/language/walk.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
@@ -45,6 +47,42 @@ LutFiles filesOf(const LutOptions& own) {
   return files;
 }
 
+// A look without a table of three dimensions is three curves, which TransformColorsZVR applies exactly.
+using Curves = std::array<Bytes, 3>;
+
+Curves curvesOf(const Cube& cube) {
+  constexpr int kFull = 255;
+  Curves curves;
+  for (int value = 0; value <= kFull; ++value) {
+    const double input = value / double{kFull};
+    const Cube::Color color = cube.at({input, input, input});
+    for (size_t x = 0; x < 3; ++x) {
+      curves[x].push_back(static_cast<uint8_t>(std::lround(std::clamp(color[x], 0.0, 1.0) * kFull)));
+    }
+  }
+  return curves;
+}
+
+void runCurves(const Curves& curves, const std::string& picture, const std::string& output,
+               const PictureOptions& options) {
+  const auto block = [&](size_t x) { return valueOfBytes(curves[x], host::Type::memoryBlock); };
+  const Step step{host::findMethods("TransformColorsZVR").at(0),
+                  {block(0), block(2), block(1), host::PictureRef()},  // red, blue, green
+                  {}};
+  Walk walk(picture, "", options, false);
+  walk.take(step, {});
+  saveImage(walk.picture(), output, options.writing);
+}
+
+void dump(const Curves& curves) {
+  terminal::print("# value  red green blue");
+  for (size_t value = 0; value < curves[0].size(); ++value) {
+    std::string line = std::to_string(value) + " ";
+    for (const Bytes& curve : curves) line += " " + std::to_string(curve[value]);
+    terminal::print(line);
+  }
+}
+
 void dump(Filter& filter) {
   const host::Method& table = filter.method("Table");
   terminal::print("# r g b  Table(r, g, b, 0) Table(r, g, b, 1) Table(r, g, b, 2)");
@@ -58,20 +96,21 @@ void dump(Filter& filter) {
 int lut(const Options& options, const LutOptions& own) {
   const LutFiles files = filesOf(own);
   const Session session(options);
-  Filter filter("PictureLut3DZVR");
   const std::vector<std::string> cubes(own.identity ? 0 : 1, files.cube);
   const bool writes = !own.dump || !own.output.empty();
   const std::string output = writes ? planOutput(files.picture, own.output, "lut", own.pictures, cubes) : "";
-  if (own.identity) {
-    fillTable(filter, nullptr);
+  const Cube cube = own.identity ? Cube() : loadCube(files.cube);
+  if (cube.curves.size != 0 && cube.space.size == 0) {
+    const Curves curves = curvesOf(cube);
+    if (own.dump) dump(curves);
+    if (writes) runCurves(curves, files.picture, output, own.pictures);
   } else {
-    const Cube cube = loadCube(files.cube);
-    fillTable(filter, &cube);
+    Filter filter("PictureLut3DZVR");
+    fillTable(filter, cube);
+    if (own.dump) dump(filter);
+    if (writes) runOnFile(filter, files.picture, output, own.pictures);
   }
-  if (own.dump) dump(filter);
-  if (!writes) return kDone;
-  runOnFile(filter, files.picture, output, own.pictures);
-  terminal::printWritten(output);
+  if (writes) terminal::printWritten(output);
   return kDone;
 }
 
@@ -87,12 +126,13 @@ void addLut(CLI::App& program, const Options& options, Run& run) {
   command->add_flag("--identity", own->identity,
                     "Instead of a .cube file, the table that leaves every colour as it is");
   command->add_flag("--dump", own->dump,
-                    "Print the table as the class holds it; without -o no picture is needed or written");
+                    "Print the table, or curves, as applied; without -o no picture is needed or written");
   addPictureOptions(*command, own->pictures);
   command->footer(
-      "The look is resampled to the 16 x 16 x 16 entries that PictureLut3DZVR uses (tetrahedral\n"
-      "interpolation), on a scale from 0 to 255; what lies within 0.002 of a whole number becomes that.\n"
-      "Tables of 2 to 256 entries a side can be read.\n"
+      "Looks of three dimensions, with or without a shaper of one before them, are resampled to the\n"
+      "16 x 16 x 16 entries that PictureLut3DZVR uses (tetrahedral interpolation), on a scale from 0 to 255\n"
+      "plus 0.5, so that results are rounded. Looks of one dimension are applied exactly, by\n"
+      "TransformColorsZVR. LUT_3D_SIZE can be 2 to 256, LUT_1D_SIZE 2 to 65536.\n"
       "\n"
       "Examples:\n"
       "  zvr lut photo.png film.cube -o out.png\n"

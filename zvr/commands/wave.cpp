@@ -9,6 +9,7 @@
 #include "zvr/commands/commands.h"
 #include "zvr/files/host_pictures.h"
 #include "zvr/files/sound.h"
+#include "zvr/language/causes.h"
 #include "zvr/language/outputs.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
@@ -89,7 +90,7 @@ int wave(const Options& options, const WaveOptions& own) {
                   outcome.exception->message);
   }
   const auto* picture = std::get_if<host::PictureRef>(&outcome.result);
-  if (!picture || !*picture) throw Failure(std::string(kMethod) + " answered nil");
+  if (!picture || !*picture) throw Failure(nilText(method.declaration, {}, outcome.arguments));
   saveImage(fromPicture(picture->get()), output, own.pictures.writing);
   terminal::printWritten(output);
   return kDone;

@@ -3,16 +3,18 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <new>
-#include <optional>
 
 #include "zvr/files/files.h"
 #include "zvr/terminal/failures.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr {
 namespace {
 
 constexpr double kLargestValue = 65536;  // of entries and inputs, beyond what any look needs
+constexpr const char* kSizes = "LUT_1D_SIZE or LUT_3D_SIZE";
 
 // A word of the file, made fit for a message.
 std::string quoted(std::string_view word) {
@@ -34,6 +36,10 @@ std::string_view nextWord(std::string_view& line) {
   return word;
 }
 
+bool isOfKeywords(char c) {
+  return c == '_' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
 bool looksLikeNumber(std::string_view word) {
   constexpr std::string_view kStarts = "+-.0123456789";
   return kStarts.find(word.front()) != std::string_view::npos;
@@ -49,9 +55,9 @@ class Reader {
 
   Cube read() {
     while (!text_.empty()) takeLine();
-    if (cube_.size == 0) fail("the file ends without LUT_3D_SIZE");
-    if (cube_.entries.size() < count()) {
-      fail("the file ends after " + std::to_string(cube_.entries.size()) + " of " + describeTable());
+    if (count() == 0) fail(std::string("the file ends without ") + kSizes);
+    if (taken_ < count()) {
+      fail("the file ends after " + std::to_string(taken_) + " of " + std::to_string(count()) + " entries");
     }
     return std::move(cube_);
   }
@@ -61,14 +67,11 @@ class Reader {
     throw Failure("line " + std::to_string(number_) + ": " + problem);
   }
 
-  size_t count() const {
-    const auto size = static_cast<size_t>(cube_.size);
+  size_t count() const { return curvesCount() + spaceCount(); }
+  size_t curvesCount() const { return static_cast<size_t>(cube_.curves.size); }
+  size_t spaceCount() const {
+    const auto size = static_cast<size_t>(cube_.space.size);
     return size * size * size;
-  }
-  std::string describeTable() const {
-    const std::string size = std::to_string(cube_.size);
-    return "the " + std::to_string(count()) + " entries of a " + size + " x " + size + " x " + size +
-           " table";
   }
 
   void takeLine() {
@@ -81,68 +84,84 @@ class Reader {
     if (word.empty() || word.front() == '#') return;
     if (looksLikeNumber(word)) return takeEntry();
     line_ = rest;
-    if (!cube_.entries.empty()) fail("expected an entry of three numbers, found " + quoted(word));
+    if (taken_ > 0) fail("expected an entry of three numbers, found " + quoted(word));
     takeKeyword(word);
   }
 
   void takeKeyword(std::string_view word) {
     if (word == "TITLE") return;
-    if (word == "LUT_3D_SIZE") return takeSize();
-    if (word == "LUT_1D_SIZE")
-      fail("LUT_1D_SIZE: a one-dimensional table; three dimensions (LUT_3D_SIZE) are needed");
-    if (word == "DOMAIN_MIN") return takeDomain(word, cube_.low);
-    if (word == "DOMAIN_MAX") return takeDomain(word, cube_.high);
-    if (word == "LUT_3D_INPUT_RANGE") return takeRange(word);
-    fail("unknown keyword " + quoted(word) +
-         "; known are TITLE, LUT_3D_SIZE, DOMAIN_MIN, DOMAIN_MAX, LUT_3D_INPUT_RANGE and # for comments");
+    if (word == "LUT_1D_SIZE") return takeSize(word, cube_.curves, kLargestCurves);
+    if (word == "LUT_3D_SIZE") return takeSize(word, cube_.space, kLargestCube);
+    if (word == "LUT_1D_INPUT_RANGE") return takeRange(word, cube_.curves);
+    if (word == "LUT_3D_INPUT_RANGE") return takeRange(word, cube_.space);
+    if (word == "DOMAIN_MIN") return takeDomain(word, low_);
+    if (word == "DOMAIN_MAX") return takeDomain(word, high_);
+    if (!std::all_of(word.begin(), word.end(), isOfKeywords)) {
+      fail("expected a keyword or an entry, found " + quoted(word));
+    }
+    cube_.ignored.try_emplace(quoted(word), number_);
   }
 
-  void takeSize() {
-    if (cube_.size != 0) fail("LUT_3D_SIZE is given a second time");
+  void takeSize(std::string_view keyword, Cube::Table& table, int largest) {
+    const std::string name(keyword);
+    if (table.size != 0) fail(name + " is given a second time");
     const std::string_view word = nextWord(line_);
     int size = 0;
     const char* end = word.data() + word.size();
     const auto [stop, error] = std::from_chars(word.data(), end, size);
-    if (error != std::errc{} || stop != end || size < kSmallestCube || size > kLargestCube) {
-      fail("LUT_3D_SIZE: " + quoted(word) + " is not a whole number from " + std::to_string(kSmallestCube) +
-           " to " + std::to_string(kLargestCube));
+    if (error != std::errc{} || stop != end || size < kSmallestTable || size > largest) {
+      fail(name + ": " + quoted(word) + " is not a whole number from " + std::to_string(kSmallestTable) +
+           " to " + std::to_string(largest));
     }
     expectEnd();
-    cube_.size = size;
-    constexpr size_t kShortestLine = 6;  // a file that promises more than it holds is not given room for it
-    cube_.entries.reserve(std::min(count(), text_.size() / kShortestLine + 1));
+    table.size = size;
   }
 
-  void takeDomain(std::string_view keyword, std::array<double, 3>& ends) {
+  // The inputs of the file's first table.
+  void takeDomain(std::string_view keyword, Cube::Color& ends) {
     ends = takeNumbers(keyword);
-    (keyword == "DOMAIN_MIN" ? lowLine_ : highLine_) = number_;
+    domainLine_ = number_;
   }
 
-  // The domain in the words of some editing programs: one pair for all channels.
-  void takeRange(std::string_view keyword) {
-    cube_.low.fill(takeNumber(keyword));
-    cube_.high.fill(takeNumber(keyword));
+  // A domain in the words of some editing programs: one pair for all channels.
+  void takeRange(std::string_view keyword, Cube::Table& table) {
+    Cube::Color low, high;
+    low.fill(takeNumber(keyword));
+    high.fill(takeNumber(keyword));
     expectEnd();
-    highLine_ = number_;
+    setDomain(table, low, high);
   }
 
   void takeEntry() {
-    if (cube_.size == 0) fail("an entry comes before LUT_3D_SIZE");
-    if (cube_.entries.empty()) checkDomain();
-    if (cube_.entries.size() == count()) fail("more than " + describeTable());
-    cube_.entries.push_back(takeNumbers("an entry"));
+    if (count() == 0) fail(std::string("an entry comes before ") + kSizes);
+    if (taken_ == 0) begin();
+    if (taken_ == count()) fail("more than " + std::to_string(count()) + " entries");
+    (taken_ < curvesCount() ? cube_.curves : cube_.space).entries.push_back(takeNumbers("an entry"));
+    ++taken_;
   }
 
-  void checkDomain() {
-    for (size_t i = 0; i < 3; ++i) {
-      if (cube_.low[i] < cube_.high[i]) continue;
-      number_ = std::max({lowLine_, highLine_, size_t{1}});
-      fail("the domain's lower end is not below its upper end in each of red, green and blue");
+  void begin() {
+    if (domainLine_ != 0) {
+      std::swap(number_, domainLine_);  // for the message
+      setDomain(cube_.curves.size != 0 ? cube_.curves : cube_.space, low_, high_);
+      std::swap(number_, domainLine_);
     }
+    constexpr size_t kShortestLine = 6;  // a file that promises more than it holds is not given room for it
+    cube_.space.entries.reserve(std::min(spaceCount(), text_.size() / kShortestLine + 1));
   }
 
-  std::array<double, 3> takeNumbers(std::string_view of) {
-    std::array<double, 3> numbers{};
+  void setDomain(Cube::Table& table, const Cube::Color& low, const Cube::Color& high) {
+    for (size_t i = 0; i < 3; ++i) {
+      if (low[i] >= high[i]) {
+        fail("the domain's lower end is not below its upper end in each of red, green and blue");
+      }
+    }
+    table.low = low;
+    table.high = high;
+  }
+
+  Cube::Color takeNumbers(std::string_view of) {
+    Cube::Color numbers{};
     for (double& number : numbers) number = takeNumber(of);
     expectEnd();
     return numbers;
@@ -176,52 +195,123 @@ class Reader {
   }
 
   std::string_view text_, line_;
-  size_t number_ = 0, lowLine_ = 0, highLine_ = 0;
+  size_t number_ = 0, taken_ = 0, domainLine_ = 0;
+  Cube::Color low_{0, 0, 0}, high_{1, 1, 1};
   Cube cube_;
 };
 
-}  // namespace
+// Where a value lies on an axis: between an entry, not the last, and the next.
+struct Place {
+  size_t entry;
+  double fraction;
+};
 
-std::array<double, 3> Cube::at(const std::array<double, 3>& input) const {
-  const auto side = static_cast<size_t>(size);
+Place placeOn(const Cube::Table& table, size_t axis, double value) {
+  const double last = table.size - 1, low = table.low[axis], span = table.high[axis] - low;
+  const double position = std::clamp((value - low) / span * last, 0.0, last);
+  const double entry = std::min(std::floor(position), last - 1);
+  return {static_cast<size_t>(entry), position - entry};
+}
+
+Cube::Color throughCurves(const Cube::Table& curves, const Cube::Color& input) {
+  Cube::Color color{};
+  for (size_t i = 0; i < 3; ++i) {
+    const Place place = placeOn(curves, i, input[i]);
+    color[i] = (1 - place.fraction) * curves.entries[place.entry][i] +
+               place.fraction * curves.entries[place.entry + 1][i];
+  }
+  return color;
+}
+
+Cube::Color throughSpace(const Cube::Table& space, const Cube::Color& input) {
+  const auto side = static_cast<size_t>(space.size);
   const std::array<size_t, 3> strides{1, side, side * side};
   struct Axis {
     double fraction;
     size_t stride;
   };
   std::array<Axis, 3> axes{};
-  size_t place = 0;
+  size_t entry = 0;
   for (size_t i = 0; i < 3; ++i) {
-    const double last = size - 1;
-    const double position = std::clamp((input[i] - low[i]) / (high[i] - low[i]) * last, 0.0, last);
-    const double cell = std::min(std::floor(position), last - 1);
-    axes[i] = {position - cell, strides[i]};
-    place += strides[i] * static_cast<size_t>(cell);
+    const Place place = placeOn(space, i, input[i]);
+    axes[i] = {place.fraction, strides[i]};
+    entry += strides[i] * place.entry;
   }
   std::sort(axes.begin(), axes.end(), [](const Axis& a, const Axis& b) { return a.fraction > b.fraction; });
 
-  std::array<double, 3> color{};
+  Cube::Color color{};
   double before = 1;
   const auto add = [&](double weight) {
-    for (size_t x = 0; x < 3; ++x) color[x] += weight * entries[place][x];
+    for (size_t x = 0; x < 3; ++x) color[x] += weight * space.entries[entry][x];
   };
   for (const Axis& axis : axes) {
     add(before - axis.fraction);
     before = axis.fraction;
-    place += axis.stride;
+    entry += axis.stride;
   }
   add(before);
   return color;
+}
+
+// Files that people take for .cube files, by extension or by how they begin.
+struct Format {
+  std::string_view extension, start, name;
+};
+constexpr Format kFormats[] = {
+    {"3dl", "3DMESH", "a 3DL look"},
+    {"csp", "CSPLUTV100", "a cineSpace look"},
+    {"look", "<look", "a LOOK file"},
+    {"clf", "<ProcessList", "a Common LUT Format look"},
+    {"ctf", "", "a CTF look"},
+    {"mga", "", "a Pandora look"},
+    {"m3d", "", "a Pandora look"},
+    {"vlt", "# panasonic vlt", "a VLT look"},
+    {"spi1d", "Version 1", "an SPI 1D look"},
+    {"spi3d", "SPILUT", "an SPI 3D look"},
+    {"cub", "# Truelight Cube", "a Truelight look"},
+    {"lut", "", "a LUT file of an unknown kind"},
+    {"icc", "", "an ICC profile"},
+    {"icm", "", "an ICC profile"},
+    {"png", "\x89PNG", "a picture, perhaps a Hald look"},
+    {"jpg", "\xFF\xD8\xFF", "a picture, perhaps a Hald look"},
+};
+
+// The name of the format, or nothing for a .cube file and for others that are not known.
+std::string_view formatOf(const std::string& path, std::string_view text) {
+  std::string extension = std::filesystem::path(path).extension();
+  for (char& c : extension) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  for (const Format& format : kFormats) {
+    const bool begins = !format.start.empty() && text.substr(0, format.start.size()) == format.start;
+    if (begins || extension == "." + std::string(format.extension)) return format.name;
+  }
+  constexpr size_t kProfileMark = 36;
+  return text.size() > kProfileMark && text.substr(kProfileMark, 4) == "acsp" ? "an ICC profile" : "";
+}
+
+}  // namespace
+
+Cube::Color Cube::at(const Color& input) const {
+  const Color color = curves.size != 0 ? throughCurves(curves, input) : input;
+  return space.size != 0 ? throughSpace(space, color) : color;
 }
 
 Cube parseCube(std::string_view text) { return Reader(text).read(); }
 
 Cube loadCube(const std::string& path) {
   const std::vector<uint8_t> file = readFile(path);
+  const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
   try {
-    return parseCube({reinterpret_cast<const char*>(file.data()), file.size()});
+    Cube cube = parseCube(text);
+    for (const auto& [keyword, line] : cube.ignored) {
+      terminal::complain(path + ": line " + std::to_string(line) + ": warning: the unknown keyword " +
+                         keyword + " is ignored");
+    }
+    return cube;
   } catch (const Failure& failure) {
-    throw Failure(path + ": " + failure.what());
+    const std::string format(formatOf(path, text));
+    throw Failure(path + ": " + (format.empty() ? failure.what() : format + "; zvr reads .cube files"));
   } catch (const std::bad_alloc&) {
     throw Failure(path + ": not enough memory for the table");
   }

@@ -6,6 +6,7 @@
 #include "zvr/files/host_pictures.h"
 #include "zvr/gallery/scaling.h"
 #include "zvr/gallery/words.h"
+#include "zvr/language/causes.h"
 #include "zvr/language/filters.h"
 #include "zvr/language/look_table.h"
 #include "zvr/language/signatures.h"
@@ -185,7 +186,7 @@ void Stage::run(const Chain& chain, Card& card) {
   const host::Outcome outcome = call.run();
   addAnswers(declaration, outcome, card);
   if (const auto* picture = std::get_if<host::PictureRef>(&outcome.result); picture && !call.step.assigned) {
-    if (!*picture) throw Failure("answered nil");
+    if (!*picture) throw Failure(nilText(declaration, call.receiver, outcome.arguments));
     addPicture(*picture, before_, card);
     card.isComparable = card.isComparable && isPhoto;
   } else if (call.receiver && !(fromPicture(call.receiver.get()) == before_)) {
@@ -241,10 +242,7 @@ Card Stage::show(const host::Class& type, const Example* example) {
   card.basicLines.emplace_back("If filter.Run Then photo = filter.DestinationPicture");
   try {
     Filter filter(type.name);
-    if (isLook) {
-      const Cube cube = loadCube(material_.lookPath);
-      fillTable(filter, &cube);
-    }
+    if (isLook) fillTable(filter, loadCube(material_.lookPath));
     for (const std::string& setting : settings) {
       const size_t sign = setting.find('=');
       filter.set(setting.substr(0, sign), setting.substr(sign + 1));

@@ -4,7 +4,9 @@
 #include <stdexcept>
 
 #include "zvr/files/files.h"
+#include "zvr/language/causes.h"
 #include "zvr/language/original.h"
+#include "zvr/language/signatures.h"
 #include "zvr/terminal/failures.h"
 
 namespace zvr {
@@ -84,14 +86,21 @@ host::Value Filter::call(const host::Method& method, std::vector<host::Value> ar
 }
 
 void Filter::assign(const host::Method& method, std::vector<host::Value> arguments, host::Value value) {
+  isFilled_ = true;
   answer(method, host::assign(method, instance_.get(), std::move(arguments), std::move(value)));
 }
 
 host::PictureRef Filter::run(const host::PictureRef& source) {
+  for (const host::Method& table : type_->methods) {
+    if (table.setter && !isFilled_)
+      throw Failure(name() + "." + table.declaration.name +
+                    " is empty; `zvr lut` fills it from a .cube file");
+  }
   host::setProperty(instance_.get(), kSource, source);
   const host::Value done = call(method(kRun));
   if (const bool* answered = std::get_if<bool>(&done); answered && !*answered) {
-    throw Failure(name() + "." + kRun + " answered false");
+    throw Failure(name() + "." + kRun + " answered false for SourcePicture = " + valueText(source) + "." +
+                  manualOnFailure(name()));
   }
   const host::Value result = host::getProperty(instance_.get(), kDestination);
   const auto* picture = std::get_if<host::PictureRef>(&result);

@@ -26,7 +26,8 @@ class Filter {
   // Calls a method, or what assigns to it. Throws Failure for an exception that was raised.
   host::Value call(const host::Method& method, std::vector<host::Value> arguments = {});
   void assign(const host::Method& method, std::vector<host::Value> arguments, host::Value value);
-  // Makes the picture the source, runs and answers the destination. Throws Failure when there is none.
+  // Makes the picture the source, runs and answers the destination. Throws Failure when there is none, and
+  // for a class with a table to which nothing was assigned.
   host::PictureRef run(const host::PictureRef& source);
 
  private:
@@ -36,6 +37,7 @@ class Filter {
   const host::Class* type_ = nullptr;
   host::ObjectRef instance_;
   std::vector<std::string> files_;
+  bool isFilled_ = false;
 };
 
 // Runs it on a picture file and writes the result with what the file adds to it. Throws Failure.

@@ -19,8 +19,8 @@ void forEachEntry(Action action) {
   }
 }
 
-// Fills a PictureLut3DZVR's table through its setter, entry by entry; without a cube so that every colour
-// stays what it is. Throws UsageError for a class without a table and Failure for an exception.
-void fillTable(Filter& filter, const Cube* cube);
+// Fills a PictureLut3DZVR's table through its setter, entry by entry, so that results are rounded. Throws
+// UsageError for a class without a table and Failure for an exception.
+void fillTable(Filter& filter, const Cube& cube);
 
 }  // namespace zvr

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "zvr/language/causes.h"
 #include "zvr/language/signatures.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
@@ -29,7 +30,7 @@ std::map<size_t, Bytes> Walk::take(const Step& step, const std::vector<size_t>& 
   if (outcome.exception) {
     throw Failure(declaration.name + ": " + outcome.exception->className + ": " + outcome.exception->message);
   }
-  if (!step.assigned) become(declaration, outcome.result);
+  if (!step.assigned) become(declaration, receiver, outcome);
   return report(declaration, outcome.arguments, kept);
 }
 
@@ -75,15 +76,15 @@ host::Value Walk::valueOf(const Argument& argument, host::Type type) {
 }
 
 // Pictures and strings become @; everything else is printed.
-void Walk::become(const host::Declaration& declaration, const host::Value& result) {
-  const auto* picture = std::get_if<host::PictureRef>(&result);
-  const auto* string = std::get_if<host::StringRef>(&result);
+void Walk::become(const host::Declaration& declaration, const host::PictureRef& receiver,
+                  const host::Outcome& outcome) {
+  const auto* picture = std::get_if<host::PictureRef>(&outcome.result);
+  const auto* string = std::get_if<host::StringRef>(&outcome.result);
   if (!picture && !string) {
-    if (declaration.result != host::Type::none) print(declaration.name, result);
+    if (declaration.result != host::Type::none) print(declaration.name, outcome.result);
     return;
   }
-  if (picture ? !*picture : !*string)
-    throw Failure(declaration.name + " answered nil; `zvr show " + declaration.name + "` says when it does");
+  if (picture ? !*picture : !*string) throw Failure(nilText(declaration, receiver, outcome.arguments));
   hasAnswered_ = true;
   if (picture) {
     picture_ = *picture;

@@ -33,7 +33,8 @@ class Walk {
   std::map<size_t, Bytes> report(const host::Declaration& declaration,
                                  const std::vector<host::Value>& arguments,
                                  const std::vector<size_t>& kept) const;
-  void become(const host::Declaration& declaration, const host::Value& result);
+  void become(const host::Declaration& declaration, const host::PictureRef& receiver,
+              const host::Outcome& outcome);
   void print(const std::string& name, const host::Value& value) const;
 
   std::string input_, label_;
