@@ -1,15 +1,9 @@
 # Libraries that our host and the tests use. The plug-in itself uses none of them.
 find_package(PkgConfig REQUIRED)
 find_package(CLI11 REQUIRED)
-# Linked statically where possible: cairo and GTK may load other versions of them.
-set(shared_first "${CMAKE_FIND_LIBRARY_SUFFIXES}")
-set(CMAKE_FIND_LIBRARY_SUFFIXES .a .so)
 pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(JPEG REQUIRED IMPORTED_TARGET libjpeg)
 pkg_check_modules(FFI REQUIRED IMPORTED_TARGET libffi)
-pkg_check_modules(ZLIB REQUIRED IMPORTED_TARGET zlib)
-target_link_libraries(PkgConfig::PNG INTERFACE PkgConfig::ZLIB m)
-set(CMAKE_FIND_LIBRARY_SUFFIXES "${shared_first}")
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
 # Only the declarations of GTK 2 and cairo: our host opens both at run time, as the plug-in does.
 pkg_check_modules(GTK2 REQUIRED gtk+-2.0)
