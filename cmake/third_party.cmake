@@ -20,9 +20,11 @@ if(ZVR_I386_TREE)
   endforeach()
 endif()
 # function(zvr_run_path target [folder...]) sets a program's run path; the given folders come first. An old-style run path
-# (DT_RPATH) also applies to libraries that the plug-in opens at run time and to their dependencies.
+# (DT_RPATH) also applies to libraries that the plug-in opens at run time and to their dependencies. Set as if for
+# installation: CMake ends one that it is to edit while it installs with an empty element, the current folder.
 function(zvr_run_path target)
   target_link_options(${target} PRIVATE -Wl,--disable-new-dtags)
   set(folders ${ARGN} ${ZVR_I386_LIBRARY_DIRS})
-  set_target_properties(${target} PROPERTIES BUILD_RPATH "${folders}")
+  set_target_properties(${target} PROPERTIES
+    BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "${folders}" INSTALL_RPATH_USE_LINK_PATH ON)
 endfunction()
