@@ -1,53 +1,59 @@
-# Where `cmake --install` puts things, and the packages that `./dev package` makes of it. zvr finds the plug-in in
-# ../lib, and the sound library with what that needs in ../lib/picturezvr.
-set(ZVR_PRIVATE_LIBRARIES "lib/picturezvr")
+# Where `cmake --install` puts things, and the packages that `./dev package` makes of it: a .deb of everything, and an
+# archive of the plug-in and its manual for those who have a host.
+set(document_folder share/doc/picturezvr)
+install(TARGETS picturezvr LIBRARY DESTINATION "${ZVR_PLUGIN_FOLDER}")
+install(DIRECTORY docs/manual DESTINATION ${document_folder})
+install(TARGETS picturezvr LIBRARY DESTINATION . COMPONENT archive EXCLUDE_FROM_ALL)
+install(FILES LICENSE cmake/INSTALL DESTINATION . COMPONENT archive EXCLUDE_FROM_ALL)
+install(DIRECTORY docs/manual DESTINATION . COMPONENT archive EXCLUDE_FROM_ALL)
 
-install(TARGETS picturezvr LIBRARY DESTINATION lib)
-install(FILES LICENSE DESTINATION share/doc/picturezvr RENAME copyright)
-# As in the sources, so that links stay right.
-install(FILES README.md CHANGELOG.md CONTRIBUTING.md LICENSE DESTINATION share/doc/picturezvr)
-install(DIRECTORY docs DESTINATION share/doc/picturezvr)
-
+set(CPACK_GENERATOR TGZ)
 if(ZVR_BUILD_HOST)
-  # Linked once more: where CMake edits a run path while it installs, it leaves room for that in the built program, as
-  # empty elements, which mean the current folder.
-  add_executable(zvr_installed $<TARGET_OBJECTS:zvr>)
-  target_link_libraries(zvr_installed PRIVATE $<TARGET_PROPERTY:zvr,LINK_LIBRARIES>)
-  zvr_run_path(zvr_installed)
-  set_target_properties(zvr_installed PROPERTIES OUTPUT_NAME zvr RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/installed"
-    BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "\$ORIGIN/../${ZVR_PRIVATE_LIBRARIES}")
-  install(TARGETS zvr_installed RUNTIME DESTINATION bin)
-  install(CODE "
-    include(\"${CMAKE_SOURCE_DIR}/cmake/runtime.cmake\")
-    zvr_runtime_libraries(libraries \"$<TARGET_FILE:zvr>\" ${ZVR_I386_LIBRARY_DIRS})
-    file(INSTALL \${libraries} DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${ZVR_PRIVATE_LIBRARIES}\" FOLLOW_SYMLINK_CHAIN)")
-  if(ZVR_I386_TREE)
-    # Whose work the shipped libraries are.
-    foreach(package libsndfile1 libflac12 libvorbis0a libvorbisenc2 libopus0 libogg0 libmpg123-0 libmp3lame0
-        libpng16-16 zlib1g libjpeg62-turbo libffi8)
-      install(FILES "${ZVR_I386_TREE}/usr/share/doc/${package}/copyright" OPTIONAL
-        DESTINATION share/doc/picturezvr/third-party RENAME ${package}.copyright)
-    endforeach()
-  endif()
-
-  set(manual_page "${CMAKE_BINARY_DIR}/zvr.1.gz")
-  add_custom_command(OUTPUT "${manual_page}"
-    COMMAND $<TARGET_FILE:zvr> --man-page | gzip -9n > "${manual_page}" DEPENDS zvr VERBATIM)
-  add_custom_target(zvr_manual_page ALL DEPENDS "${manual_page}")
-  install(FILES "${manual_page}" DESTINATION share/man/man1)
+  install(TARGETS zvr RUNTIME DESTINATION bin)
+  install(CODE "file(RPATH_REMOVE FILE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/bin/zvr\")")
   install(FILES zvr/commands/completion.bash DESTINATION share/bash-completion/completions RENAME zvr)
+
+  set(documents "${CMAKE_BINARY_DIR}/documents")
+  file(READ LICENSE copyright)
+  string(APPEND copyright "\nThe plug-in contains parts of GCC's run-time libraries, which the GCC Runtime Library\n"
+    "Exception lets anyone pass on in such a form.\n")
+  file(GLOB cli11 "${ZVR_I386_TREE}/usr/share/doc/libcli11-dev/copyright")
+  if(cli11)
+    file(READ "${cli11}" cli11)
+    string(APPEND copyright "\nzvr contains code of CLI11, whose licence follows.\n\n${cli11}")
+  endif()
+  file(WRITE "${documents}/copyright" "${copyright}")
+  string(TIMESTAMP now "%a, %d %b %Y %H:%M:%S +0000" UTC)
+  set(CPACK_PACKAGE_CONTACT "The PictureZVR authors <authors@picturezvr.invalid>")
+  file(WRITE "${documents}/changelog.Debian" "picturezvr (${PROJECT_VERSION}-1) unstable; urgency=medium\n\n"
+    "  * Packaged as ./dev package does; changelog.gz lists what is new.\n\n -- ${CPACK_PACKAGE_CONTACT}  ${now}\n")
+  set(changelogs "${documents}/changelog.gz" "${documents}/changelog.Debian.gz")
+  add_custom_command(OUTPUT "${documents}/zvr.1.gz" ${changelogs} WORKING_DIRECTORY "${documents}" VERBATIM
+    DEPENDS zvr "${CMAKE_SOURCE_DIR}/CHANGELOG.md" "${documents}/changelog.Debian"
+    COMMAND $<TARGET_FILE:zvr> --man-page | gzip -9n > zvr.1.gz
+    COMMAND gzip -9nc "${CMAKE_SOURCE_DIR}/CHANGELOG.md" > changelog.gz
+    COMMAND gzip -9nc changelog.Debian > changelog.Debian.gz)
+  add_custom_target(zvr_documents ALL DEPENDS "${documents}/zvr.1.gz")
+  install(FILES "${documents}/zvr.1.gz" DESTINATION share/man/man1)
+  install(FILES "${documents}/copyright" ${changelogs} DESTINATION ${document_folder})
+  if(ZVR_I386_TREE)
+    list(APPEND CPACK_GENERATOR DEB)
+  endif()
 endif()
 
-set(CPACK_GENERATOR TGZ DEB)
 set(CPACK_PACKAGE_NAME picturezvr)
 set(CPACK_PACKAGE_VENDOR "The PictureZVR authors")
-set(CPACK_PACKAGE_CONTACT "The PictureZVR authors <picturezvr@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Picture-processing plug-in, and a host of its own on the command line")
-set(CPACK_PACKAGE_DESCRIPTION "libpicturezvr.so adds picture methods and filter classes to programs of a
-BASIC dialect. zvr runs any of them on PNG and JPEG files.")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "picture-processing plug-in, and a host of its own on the command line")
+set(CPACK_PACKAGE_DESCRIPTION "The plug-in adds picture methods and filter classes to programs of a BASIC
+dialect. It is /usr/${ZVR_PLUGIN_FOLDER}/libpicturezvr.so:
+a link to it in a host's folder of plug-ins makes that host load it.
+.
+zvr runs any of the methods on picture files.")
 set(CPACK_PACKAGE_FILE_NAME "picturezvr-${PROJECT_VERSION}-linux-i386")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE i386)
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 # Opened while zvr runs, by the hosts that it plays; a console host needs neither.

@@ -7,6 +7,8 @@ target_link_libraries(picturezvr_objects PUBLIC zvr_options zvr_kernels)
 # One section per function, so that the linker drops unused services of frame/.
 target_compile_options(picturezvr_objects PRIVATE -ffunction-sections -fdata-sections ${ZVR_QUICKER_IF_SANITIZED})
 
+# Where an installed zvr finds it. Programs only open it while they run: it is no public library.
+cmake_path(SET ZVR_PLUGIN_FOLDER NORMALIZE "lib/${CMAKE_LIBRARY_ARCHITECTURE}/picturezvr")
 add_library(picturezvr SHARED "${CMAKE_SOURCE_DIR}/cmake/exports.map")
 set_target_properties(picturezvr PROPERTIES LINKER_LANGUAGE CXX
   LINK_DEPENDS "${CMAKE_SOURCE_DIR}/cmake/exports.map")

@@ -1,15 +1,9 @@
 # Libraries that our host and the tests use. The plug-in itself uses none of them.
 find_package(PkgConfig REQUIRED)
 find_package(CLI11 REQUIRED)
-# Linked statically where possible: cairo and GTK may load other versions of them.
-set(shared_first "${CMAKE_FIND_LIBRARY_SUFFIXES}")
-set(CMAKE_FIND_LIBRARY_SUFFIXES .a .so)
 pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(JPEG REQUIRED IMPORTED_TARGET libjpeg)
 pkg_check_modules(FFI REQUIRED IMPORTED_TARGET libffi)
-pkg_check_modules(ZLIB REQUIRED IMPORTED_TARGET zlib)
-target_link_libraries(PkgConfig::PNG INTERFACE PkgConfig::ZLIB m)
-set(CMAKE_FIND_LIBRARY_SUFFIXES "${shared_first}")
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
 find_path(GRAPHICSMAGICK_INCLUDE_DIR magick/api.h PATH_SUFFIXES GraphicsMagick REQUIRED)
 find_library(GRAPHICSMAGICK_LIBRARY GraphicsMagick REQUIRED)
@@ -31,9 +25,11 @@ if(ZVR_I386_TREE)
   endforeach()
 endif()
 # function(zvr_run_path target [folder...]) sets a program's run path; the given folders come first. An old-style run path
-# (DT_RPATH) also applies to libraries that the plug-in opens at run time and to their dependencies.
+# (DT_RPATH) also applies to libraries that the plug-in opens at run time and to their dependencies. Set as if for
+# installation: CMake ends one that it is to edit while it installs with an empty element, the current folder.
 function(zvr_run_path target)
   target_link_options(${target} PRIVATE -Wl,--disable-new-dtags)
   set(folders ${ARGN} ${ZVR_I386_LIBRARY_DIRS})
-  set_target_properties(${target} PROPERTIES BUILD_RPATH "${folders}")
+  set_target_properties(${target} PROPERTIES
+    BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "${folders}" INSTALL_RPATH_USE_LINK_PATH ON)
 endfunction()

@@ -3,7 +3,7 @@
 # shellcheck shell=bash
 
 # A changed list, or a changed version, makes a new tree.
-kTreeVersion=3
+kTreeVersion=4
 kTreePackages=(libgtk2.0-dev libcairo2-dev libgtest-dev libbenchmark-dev libffi-dev libpng-dev
   libjpeg62-turbo-dev libgraphicsmagick1-dev libsndfile1-dev libcli11-dev)
 # Left out of the tree: the C library and the compiler's run time, which must be those of this machine's
@@ -72,7 +72,7 @@ ensureTree() {
 
 # makeTree FOLDER: under the cache's lock and in a subshell. The folder appears whole or not at all.
 makeTree() {
-  local tree=$1 partial=$1.partial debs deb link target
+  local tree=$1 partial=$1.partial debs deb control link target
   removeOnExit "$partial"
   rm -rf "$partial"
   debs=$partial/.debs
@@ -81,6 +81,17 @@ makeTree() {
   preparePrivateApt "$kLibraryAlone"
   quietly privateApt install -y --download-only -o Dir::Cache::archives="$debs" "${kTreePackages[@]}" ||
     fail "Could not fetch: ${kTreePackages[*]}. $kLibraryAlone"
+  # Of the C library and the compiler's run time only that is wanted; by the suite's name, as they count as installed.
+  (cd "$debs/partial" && quietly privateApt download {libc6,libgcc-s1,libstdc++6}/"$(debianSuite)") ||
+    fail "Could not fetch the C and C++ libraries' packages. $kLibraryAlone"
+  # dpkg-shlibdeps looks there, as where a package is built, for the package and version that a library's users need.
+  for deb in "$debs"/{,partial/}*.deb; do
+    control=$partial/debian/$(dpkg-deb -f "$deb" Package)
+    mkdir -p "$control"
+    dpkg-deb -e "$deb" "$control/DEBIAN"
+  done
+  find "$partial/debian" -type f ! -name shlibs ! -name symbols -delete
+  touch "$partial/debian/control"
   for deb in "$debs"/*.deb; do
     dpkg-deb --fsys-tarfile "$deb" | tar -x -C "$partial" --no-same-owner \
       --exclude=./{bin,etc,sbin,var} --exclude=./usr/{bin,libexec,sbin,src} --exclude=./usr/lib/python3* \

@@ -17,5 +17,5 @@ while IFS= read -r -d '' file; do
     status=1
   done <<< "$path:"
 done < <(find "$1" -type f \( -perm -u+x -o -name '*.so*' \) -print0)
-[[ $seen == *"$1/installed/zvr"* ]] || { printf 'No run path was found in %s/installed/zvr\n' "$1" && status=1; }
+[[ $seen == *" $1/zvr"* ]] || { printf 'No run path was found in %s/zvr\n' "$1" && status=1; }
 exit "$status"

@@ -24,7 +24,7 @@ void addOptions(CLI::App& program, Options& options) {
   program.add_option("--host-version", options.hostVersion, "Its version, or none for one that reports none")
       ->capture_default_str();
   program.add_option("--plugin", options.plugin,
-                     "The plug-in; without it libpicturezvr.so beside zvr, then in ../lib");
+                     "The plug-in; without it libpicturezvr.so beside zvr, then in ../" ZVR_PLUGIN_FOLDER);
   program.add_option("--color", options.color, "auto, always or never; auto heeds NO_COLOR")
       ->check(CLI::IsMember({"auto", "always", "never"}))
       ->capture_default_str();

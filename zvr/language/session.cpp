@@ -40,15 +40,16 @@ host::Settings settingsOf(const Options& options) {
   return settings;
 }
 
-// Beside the program, as in a build folder, or in the lib folder next to its bin folder, as installed.
+// Beside the program, as in a build folder, or where it is installed with the program.
 std::string findPlugin() {
   std::error_code error;
   const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
-  for (const fs::path& candidate : {folder / kPluginName, folder.parent_path() / "lib" / kPluginName}) {
+  const fs::path installed = folder.parent_path() / ZVR_PLUGIN_FOLDER;
+  for (const fs::path& candidate : {folder / kPluginName, installed / kPluginName}) {
     if (fs::exists(candidate, error)) return candidate;
   }
   throw Failure(std::string(kPluginName) + " is neither in " + folder.string() + " nor in " +
-                (folder.parent_path() / "lib").string() + "; name it with --plugin PATH");
+                installed.string() + "; name it with --plugin PATH");
 }
 
 // How to install a road's toolkit, by Debian's package names. The system is most likely a 64-bit one.
