@@ -277,7 +277,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{{"apply", "photo.png", "InvertZVR", "1", "2", "3", "4.5"}, "height: '4.5' is not an Integer"},
         Refused{{"apply", "photo.png", "EmbeddedMaskZVR", "maybe"}, "'maybe' is not a Boolean"},
         Refused{{"apply", "photo.png", "CountColorZVR", "tealish"}, "a CSS name such as teal"},
-        Refused{{"apply", "photo.png", "InvertZVR", "-o", "out.gif"}, ".png, .jpg or .jpeg"},
+        Refused{{"apply", "photo.png", "InvertZVR", "-o", "out.gif"}, ".webp, or name a --format"},
         Refused{{"apply", "photo.png", "InvertZVR", "-o", "{what}.png"}, "{what} is unknown"},
         Refused{{"apply", "photo.png", "./photo.png", "InvertZVR", "-o", "x.png"}, "would both be written"},
         Refused{{"apply", "photo.png", "InvertZVR", "-o", "./photo.png"}, "over the input photo.png"},

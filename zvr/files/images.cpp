@@ -34,6 +34,9 @@ class Report {
       // pictures.
       SetMagickResourceLimit(MemoryResource, 256 << 20);
       SetMagickResourceLimit(MapResource, 0);
+      // Sizes are judged here.
+      for (const ResourceType size : {PixelsResource, WidthResource, HeightResource})
+        SetMagickResourceLimit(size, INT64_MAX);
       SetErrorHandler(nullptr);
       SetWarningHandler(nullptr);
       return true;
