@@ -63,8 +63,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Read{"turned.tif", "rgb.png", 0, ""}, Read{"rgba.tif", "rgba.png", 0, ""},
                     Read{"rgb.bmp", "rgb.png", 0, ""}, Read{"rgb.gif", "rgb.png", 0, ""},
                     Read{"rgb.ppm", "rgb.png", 0, ""}, Read{"rgb.tga", "rgb.png", 0, ""},
-                    Read{"rgba.webp", "rgba.png", 0, ""}, Read{"rgb.heic", "rgb.png", 10, ""},
-                    Read{"rgb.avif", "rgb.png", 10, ""}),
+                    Read{"icon.ico", "rgba.png", 0, ""}, Read{"rgba.webp", "rgba.png", 0, ""},
+                    Read{"rgb.heic", "rgb.png", 10, ""}, Read{"rgb.avif", "rgb.png", 10, ""}),
     [](const auto& tested) {
       std::string name = tested.param.file;
       std::replace(name.begin(), name.end(), '.', '_');

@@ -27,7 +27,7 @@ convert rgb.png BMP3:rgb.bmp
 convert rgb.png rgb.gif
 convert rgb.png rgb.ppm
 convert rgb.png -define tga:image-origin=TopLeft -compress none rgb.tga
-convert rgb.png -crop 32x32+0+0 +repage icon.ico
+convert rgba.png icon.ico
 cwebp -quiet -lossless -exact rgba.png -o rgba.webp
 heif-enc -q 100 -p chroma=444 rgb.png -o rgb.heic > /dev/null
 heif-enc -A -q 100 -p chroma=444 rgb.png -o rgb.avif > /dev/null

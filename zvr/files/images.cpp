@@ -236,6 +236,32 @@ void chooseLargest(Magick& images) {
   images = std::move(chosen);
 }
 
+// The library reads no opacity from icons. Where one of the icon's size has 32 bits a pixel, each fourth byte
+// is it.
+bool addOpacityOfIcon(const Bytes& file, Image& icon) {
+  constexpr size_t kHead = 6, kEntry = 16, kPixelsAt = 40;
+  const auto number = [&](size_t at, size_t bytes) {
+    size_t value = 0;
+    for (size_t i = 0; i < bytes && at + i < file.size(); ++i) value |= size_t{file[at + i]} << 8 * i;
+    return value;
+  };
+  for (size_t i = 0; i < number(4, 2); ++i) {
+    const size_t at = number(kHead + i * kEntry + 12, 4);
+    if (at > file.size() || file.size() - at < kPixelsAt + icon.byteCount()) continue;
+    if (number(at, 4) != kPixelsAt || number(at + 14, 2) != 32 ||
+        number(at + 4, 4) != static_cast<size_t>(icon.width) ||
+        number(at + 8, 4) != static_cast<size_t>(icon.height) * 2)
+      continue;
+    const uint8_t* source = &file[at + kPixelsAt];  // the lowest row first
+    for (int y = icon.height - 1; y >= 0; --y) {
+      for (size_t x = 3; x < icon.rowBytes(); x += 4) icon.row(y)[x] = source[x];
+      source += icon.rowBytes();
+    }
+    return icon.hasAlpha = true;
+  }
+  return false;
+}
+
 Image decode(const std::string& path, const Bytes& file, bool upright) {
   const std::string format = formatOf(path, file);
   const Info info = infoFor(format);
@@ -252,10 +278,7 @@ Image decode(const std::string& path, const Bytes& file, bool upright) {
   if (reading.text().find("Premature end") != std::string::npos)
     throw Failure("damaged " + format + ": " + reading.text());
   if (!reading.text().empty()) terminal::note(path + ": " + reading.text());
-  if (isIcon) {
-    chooseLargest(image);
-    if (!image->matte) terminal::note(path + ": the transparency of icons of this kind isn't read");
-  }
+  if (isIcon) chooseLargest(image);
   if (image->depth > 8)
     terminal::note(path + ": " + std::to_string(image->depth) + " bits, read as 8 bits a channel");
   if (image->colorspace == CMYKColorspace) {
@@ -274,6 +297,8 @@ Image decode(const std::string& path, const Bytes& file, bool upright) {
                        reading.info()))
       reading.fail();
   }
+  if (isIcon && !addOpacityOfIcon(file, pixels) && !pixels.hasAlpha)
+    terminal::note(path + ": the transparency of icons of this kind isn't read");
   pixels.metadata = metadataOf(image.get());
   return pixels;
 }

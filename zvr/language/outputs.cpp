@@ -142,7 +142,9 @@ void addPictureOptions(CLI::App& command, PictureOptions& options) {
       ->type_name("keep|drop|premultiplied")
       ->transform(CLI::CheckedTransformer(ways).description(""));
   command.add_flag("--strip", options.strips, "Leave out colour profile, resolution and EXIF");
-  command.add_flag("!--no-autorotate", options.upright, "Leave pictures turned as they lie in the file");
+  command.add_flag_callback(
+      "--no-autorotate", [&options] { options.upright = false; },
+      "Leave pictures turned as they lie in the file");
   command.add_flag("--in-place", options.isInPlace, "Write a result over its input");
 }
 
