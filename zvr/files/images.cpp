@@ -21,7 +21,7 @@ using Bytes = std::vector<uint8_t>;
 
 // ---- GraphicsMagick ----
 
-// What a call of the library found wrong.
+// The problem that a call of the library reports, if any.
 class Report {
  public:
   Report() {
