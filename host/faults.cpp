@@ -64,6 +64,14 @@ int uses(const std::string& name) {
   return sum;
 }
 
+std::map<std::string, int> usesByName() {
+  std::map<std::string, int> uses;
+  for (const Entry& entry : entries()) {
+    if (entry.usage->uses > 0) uses[entry.name] += entry.usage->uses;
+  }
+  return uses;
+}
+
 void clearFaults() {
   anyService = {};
   for (const Entry& entry : entries()) *entry.usage = {};

@@ -161,6 +161,8 @@ void failAt(const std::string& name, int nth, Fault fault = Fault::null);
 void failAnyAt(int nth, Fault fault = Fault::null);
 // Uses of an entry point (of all, for an empty name) since `start` or `clearFaults`.
 int uses(const std::string& name = {});
+// The same of all that were used.
+std::map<std::string, int> usesByName();
 // How often the resolver was asked for a name (for an empty one: for anything) since `start`.
 int resolverCalls(const std::string& name = {});
 // Restores removed names, and clears faults and counters.

@@ -59,9 +59,7 @@ Stage::Stage(const host::Settings& settings, const Arm& arm)
     // Members that were registered until then stay.
   }
   serviceUses_ = host::uses();
-  for (const std::string& name : allServices()) {
-    if (host::uses(name) > 0) usedServices_.insert(name);
-  }
+  for (const auto& [name, uses] : host::usesByName()) usedServices_.insert(name);
 }
 
 Trial attempt(const Stage& stage, const Call& call, const std::function<void(Scene&)>& arm) {
@@ -81,9 +79,7 @@ Trial attempt(const Stage& stage, const Call& call, const std::function<void(Sce
     }
     memory.failAt = 0;
     trial.allocations = memory.uses;
-    for (const std::string& name : allServices()) {
-      if (const int uses = host::uses(name)) trial.uses[name] = uses;
-    }
+    trial.uses = host::usesByName();
     // A buffer that the host is given becomes the host's.
     trial.blocks = memory.live - live - host::uses("REALBuildPictureFromBuffer");
     host::clearFaults();

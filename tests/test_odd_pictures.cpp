@@ -53,12 +53,13 @@ TEST_F(OddPictures, EachAloneAndAllTogether) {
            (oddity.readable == kUnreadableBitmap && road() == host::Road::console);
   };
   for (const Call& call : calls_) {
-    const Trial sound = attempt(Stage(), call);
+    const Stage stage;
+    const Trial sound = attempt(stage, call);
     for (const Oddity& oddity : kOddities) {
       int pictures = 1;
       for (int which = kAll; which < pictures; ++which) {
         SCOPED_TRACE(call.describe() + ", picture " + std::to_string(which) + ": " + oddity.what);
-        const Trial trial = attempt(Stage(), call, [&](Scene& scene) {
+        const Trial trial = attempt(stage, call, [&](Scene& scene) {
           pictures = static_cast<int>(scene.pictures.size());
           for (int i = 0; i < pictures; ++i) {
             const auto& picture = scene.pictures[static_cast<size_t>(i)];
@@ -83,12 +84,12 @@ TEST_F(OddPictures, NewPicturesOfAnotherSize) {
     host::Settings settings = settingsForRoad();
     settings.newPicturesGrowBy = more;
     for (const bool counts : {true, false}) {
+      const Stage stage(settings);
+      if (!counts) host::removeEntryPoint("REALLockObject");
       for (const Call& call : calls_) {
         SCOPED_TRACE(call.describe() + ", new pictures of " + std::to_string(more) + " pixels more" +
                      (counts ? "" : ", no REALLockObject"));
-        const Trial trial = attempt(Stage(settings), call, [&](Scene&) {
-          if (!counts) host::removeEntryPoint("REALLockObject");
-        });
+        const Trial trial = attempt(stage, call);
         ++injected_;
         expectNothingHeld(call, trial);
       }
