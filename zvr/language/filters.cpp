@@ -112,6 +112,7 @@ void runOnFile(Filter& filter, const std::string& input, const std::string& outp
                const PictureOptions& options) {
   Original original(input, readFile(input), options);
   const host::PictureRef result = filter.run(original.takePicture());
+  filter.set(kSource, "nil");  // a large picture's room is needed
   saveImage(original.finished(fromPicture(result.get())), output, options.writing);
 }
 
