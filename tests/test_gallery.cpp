@@ -16,11 +16,6 @@ namespace {
 
 using namespace zvr_test;
 
-std::string textOf(const fs::path& path) {
-  const Bytes bytes = readBytes(path);
-  return {bytes.begin(), bytes.end()};
-}
-
 std::string unescaped(std::string text) {
   const std::pair<const char*, const char*> kMarks[] = {
       {"&lt;", "<"}, {"&gt;", ">"}, {"&quot;", "\""}, {"&amp;", "&"}};

@@ -11,11 +11,6 @@ using namespace zvr_test;
 
 const fs::path kFolder = fs::path(ZVR_SOURCE_DIR) / "tests/photographs";
 
-std::string textOf(const fs::path& path) {
-  const Bytes bytes = readBytes(path);
-  return {bytes.begin(), bytes.end()};
-}
-
 class Photographs : public Zvr {
  protected:
   // Twice inverted is as read; the file's pixels, and what was said.

@@ -14,6 +14,11 @@ Bytes readBytes(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
+std::string textOf(const fs::path& path) {
+  const Bytes bytes = readBytes(path);
+  return {bytes.begin(), bytes.end()};
+}
+
 void writeBytes(const fs::path& path, const Bytes& bytes) {
   std::ofstream(path, std::ios::binary)
       .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 using Bytes = std::vector<uint8_t>;
 
 Bytes readBytes(const fs::path& path);
+std::string textOf(const fs::path& path);  // of a file
 void writeBytes(const fs::path& path, const Bytes& bytes);
 bool contains(const std::string& text, const std::string& part);
 

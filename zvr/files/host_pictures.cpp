@@ -20,10 +20,9 @@ uint32_t packed(unsigned top, unsigned r, unsigned g, unsigned b) { return top <
 
 // How one pixel lies in a host picture: `pack` makes the word, `unpack` writes the four bytes.
 struct Opaque {
-  static uint32_t pack(const uint8_t* p) {
-    // The unused byte is as the host leaves it: 255 on desktops, 0 in bitmaps.
-    return packed(host::settings().road == host::Road::console ? 0 : 0xFF, p[0], p[1], p[2]);
-  }
+  // The unused byte is as the host leaves it: 255 on desktops, 0 in bitmaps.
+  const unsigned unused = host::settings().road == host::Road::console ? 0 : 0xFF;
+  uint32_t pack(const uint8_t* p) const { return packed(unused, p[0], p[1], p[2]); }
   static unsigned opacity(uint32_t) { return 255; }
   static unsigned channel(uint32_t value, unsigned) { return value; }
 };
@@ -49,10 +48,11 @@ struct Transparency {
 
 template <typename Layout>
 void packRows(const Image& image, REALpictureStruct* picture) {
+  const Layout layout{};
   for (int y = 0; y < image.height; ++y) {
     const uint8_t* source = image.row(y);
     uint32_t* row = host::pictureRow(picture, y);
-    for (int x = 0; x < image.width; ++x, source += 4) row[x] = Layout::pack(source);
+    for (int x = 0; x < image.width; ++x, source += 4) row[x] = layout.pack(source);
   }
 }
 
@@ -80,13 +80,14 @@ host::PictureRef pictureOf(const Image& image, bool hasAlpha) {
 
 void addMask(const Image& image, REALpictureStruct* picture) {
   const host::PictureRef mask = pictureOf(image, false);
+  const Opaque layout{};
   for (int y = 0; y < image.height; ++y) {
     const uint8_t* opacity = image.row(y) + 3;
     uint32_t* row = host::pictureRow(mask.get(), y);
     for (int x = 0; x < image.width; ++x, opacity += 4) {
       const auto gray = static_cast<uint8_t>(255 - *opacity);
       const uint8_t pixel[4] = {gray, gray, gray, 255};
-      row[x] = Opaque::pack(pixel);
+      row[x] = layout.pack(pixel);
     }
   }
   host::setPictureMask(picture, mask.get());

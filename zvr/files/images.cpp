@@ -87,35 +87,35 @@ Info infoFor(const std::string& format) {
 struct Signature {
   size_t at;
   std::string_view bytes;
-  const char* format;  // the library's name; null: not read
-  const char* name;    // for people, of those that aren't read
-  const char* reader;  // a program that reads it
+  const char* format;            // the library's name; null: not read
+  const char* name = nullptr;    // for people, of those that aren't read
+  const char* reader = nullptr;  // a program that reads it
 };
 constexpr Signature kSignatures[] = {
-    {0, "\x89PNG\r\n\x1A\n"sv, "PNG", nullptr, nullptr},
-    {0, "\xFF\xD8\xFF"sv, "JPEG", nullptr, nullptr},
+    {0, "\x89PNG\r\n\x1A\n"sv, "PNG"},
+    {0, "\xFF\xD8\xFF"sv, "JPEG"},
     {8, "CR\2"sv, nullptr, "a camera's raw picture", "darktable or dcraw"},
-    {0, "II*\0"sv, "TIFF", nullptr, nullptr},
-    {0, "MM\0*"sv, "TIFF", nullptr, nullptr},
-    {0, "BM"sv, "BMP", nullptr, nullptr},
-    {0, "GIF8"sv, "GIF", nullptr, nullptr},
-    {0, "P1"sv, "PNM", nullptr, nullptr},
-    {0, "P2"sv, "PNM", nullptr, nullptr},
-    {0, "P3"sv, "PNM", nullptr, nullptr},
-    {0, "P4"sv, "PNM", nullptr, nullptr},
-    {0, "P5"sv, "PNM", nullptr, nullptr},
-    {0, "P6"sv, "PNM", nullptr, nullptr},
-    {0, "P7"sv, "PNM", nullptr, nullptr},
-    {0, "\0\0\1\0"sv, "ICO", nullptr, nullptr},
-    {8, "WEBP"sv, "WEBP", nullptr, nullptr},
-    {4, "ftypavi"sv, "AVIF", nullptr, nullptr},
-    {4, "ftyphei"sv, "HEIF", nullptr, nullptr},
-    {4, "ftyphev"sv, "HEIF", nullptr, nullptr},
-    {4, "ftypmif1"sv, "HEIF", nullptr, nullptr},
+    {0, "II*\0"sv, "TIFF"},
+    {0, "MM\0*"sv, "TIFF"},
+    {0, "BM"sv, "BMP"},
+    {0, "GIF8"sv, "GIF"},
+    {0, "P1"sv, "PNM"},
+    {0, "P2"sv, "PNM"},
+    {0, "P3"sv, "PNM"},
+    {0, "P4"sv, "PNM"},
+    {0, "P5"sv, "PNM"},
+    {0, "P6"sv, "PNM"},
+    {0, "P7"sv, "PNM"},
+    {0, "\0\0\1\0"sv, "ICO"},
+    {8, "WEBP"sv, "WEBP"},
+    {4, "ftypavi"sv, "AVIF"},
+    {4, "ftyphei"sv, "HEIF"},
+    {4, "ftyphev"sv, "HEIF"},
+    {4, "ftypmif1"sv, "HEIF"},
     {4, "ftypcrx"sv, nullptr, "a camera's raw picture", "darktable"},
     {4, "ftyp"sv, nullptr, "a video", "ffmpeg"},
-    {0, "\xFF\x0A"sv, "JXL", nullptr, nullptr},
-    {4, "JXL "sv, "JXL", nullptr, nullptr},
+    {0, "\xFF\x0A"sv, "JXL"},
+    {4, "JXL "sv, "JXL"},
     {4, "jP  "sv, nullptr, "a JPEG 2000 picture", "opj_decompress"},
     {0, "8BPS"sv, nullptr, "a layered PSD picture", "GIMP"},
     {0, "gimp xcf"sv, nullptr, "a layered XCF picture", "GIMP"},
@@ -310,8 +310,11 @@ bool keepsAlpha(const std::string& format) { return format != "jpeg" && format !
 // Three bytes a pixel, on white.
 void flatten(const uint8_t* pixel, int width, uint8_t* target) {
   for (const uint8_t* end = pixel + width * 4; pixel < end; pixel += 4) {
-    for (int i = 0; i < 3; ++i)
-      *target++ = static_cast<uint8_t>((pixel[i] * pixel[3] + 255 * (255 - pixel[3]) + 127) / 255);
+    for (int i = 0; i < 3; ++i) {
+      const int mixed =
+          pixel[3] == 255 ? pixel[i] : (pixel[i] * pixel[3] + 255 * (255 - pixel[3]) + 127) / 255;
+      *target++ = static_cast<uint8_t>(mixed);
+    }
   }
 }
 
@@ -359,6 +362,46 @@ void add(const Metadata& metadata, bool resultIsGray, ::Image* image) {
   put("EXIF", metadata.exif);
 }
 
+// `copied` runs when the library has a copy of the pixels.
+template <typename Copied>
+Bytes encode(const Image& image, const Writing& writing, const Copied& copied) {
+  const Info info = infoFor(writing.format);
+  const bool resultIsGray = isGray(image);
+  Report report;
+  const Magick made = magickOf(image, writing.format);
+  add(image.metadata, resultIsGray, made.get());
+  copied();
+  std::snprintf(made->magick, sizeof(made->magick), "%s", writing.format.c_str());
+  info->quality = static_cast<unsigned long>(writing.quality);
+  if (writing.format == "png") {
+    // The library's number for both: adaptive filters take as long as quick compression itself.
+    constexpr int kUpFilter = 2, kAdaptiveFilters = 5, kQuick = 3;
+    info->quality = static_cast<unsigned long>(writing.compression * 10 +
+                                               (writing.compression > kQuick ? kAdaptiveFilters : kUpFilter));
+    // A profile for colours makes no sense in a file of grays.
+    const bool savesGray = resultIsGray && spaceOf(image.metadata.profile) != "RGB ";
+    info->type = savesGray ? (image.hasAlpha ? GrayscaleMatteType : GrayscaleType)
+                           : (image.hasAlpha ? TrueColorMatteType : TrueColorType);
+  }
+  if (writing.format == "tiff") info->compression = ZipCompression;
+  const std::string subsampling = !writing.subsampling.empty() ? writing.subsampling
+                                  : writing.quality >= 90      ? "4:4:4"
+                                                               : "4:2:0";
+  const char* factors = subsampling == "4:4:4" ? "1x1" : subsampling == "4:2:2" ? "2x1" : "2x2";
+  CloneString(&info->sampling_factor, factors);
+  AddDefinitions(info.get(), "jpeg:optimize-coding=true", report.info());
+  size_t size = 0;
+  const std::unique_ptr<void, Freeing> blob(ImageToBlob(info.get(), made.get(), &size, report.info()));
+  if (!blob || size == 0) report.fail();
+  const auto* bytes = static_cast<const uint8_t*>(blob.get());
+  return {bytes, bytes + size};
+}
+
+std::string formatFor(const std::string& path, const std::string& format) {
+  const std::string extension = std::filesystem::path(path).extension();
+  return writtenFormat(!format.empty() ? format : extension.empty() ? "" : extension.substr(1));
+}
+
 }  // namespace
 
 void Image::allocate(unsigned newWidth, unsigned newHeight) {
@@ -395,58 +438,10 @@ std::string writtenFormat(const std::string& word) {
   return "";
 }
 
-namespace {
-
-std::string formatFor(const std::string& path, const std::string& format) {
-  const std::string extension = std::filesystem::path(path).extension();
-  return writtenFormat(!format.empty() ? format : extension.empty() ? "" : extension.substr(1));
-}
-
-}  // namespace
-
 void checkExtension(const std::string& path, const std::string& format) {
   if (!formatFor(path, format).empty()) return;
   throw UsageError(path + ": pictures are written as .png, .jpg, .tif, .bmp or .webp, or name a --format");
 }
-
-namespace {
-
-// `copied` runs when the library has a copy of the pixels.
-template <typename Copied>
-Bytes encode(const Image& image, const Writing& writing, const Copied& copied) {
-  const Info info = infoFor(writing.format);
-  const bool resultIsGray = isGray(image);
-  Report report;
-  const Magick made = magickOf(image, writing.format);
-  add(image.metadata, resultIsGray, made.get());
-  copied();
-  std::snprintf(made->magick, sizeof(made->magick), "%s", writing.format.c_str());
-  info->quality = static_cast<unsigned long>(writing.quality);
-  if (writing.format == "png") {
-    // The library's number for both: adaptive filters take as long as quick compression itself.
-    constexpr int kUpFilter = 2, kAdaptiveFilters = 5, kQuick = 3;
-    info->quality = static_cast<unsigned long>(writing.compression * 10 +
-                                               (writing.compression > kQuick ? kAdaptiveFilters : kUpFilter));
-    // A profile for colours makes no sense in a file of grays.
-    const bool savesGray = resultIsGray && spaceOf(image.metadata.profile) != "RGB ";
-    info->type = savesGray ? (image.hasAlpha ? GrayscaleMatteType : GrayscaleType)
-                           : (image.hasAlpha ? TrueColorMatteType : TrueColorType);
-  }
-  if (writing.format == "tiff") info->compression = ZipCompression;
-  const std::string subsampling = !writing.subsampling.empty() ? writing.subsampling
-                                  : writing.quality >= 90      ? "4:4:4"
-                                                               : "4:2:0";
-  const char* factors = subsampling == "4:4:4" ? "1x1" : subsampling == "4:2:2" ? "2x1" : "2x2";
-  CloneString(&info->sampling_factor, factors);
-  AddDefinitions(info.get(), "jpeg:optimize-coding=true", report.info());
-  size_t size = 0;
-  const std::unique_ptr<void, Freeing> blob(ImageToBlob(info.get(), made.get(), &size, report.info()));
-  if (!blob || size == 0) report.fail();
-  const auto* bytes = static_cast<const uint8_t*>(blob.get());
-  return {bytes, bytes + size};
-}
-
-}  // namespace
 
 Bytes encodeImage(const Image& image, const Writing& writing) {
   return encode(image, writing, [] {});

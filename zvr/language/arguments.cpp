@@ -3,7 +3,7 @@
 #include <new>
 
 #include "zvr/files/files.h"
-#include "zvr/files/host_pictures.h"
+#include "zvr/language/original.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
@@ -30,11 +30,11 @@ host::Value valueOfFile(const std::string& path, host::Type type, const PictureO
                         bool asOnHost) {
   if (type != host::Type::picture) return valueOfBytes(readBytes(path), type);
   const Image image = loadImage(path, options.upright);
-  const bool isBeside = options.alpha != Alpha::premultiplied && !asOnHost;
-  if (image.hasAlpha && isBeside && options.alpha == Alpha::keep)
+  const Transparent road = roadOf(options, asOnHost);
+  if (image.hasAlpha && road == Transparent::beside && options.alpha == Alpha::keep)
     terminal::note(path +
                    ": its transparency plays no part; --alpha premultiplied sends it through the library");
-  return toPicture(image, isBeside ? Transparent::beside : Transparent::asOnHost);
+  return toPicture(image, road);
 }
 
 Bytes bytesOf(const host::Value& value) {

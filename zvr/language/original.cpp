@@ -24,8 +24,8 @@ Original::Original(const std::string& path, const std::vector<uint8_t>& file, co
                    bool asOnHost)
     : path_(path), options_(options) {
   Image image = decodeImage(path, file, options.upright);
-  const bool isBeside = options.alpha != Alpha::premultiplied && !asOnHost;
-  picture_ = toPicture(image, isBeside ? Transparent::beside : Transparent::asOnHost);
+  const Transparent road = roadOf(options, asOnHost);
+  picture_ = toPicture(image, road);
   width_ = image.width;
   height_ = image.height;
   if (!options.strips) metadata_ = std::move(image.metadata);
@@ -33,7 +33,7 @@ Original::Original(const std::string& path, const std::vector<uint8_t>& file, co
   if (asOnHost && options.alpha == Alpha::keep) {
     terminal::note(path + ": its transparency goes through the library as " + howHostsKeepTransparency());
   }
-  if (!isBeside || options.alpha == Alpha::drop) return;
+  if (road == Transparent::asOnHost || options.alpha == Alpha::drop) return;
   opacities_.resize(image.byteCount() / 4);
   for (size_t i = 0; i < opacities_.size(); ++i) opacities_[i] = image.pixels[i * 4 + 3];
 }

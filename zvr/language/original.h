@@ -9,6 +9,12 @@
 
 namespace zvr {
 
+// The road of a picture's transparency. `asOnHost`: a step is about transparency, which overrules the
+// options.
+inline Transparent roadOf(const PictureOptions& options, bool asOnHost) {
+  return asOnHost || options.alpha == Alpha::premultiplied ? Transparent::asOnHost : Transparent::beside;
+}
+
 class Original {
  public:
   Original() = default;
