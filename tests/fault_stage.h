@@ -5,11 +5,15 @@
 #include <optional>
 #include <set>
 
-#include "tests/every_call.h"
+#include "tests/calls.h"
 #include "tests/plugin_memory.h"
+#include "tests/support.h"
 
-// Every call, or with sanitizers a sixth of them, others on each kind of host (half of all calls together).
+// Of every member some calls that have something to answer, with and without alpha, and one with each object
+// nil. With sanitizers a sixth of them, others on each kind of host (half of all calls together).
 std::vector<Call> callsToTry();
+// Those whose members are registered in the present host.
+std::vector<Call> registered(const std::vector<Call>& calls);
 // The names of all that the host offers.
 std::vector<std::string> allServices();
 
@@ -37,13 +41,12 @@ class Stage {
   int serviceUses_;
 };
 
-// The outcome of one call.
+// One call.
 struct Trial {
-  std::string answer;
-  bool answersNull = false, raised = false, unwound = false;
-  std::vector<std::string> before, after;  // contents of the arguments
-  int blocks = 0;                          // of plug-in memory, without those given to the host
-  host::Ledger left;                       // once the arguments are gone
+  Outcome before, after;
+  bool unwound = false;
+  int blocks = 0;     // of plug-in memory, without those given to the host
+  host::Ledger left;  // once the arguments are gone
   std::string held;
   std::map<std::string, int> uses;  // of the host's services
   int allocations = 0;
@@ -55,8 +58,15 @@ Trial attempt(const Stage& stage, const Call& call, const std::function<void(Sce
 // Expects nothing to be left of a call, except the locks of pictures with alpha whose surface could not be
 // had.
 void expectNothingHeld(const Call& call, const Trial& trial);
+// Whether it is an object that a call was given; the destination of a class is part of the answer.
+bool isGiven(const Call& call, const Trial& trial, size_t argument);
+// Expects all that was given to be as it was.
+void expectUnchanged(const Call& call, const Trial& trial);
 // Whether a member has something to answer although no pixels of the given pictures can be had.
 bool needsNoPixels(const Call& call);
+
+// Whether results and byref arguments are the same, except for the alpha that a result may lack.
+bool haveSameAnswer(const Call& call, const Outcome& a, const Outcome& b);
 
 bool isAnyOf(const std::string& text, std::initializer_list<const char*> some);
 

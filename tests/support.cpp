@@ -3,89 +3,12 @@
 #include <signal.h>
 
 #include <algorithm>
-#include <cstring>
 #include <iostream>
 #include <sstream>
 #include <stdexcept>
 
-namespace {
-
-host::Road roadOfProcess = host::Road::cairo;
-
-size_t area(int width, int height) { return static_cast<size_t>(width) * static_cast<size_t>(height); }
-
-}  // namespace
-
-host::Road road() { return roadOfProcess; }
-
-host::Settings settingsForRoad() {
-  host::Settings settings;
-  settings.road = road();
-  settings.freshPixel = kFreshPixel;
-  settings.rowPadding = 12;
-  settings.guardPages = true;
-  return settings;
-}
-
-void PrintTo(const Pixels& pixels, std::ostream* out) {
-  *out << pixels.width << " x " << pixels.height << std::hex;
-  for (size_t i = 0; i < pixels.colors.size() && i < 16; ++i) *out << ' ' << pixels.colors[i];
-  *out << std::dec;
-}
-
-host::PictureRef makePictureFromWords(int width, int height, const std::vector<uint32_t>& words, bool alpha) {
-  host::PictureRef picture = host::newPicture(width, height, alpha);
-  if (!picture) throw std::runtime_error("no picture");
-  for (int y = 0; y < height; ++y) {
-    std::memcpy(host::pictureRow(picture.get(), y), &words[area(width, y)], area(width, 1) * 4);
-  }
-  return picture;
-}
-
-host::PictureRef makePicture(const Pixels& pixels, bool alpha) {
-  std::vector<uint32_t> words(pixels.colors);
-  // Sources carry top bytes that no operation may take for a colour.
-  for (size_t i = 0; i < words.size(); ++i) words[i] |= (i * 37 + 11) << 24;
-  return makePictureFromWords(pixels.width, pixels.height, words, alpha);
-}
-
-std::vector<uint32_t> wordsOf(const host::PictureRef& picture) {
-  const int width = host::pictureWidth(picture.get()), height = host::pictureHeight(picture.get());
-  std::vector<uint32_t> words(area(width, height));
-  for (int y = 0; y < height; ++y) {
-    std::memcpy(&words[area(width, y)], host::pictureRow(picture.get(), y), area(width, 1) * 4);
-  }
-  return words;
-}
-
-Pixels colorsOf(const host::PictureRef& picture) {
-  if (!picture) return {};
-  std::vector<uint32_t> words = wordsOf(picture);
-  for (uint32_t& word : words) word &= 0xFFFFFF;
-  return {host::pictureWidth(picture.get()), host::pictureHeight(picture.get()), std::move(words)};
-}
-
-Pixels asWritten(Pixels expected) {
-  if (road() == host::Road::gdk) {
-    for (int x = 0; x < expected.width; ++x) expected.at(x, 0) = 0;
-  }
-  return expected;
-}
-
-Rgb unwrittenColor() { return road() == host::Road::gdk ? 0 : kFreshColor; }
-
-uint32_t opaqueTopByte() { return road() == host::Road::console ? 0 : 0xFF; }
-
 std::vector<host::Value> numbers(std::initializer_list<int64_t> values) {
   return {values.begin(), values.end()};
-}
-
-std::optional<Rgb> seenInRectangle(const Pixels& source, int left, int x, int y) {
-  if (road() != host::Road::gdk) return source.at(x, y);
-  const auto byte = [&](size_t at) { return source.colors[at / 3] >> (16 - 8 * (at % 3)) & 0xFF; };
-  const auto at = static_cast<size_t>(y * source.width * 3 + left * 4 + (x - left) * 3);
-  if (at + 3 > source.colors.size() * 3) return {};
-  return byte(at) << 16 | byte(at + 1) << 8 | byte(at + 2);
 }
 
 void expectNilException(const host::Outcome& outcome, const std::string& message) {
@@ -93,38 +16,6 @@ void expectNilException(const host::Outcome& outcome, const std::string& message
   ASSERT_TRUE(outcome.exception) << message;
   EXPECT_EQ(outcome.exception->className, "NilObjectException");
   EXPECT_EQ(outcome.exception->message, message);
-}
-
-Rgb Random::color() {
-  const int kind = between(0, 5);
-  if (kind == 0) return chance(50) ? 0 : 0xFFFFFF;
-  if (kind == 1) return static_cast<Rgb>(between(0, 255)) * 0x10101;                           // gray
-  if (kind == 2) return static_cast<Rgb>(between(0, 255)) * 0x10101 ^ (1u << between(0, 23));  // nearly gray
-  if (kind == 3) return rgb(chance(50) * 255, chance(50) * 255, chance(50) * 255);  // a corner of the cube
-  return word() & 0xFFFFFF;
-}
-
-Pixels Random::pixels(int width, int height) {
-  Pixels result(width, height, Rgb{0});
-  const int longestRun = chance(50) ? 1 : 40;
-  Rgb current = 0;
-  int left = 0;
-  for (Rgb& pixel : result.colors) {
-    if (left-- <= 0) {
-      current = color();
-      left = between(0, longestRun - 1);
-    }
-    pixel = current;
-  }
-  return result;
-}
-
-int Random::side() {
-  const int kind = between(0, 3);
-  if (kind == 0) return 1;
-  if (kind == 1) return between(1, 20);
-  if (kind == 2) return between(60, 70);
-  return chance(80) ? between(1, 200) : between(500, 530);
 }
 
 void HostTest::begin(const host::Settings& settings) {
@@ -241,7 +132,7 @@ int main(int argc, char** argv) {
       std::cerr << "unknown argument " << argv[i] << ", expected --road=cairo, gdk or console\n";
       return 2;
     }
-    roadOfProcess = found->second;
+    setRoad(found->second);
   }
   auto& listeners = testing::UnitTest::GetInstance()->listeners();
   delete listeners.Release(listeners.default_result_printer());

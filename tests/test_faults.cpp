@@ -31,19 +31,34 @@ bool isLeftOnPurpose(const std::string& service, const Trial& trial) {
 }
 
 // Answers that are neither null nor those of a sound host.
-bool isPoorerOnPurpose(const Call& call, const std::string& service) {
+bool isPoorerOnPurpose(const Call& call, const std::string& service, const Trial& trial, const Trial& sound) {
   const std::string name = call.name();
+  // A target that can't be written is left alone, and a new picture is made.
+  const auto *got = std::get_if<Pixels>(&trial.after.result),
+             *wanted = std::get_if<Pixels>(&sound.after.result);
+  if (name == "TransformColorsZVR" && got && wanted && got->color(0, 0) == wanted->color(0, 0)) return true;
   // A picture that can't be scrolled counts as scrolled sideways.
   if (isAnyOf(name, {"ScrollHorizontalZVR", "ScrollZVR"})) return true;
   // Wide outlines are drawn by the host: lines that it doesn't draw are missing.
-  if (name == "RenderSamplesZVR" && !call.spare) {
-    return isAnyOf(service, {"RuntimeGraphicsDrawLine", "REALSetPropValueInt", "REALSetPropValueUInt32",
-                             "pluginPictureGraphicsGetter"});
+  if (name == "RenderSamplesZVR" &&
+      isAnyOf(service, {"RuntimeGraphicsDrawLine", "REALSetPropValueInt", "REALSetPropValueUInt32",
+                        "pluginPictureGraphicsGetter"})) {
+    return true;
   }
   // A picture that can't say that it has alpha has none.
-  if (name == "EmbeddedMaskZVR") return call.alpha && service == "REALGetPropValueBool";
+  if (name == "EmbeddedMaskZVR") return service == "REALGetPropValueBool";
   // Nothing lies in a block of size 0: reads are 0, and what is written is lost.
   return service == "memoryBlockGetSize" || (name == "CountColorsZVR" && service == "memoryBlockGetPtr");
+}
+
+// A picture and its mask each count by themselves.
+bool isOneOf(const Value& value, const Value& first, const Value& second) {
+  if (areSame(value, first) || areSame(value, second)) return true;
+  const auto *picture = std::get_if<Pixels>(&value), *a = std::get_if<Pixels>(&first),
+             *b = std::get_if<Pixels>(&second);
+  const bool areMasked = picture && a && b && picture->mask && a->mask && b->mask;
+  return areMasked && (picture->colors == a->colors || picture->colors == b->colors) &&
+         isOneOf(*picture->mask, *a->mask, *b->mask);
 }
 
 // The documented result of a call in which something failed: null, or that of a sound host.
@@ -55,16 +70,17 @@ void expectWhole(const Call& call, const std::string& service, const Trial& tria
   // Both ways together were never promised; tables of size 0 make another picture.
   const bool scrolls = call.name().rfind("Scroll", 0) == 0;
   const bool changesOtherwise = call.name() == "ScrollZVR" || service == "memoryBlockGetSize";
-  for (size_t i = 0; i < trial.before.size() && !changesOtherwise; ++i) {
-    EXPECT_TRUE(trial.after[i] == trial.before[i] || trial.after[i] == sound.after[i])
-        << "argument " << i << " is half changed";
+  const auto &before = trial.before.arguments, &after = trial.after.arguments;
+  for (size_t i = 0; i < before.size() && !changesOtherwise; ++i) {
+    if (!isGiven(call, trial, i)) continue;
+    EXPECT_TRUE(isOneOf(after[i], before[i], sound.after.arguments[i]))
+        << "argument " << i << " is half changed: " << written(after[i]);
   }
   if (trial.unwound) return;
-  EXPECT_TRUE(trial.answersNull || trial.answer == sound.answer || isPoorerOnPurpose(call, service))
-      << trial.answer.substr(0, 200) << "\ninstead of " << sound.answer.substr(0, 200);
-  if (trial.answersNull && !scrolls) {
-    EXPECT_TRUE(trial.after == trial.before || trial.answer == sound.answer) << "no result, but a change";
-  }
+  const bool isSame = haveSameAnswer(call, trial.after, sound.after);
+  EXPECT_TRUE(isNull(call, trial.after) || isSame || isPoorerOnPurpose(call, service, trial, sound))
+      << difference(sound.after, trial.after);
+  if (isNull(call, trial.after) && !scrolls && !isSame) expectUnchanged(call, trial);
 }
 
 // ---- Services ----
@@ -74,7 +90,8 @@ TEST_F(Faults, EveryServiceMissing) {
   for (const Call& call : calls_) sound[call.describe()] = attempt(Stage(), call);
   const std::set<std::string> registering = Stage().usedServices();
   for (const std::string& name : allServices()) {
-    const std::vector<Call> known = (Stage(name), callsToTry());  // without some fewer members are registered
+    const std::vector<Call> known =
+        (Stage(name), registered(calls_));  // without some fewer members are registered
     for (const Call& call : known) {
       // A service that neither the call nor the registration asks for can't be missed.
       if (!sound[call.describe()].uses.count(name) && !registering.count(name)) continue;
@@ -91,26 +108,36 @@ TEST_F(Faults, EveryServiceMissing) {
 const std::set<std::string> kSilent = {"REALLockObject", "REALLockString"};
 
 TEST_F(Faults, EveryUseOfEveryServiceFailing) {
-  const auto failInTurn = [&](const Call& call, const Trial& sound, const std::string& name,
-                              host::Fault fault, double version) {
-    const bool unwinds = fault == host::Fault::unwind;
-    // Until its fault a call runs as the sound one.
-    for (int nth = 1; nth <= sound.uses.at(name); ++nth) {
-      SCOPED_TRACE(call.describe() + ", use " + std::to_string(nth) + " of " + name +
-                   (unwinds ? " unwinds" : " fails") + ", version " + std::to_string(version));
-      Trial trial = attempt(Stage(version), call, [&](Scene&) { host::failAt(name, nth, fault); });
-      ++injected_;
-      EXPECT_GE(trial.uses[name], nth);
-      EXPECT_EQ(trial.unwound, unwinds);
-      expectWhole(call, name, trial, sound);
-    }
-  };
   for (const double version : {2013.03, 2011.5}) {
     for (const Call& call : calls_) {
-      const Trial sound = attempt(Stage(version), call);
+      std::unique_ptr<Stage> stage;
+      const auto attemptAfresh = [&](const auto&... arm) {
+        stage.reset();
+        stage = std::make_unique<Stage>(version);
+        return attempt(*stage, call, arm...);
+      };
+      const Trial sound = attemptAfresh(), again = attempt(*stage, call);
+      const auto failInTurn = [&](const std::string& name, int uses, host::Fault fault) {
+        // What is looked up only once, or no longer after a fault, takes a plug-in that is loaded afresh.
+        const auto repeated = again.uses.find(name);
+        const bool isRepeated = repeated != again.uses.end() && repeated->second == uses;
+        // Until its fault a call runs as the sound one.
+        for (int nth = 1; nth <= uses; ++nth) {
+          SCOPED_TRACE(call.describe() + ", use " + std::to_string(nth) + " of " + name +
+                       (fault == host::Fault::unwind ? " unwinds" : " fails") + ", version " +
+                       std::to_string(version));
+          const auto arm = [&](Scene&) { host::failAt(name, nth, fault); };
+          Trial trial = isRepeated ? attempt(*stage, call, arm) : attemptAfresh(arm);
+          if (trial.uses[name] < nth) trial = attemptAfresh(arm);
+          ++injected_;
+          EXPECT_GE(trial.uses[name], nth);
+          EXPECT_EQ(trial.unwound, fault == host::Fault::unwind);
+          expectWhole(call, name, trial, sound);
+        }
+      };
       for (const auto& [name, uses] : sound.uses) {
-        if (!kSilent.count(name)) failInTurn(call, sound, name, host::Fault::null, version);
-        failInTurn(call, sound, name, host::Fault::unwind, version);
+        if (!kSilent.count(name)) failInTurn(name, uses, host::Fault::null);
+        failInTurn(name, uses, host::Fault::unwind);
       }
     }
   }
@@ -119,7 +146,7 @@ TEST_F(Faults, EveryUseOfEveryServiceFailing) {
 // ---- Memory ----
 
 TEST_F(Faults, EveryAllocationFailing) {
-  least_ = 40;  // most calls work without memory of their own
+  least_ = 25;  // most calls work without memory of their own
   for (const double version : {2013.03, 2011.5}) {
     for (const Call& call : calls_) {
       const Trial sound = attempt(Stage(version), call);
@@ -163,8 +190,8 @@ TEST_F(Faults, EveryFaultWhileRegistering) {
         });
         if ((kind == kMemory ? stage.memory().uses : stage.serviceUses()) < nth) break;
         ++injected_;
-        for (const Call& call : callsToTry()) {
-          if (!hasProperties(call.owner)) continue;
+        for (const Call& call : registered(calls_)) {
+          if (!hasProperties(call.member.owner)) continue;
           const Trial trial = attempt(stage, call);
           host::Ledger allowed;
           // A host that does not tell its version, asked for first, gets failed locks undone as old ones need

@@ -1,0 +1,386 @@
+#include "tests/calls.h"
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+#include <stdexcept>
+
+namespace {
+
+using Kind = Member::Kind;
+
+const host::Class* findClass(const std::string& name) {
+  for (const host::Class& type : host::members().classes) {
+    if (type.name == name) return &type;
+  }
+  return nullptr;
+}
+
+const std::vector<host::Method>& methodsOf(const std::string& owner) {
+  if (owner.empty()) return host::members().globals;
+  if (owner == "Picture") return host::members().pictureMethods;
+  const host::Class* type = findClass(owner);
+  if (!type) throw std::runtime_error("no class " + owner);
+  return type->methods;
+}
+
+host::Parameter parameter(const char* name, host::Type type) {
+  host::Parameter result;
+  result.name = name;
+  result.type = type;
+  return result;
+}
+
+// ---- Arguments ----
+
+// Whole numbers that have a meaning of their own; others are places in a picture, and a little beyond.
+int64_t makeNumber(const std::string& name, Random& random, int side) {
+  const auto places = [&] { return random.between(-9, side + 9); };
+  if (name == "Bits") return random.among({7, 8, 8, 15, 16, 16, 7, 15, 9});
+  if (name == "Smooth") return random.among({INT32_MIN, -2, -1, 0, 1, 1, 1, 2, 3, 20, INT32_MAX});
+  if (name == "outlinewidth") return random.among({-1, 0, 0, 1, 1, 1, 2, 3, 8});
+  if (name == "SampleCount") return random.chance(60) ? 0 : random.between(1, 400);
+  if (name == "Width" || name == "Height")
+    return random.chance(5) ? random.between(-1, 0) : random.between(1, side);
+  if (name == "Amount") {
+    // The processor's ways of dividing change where factors (amount + 255) get large or negative.
+    constexpr int32_t kEdges[] = {
+        0,       -255,    -256,      255,       0x7EFF,          0x7F00,          0x7F01,        -0x80FE,
+        -0x80FF, -0x8100, INT32_MIN, INT32_MAX, INT32_MAX - 255, INT32_MAX - 254, 8421504 - 255, 200000,
+        -200000, 8421505, -8421505};
+    return random.chance(33)   ? random.among(kEdges)
+           : random.chance(50) ? random.between(-600, 600)
+                               : static_cast<int32_t>(random.word());
+  }
+  constexpr int32_t kFar[] = {INT32_MIN, INT32_MIN + 1, INT32_MAX, INT32_MAX - 1, 0, 1, -1};
+  return random.chance(10) ? random.among(kFar) : places();
+}
+
+double makeReal(Random& random) {
+  constexpr double kOdd[] = {NAN,  INFINITY, -INFINITY, 1e300, -1e300, 2147483647.5, -2147483648.5,
+                             -0.0, 1e-300,   -255,      255,   -1,     4294967296.0, 1e10};
+  return random.chance(75) ? random.between(-300, 300) * random.among({1.0, 0.01, 1 / 3.0})
+                           : random.among(kOdd);
+}
+
+// A colour that is there, or one next to it, or a base of tints; each with any top byte.
+host::Color makeColor(Random& random, const Pixels* first) {
+  // Thirds and fifths give whole values, which rounding decides.
+  const Rgb bases[] = {0x555555, 0xFFFFFF, 0xAA5533, 0x336699, 0x000000, 0xFF0000};
+  Rgb color = random.chance(40) ? random.among(bases) : random.color();
+  if (first && random.chance(60)) color = first->color(0, 0);
+  if (random.chance(20)) color ^= 1u << random.between(0, 23);
+  return {(color & 0xFFFFFF) | random.word() << 24};
+}
+
+Bytes makeBytes(const host::Parameter& parameter, Random& random) {
+  if (parameter.name == "Samples") return random.bytes(random.between(0, random.chance(50) ? 40 : 5000));
+  return random.bytes(random.chance(60) ? parameter.byRef ? 1024 : 256
+                                        : random.between(0, random.chance(50) ? 9 : 1100));
+}
+
+Pixels cut(const Pixels& picture, int left, int top, int width, int height) {
+  Pixels part(width, height, Rgb{0});
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) part.at(x, y) = picture.at(left + x, top + y);
+  }
+  return part;
+}
+
+Pixels makePicture(const host::Parameter& parameter, Random& random, const Pixels* first, int longestSide) {
+  const auto side = [&] { return std::min(random.side(), longestSide); };
+  Pixels picture;
+  if (!first) {
+    // Rows of RGB24 pixels without padding, which rectangles may read.
+    picture = random.words(isGdk() ? (side() + 3) & ~3 : side(), std::min(side(), 40));
+  } else if (parameter.name == "pic" && random.chance(80)) {
+    const int width = random.between(1, random.chance(50) ? first->width : std::min(first->width, 20));
+    const int height = random.between(1, first->height);
+    picture = cut(*first, random.between(0, first->width - width), random.between(0, first->height - height),
+                  width, height);
+    if (random.chance(20)) picture.at(width - 1, height - 1) ^= 1u << random.between(0, 23);
+  } else {
+    const int more = random.chance(80) ? 0 : random.between(-1, 2);
+    picture = random.words(std::max(first->width + more, 1),
+                           std::max(first->height + (random.chance(90) ? more : 1), 1));
+  }
+  picture.alpha = random.chance(40);
+  return picture;
+}
+
+std::string makeString(Random& random) {
+  std::string bytes = encoded(random.pixels(random.between(1, 9), random.between(1, 9)));
+  const auto at = [&] { return static_cast<size_t>(random.between(0, static_cast<int>(bytes.size()) - 1)); };
+  const auto putLength = [&] {
+    for (size_t i = 0; i < 4; ++i) bytes[4 + i] = static_cast<char>(bytes.size() >> (24 - 8 * i));
+  };
+  if (random.chance(30)) bytes.resize(at());
+  if (random.chance(30)) bytes += "more";
+  if (bytes.size() >= 8 && random.chance(80)) putLength();
+  if (!bytes.empty() && random.chance(40)) {
+    char& flipped = bytes[random.chance(70) ? at() % 24 : at()];
+    flipped = static_cast<char>(flipped ^ 1 << random.between(0, 7));
+  }
+  return bytes;
+}
+
+Value makeValue(const host::Parameter& parameter, Random& random, const Pixels* first, int longestSide) {
+  using host::Type;
+  const bool isObject = parameter.type == Type::picture || parameter.type == Type::memoryBlock ||
+                        parameter.type == Type::string;
+  if (isObject && random.chance(parameter.byRef ? 40 : 4)) return {};
+  switch (parameter.type) {
+    case Type::uint32:
+      return int64_t{random.chance(80) ? static_cast<uint32_t>(random.between(0, 19)) : random.word()};
+    case Type::integer:
+      return makeNumber(parameter.name, random, first ? first->width : longestSide);
+    case Type::real:
+      return makeReal(random);
+    case Type::boolean:
+      return random.chance(50);
+    case Type::color:
+      return makeColor(random, first);
+    case Type::string:
+      return makeString(random);
+    case Type::memoryBlock:
+      return makeBytes(parameter, random);
+    case Type::picture:
+      return makePicture(parameter, random, first, longestSide);
+    case Type::object:
+    case Type::none:
+      break;
+  }
+  throw std::runtime_error("no argument for " + parameter.name);
+}
+
+// ---- Host values and back ----
+
+Value plain(const host::Value& value) {
+  if (const auto* number = std::get_if<int64_t>(&value)) return *number;
+  if (const auto* number = std::get_if<double>(&value)) return *number;
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag;
+  if (const auto* color = std::get_if<host::Color>(&value)) return *color;
+  if (const auto* string = std::get_if<host::StringRef>(&value)) {
+    if (*string) return host::stringBytes(string->get());
+  } else if (const auto* block = std::get_if<host::MemoryBlockRef>(&value)) {
+    if (*block) {
+      const uint8_t* bytes = host::memoryBlockBytes(block->get());
+      return Bytes(bytes, bytes + host::memoryBlockSize(block->get()));
+    }
+  } else if (const auto* picture = std::get_if<host::PictureRef>(&value)) {
+    if (*picture) return pixelsOf(picture->get());
+  }
+  return {};
+}
+
+// ---- Differences ----
+
+std::string writtenBeside(const Value& value, const Value& other) {
+  const auto *picture = std::get_if<Pixels>(&value), *second = std::get_if<Pixels>(&other);
+  if (!picture || !second || picture->width != second->width || picture->height != second->height ||
+      picture->colors == second->colors)
+    return written(value);
+  const auto at =
+      std::mismatch(picture->colors.begin(), picture->colors.end(), second->colors.begin()).first -
+      picture->colors.begin();
+  return written(Pixels(1, 1, *(picture->colors.begin() + at))) + " at " +
+         std::to_string(at % picture->width) + " " + std::to_string(at / picture->width);
+}
+
+}  // namespace
+
+const host::Method& Member::method() const {
+  for (const host::Method& method : methodsOf(owner)) {
+    if (method.text == text) return method;
+  }
+  throw std::runtime_error("no method " + text);
+}
+
+std::vector<Member> everyMember() {
+  std::vector<Member> members;
+  const auto addMethods = [&](const std::string& owner) {
+    for (const host::Method& method : methodsOf(owner)) {
+      members.push_back({owner, method.text});
+      if (method.setter) members.push_back({owner, method.text, Kind::assign});
+    }
+  };
+  addMethods("");
+  addMethods("Picture");
+  for (const host::Class& type : host::members().classes) {
+    addMethods(type.name);
+    for (const host::Property& property : type.properties) {
+      if (property.getter == kStoredProperty) continue;
+      for (const Kind kind : {Kind::getProperty, Kind::setProperty})
+        members.push_back({type.name, property.name, kind});
+    }
+  }
+  return members;
+}
+
+std::string Call::describe() const {
+  constexpr const char* kKinds[] = {"", " =", " getter", " setter"};
+  std::string all = member.owner + "." + member.name() + kKinds[static_cast<int>(member.kind)];
+  for (const Value& argument : arguments) all += " " + written(argument);
+  return all;
+}
+
+std::vector<host::Parameter> parametersOf(const Member& member) {
+  std::vector<host::Parameter> all;
+  if (member.owner == "Picture") all = {parameter("receiver", host::Type::picture)};
+  if (member.isOfClass())
+    all = {parameter("source", host::Type::picture), parameter("destination", host::Type::picture)};
+  if (member.kind == Kind::setProperty) all.push_back(parameter("value", host::Type::real));
+  if (member.kind == Kind::getProperty || member.kind == Kind::setProperty) return all;
+  const host::Declaration& declaration = member.method().declaration;
+  all.insert(all.end(), declaration.parameters.begin(), declaration.parameters.end());
+  if (member.kind == Kind::assign) all.push_back(parameter("value", declaration.result));
+  return all;
+}
+
+std::vector<std::string> splitWords(const std::string& line) {
+  std::istringstream stream(line);
+  std::vector<std::string> words;
+  for (std::string word; stream >> word && word != "#";) words.push_back(word);
+  return words;
+}
+
+Call parsedCall(std::vector<std::string> words) {
+  const auto equals = std::find(words.begin(), words.end(), "=");
+  const Kind kind = equals == words.end() ? Kind::call : Kind::assign;
+  if (equals != words.end()) words.erase(equals);
+  for (const Member& member : everyMember()) {
+    if (member.isOfClass() || member.name() != words[0] || member.kind != kind) continue;
+    const std::vector<host::Parameter> parameters = parametersOf(member);
+    Call call{member, {}};
+    for (size_t i = 0; i < parameters.size(); ++i) {
+      if (i + 1 >= words.size() && !parameters[i].hasDefault) break;
+      call.arguments.push_back(
+          parsed(parameters[i], i + 1 < words.size() ? words[i + 1] : parameters[i].defaultText));
+    }
+    if (call.arguments.size() == parameters.size() && words.size() <= parameters.size() + 1) return call;
+  }
+  throw std::invalid_argument("no method " + words[0] + " takes so many words");
+}
+
+Call makeCall(const Member& member, Random& random, int longestSide) {
+  Call call{member, {}};
+  std::shared_ptr<Pixels> first;
+  for (const host::Parameter& parameter : parametersOf(member)) {
+    call.arguments.push_back(makeValue(parameter, random, first.get(), longestSide));
+    auto* picture = std::get_if<Pixels>(&call.arguments.back());
+    if (!picture || first) continue;
+    first = std::make_shared<Pixels>(*picture);
+    if (!member.owner.empty() && random.chance(50))
+      picture->mask = std::make_shared<Pixels>(random.words(picture->width, picture->height));
+  }
+  // A second run of the sepia class loses the old destination, on purpose.
+  if (member.owner == "PictureSepiaZVR") call.arguments[1] = {};
+  return call;
+}
+
+std::string difference(const Outcome& wanted, const Outcome& got) {
+  std::string text;
+  const auto compare = [&](const std::string& part, const Value& a, const Value& b) {
+    if (!areSame(a, b))
+      text += part + " wanted: " + writtenBeside(a, b) + "\ngot: " + writtenBeside(b, a) + "\n";
+  };
+  compare("exception", wanted.raised, got.raised);
+  compare("result", wanted.result, got.result);
+  for (size_t i = 0; i < wanted.arguments.size(); ++i)
+    compare("argument " + std::to_string(i), wanted.arguments[i], got.arguments[i]);
+  return text;
+}
+
+bool isNull(const Call& call, const Outcome& outcome) {
+  const auto isNullValue = [](const Value& value) {
+    return isNil(value) || value == Value(false) || value == Value(0.0) || value == Value(int64_t{0}) ||
+           value == Value(int64_t{-1});
+  };
+  bool isNull = isNullValue(outcome.result);
+  const std::vector<host::Parameter> parameters = parametersOf(call.member);
+  for (size_t i = 0; i < parameters.size(); ++i) {
+    if (parameters[i].byRef && parameters[i].type == host::Type::integer)
+      isNull &= isNullValue(outcome.arguments[i]);
+  }
+  return isNull;
+}
+
+// ---- Scenes ----
+
+Scene::Scene(const Call& call) : member_(call.member), parameters_(parametersOf(call.member)) {
+  for (size_t i = 0; i < parameters_.size(); ++i)
+    arguments_.push_back(make(call.arguments[i], parameters_[i].type));
+  if (!member_.isOfClass()) return;
+  instance_ = host::newInstance(member_.owner);
+  host::setProperty(instance_.get(), "SourcePicture", arguments_[0]);
+  host::setProperty(instance_.get(), "DestinationPicture", arguments_[1]);
+}
+
+host::Value Scene::make(const Value& value, host::Type type) {
+  if (const auto* picture = std::get_if<Pixels>(&value)) return pictureOf(*picture);
+  if (const auto* bytes = std::get_if<Bytes>(&value))
+    return host::newMemoryBlock(bytes->data(), bytes->size());
+  if (const auto* text = std::get_if<std::string>(&value))
+    return host::newString(*text, kEncodingNone, false);
+  if (const auto* number = std::get_if<int64_t>(&value)) return *number;
+  if (const auto* number = std::get_if<double>(&value)) return *number;
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag;
+  if (const auto* color = std::get_if<host::Color>(&value)) return *color;
+  if (type == host::Type::picture) return host::PictureRef();
+  if (type == host::Type::memoryBlock) return host::MemoryBlockRef();
+  return host::StringRef();
+}
+
+std::vector<host::Value> Scene::declared() const {
+  const int before = member_.isOfClass() ? 2 : member_.owner.empty() ? 0 : 1;
+  return {arguments_.begin() + before, arguments_.end() - (member_.kind == Kind::assign ? 1 : 0)};
+}
+
+void Scene::run() {
+  REALobjectStruct* receiver = instance_.get();
+  if (member_.owner == "Picture") receiver = std::get<host::PictureRef>(arguments_[0]).get();
+  if (member_.kind == Kind::getProperty) {
+    result_ = host::getProperty(receiver, member_.text);
+  } else if (member_.kind == Kind::setProperty) {
+    host::setProperty(receiver, member_.text, arguments_.back());
+  } else {
+    const host::Method& method = member_.method();
+    host::Outcome outcome = member_.kind == Kind::assign
+                                ? host::assign(method, receiver, declared(), arguments_.back())
+                                : host::call(method, receiver, declared());
+    result_ = std::move(outcome.result);
+    if (outcome.exception) raised_ = outcome.exception->className + ": " + outcome.exception->message;
+    const size_t first =
+        arguments_.size() - outcome.arguments.size() - (member_.kind == Kind::assign ? 1 : 0);
+    for (size_t i = 0; i < outcome.arguments.size(); ++i) arguments_[first + i] = outcome.arguments[i];
+  }
+  if (instance_) arguments_[1] = host::getProperty(instance_.get(), "DestinationPicture");
+}
+
+Outcome Scene::outcome() const {
+  Outcome outcome{{}, plain(result_), raised_};
+  for (const host::Value& argument : arguments_) outcome.arguments.push_back(plain(argument));
+  return outcome;
+}
+
+void Scene::reportNoSizes() {
+  for (const host::Value& argument : arguments_) {
+    if (const auto* block = std::get_if<host::MemoryBlockRef>(&argument)) {
+      if (*block) host::setReportedSize(block->get(), 0);
+    }
+  }
+}
+
+std::vector<host::PictureRef> Scene::pictures() const {
+  std::vector<host::PictureRef> all;
+  for (const host::Value& argument : arguments_) {
+    const auto* picture = std::get_if<host::PictureRef>(&argument);
+    if (!picture || !*picture) continue;
+    all.push_back(*picture);
+    if (REALpictureStruct* mask = host::pictureMask(picture->get())) {
+      host::retain(mask);
+      all.push_back(host::PictureRef::adopt(mask));
+    }
+  }
+  return all;
+}

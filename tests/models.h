@@ -1,0 +1,15 @@
+// Every method by its plain definition, one pixel at a time: whatever calls the plug-in compares with these.
+#pragma once
+
+#include <optional>
+
+#include "tests/calls.h"
+
+// The promised outcome of a call of a method, on hosts of version 2013.03 of the kind that is played. Nullopt
+// where nothing is promised: bytes that lie beyond a smaller mask's rows.
+std::optional<Outcome> promised(const Call& call);
+// The names of all methods that have a definition.
+std::vector<std::string> modelledMethods();
+
+// The waveform of RenderSamplesZVR with these arguments, nil included.
+Value waveform(const std::vector<Value>& arguments);

@@ -1,0 +1,89 @@
+#include "tests/pictures.h"
+
+#include <cstring>
+#include <stdexcept>
+
+namespace {
+
+host::Road roadOfProcess = host::Road::cairo;
+
+size_t area(int width, int height) { return static_cast<size_t>(width) * static_cast<size_t>(height); }
+
+}  // namespace
+
+host::Road road() { return roadOfProcess; }
+void setRoad(host::Road road) { roadOfProcess = road; }
+
+host::Settings settingsForRoad() {
+  host::Settings settings;
+  settings.road = road();
+  settings.freshPixel = kFreshPixel;
+  settings.rowPadding = 12;
+  settings.guardPages = true;
+  return settings;
+}
+
+host::PictureRef makePictureFromWords(int width, int height, const std::vector<uint32_t>& words, bool alpha) {
+  host::PictureRef picture = host::newPicture(width, height, alpha);
+  if (!picture) throw std::runtime_error("no picture");
+  for (int y = 0; y < height; ++y) {
+    std::memcpy(host::pictureRow(picture.get(), y), &words[area(width, y)], area(width, 1) * 4);
+  }
+  return picture;
+}
+
+host::PictureRef makePicture(const Pixels& pixels, bool alpha) {
+  std::vector<uint32_t> words(pixels.colors);
+  // Sources carry top bytes that no operation may take for a colour.
+  for (size_t i = 0; i < words.size(); ++i) words[i] |= (i * 37 + 11) << 24;
+  return makePictureFromWords(pixels.width, pixels.height, words, alpha);
+}
+
+host::PictureRef pictureOf(const Pixels& pixels) {
+  host::PictureRef picture = makePictureFromWords(pixels.width, pixels.height, pixels.colors, pixels.alpha);
+  if (pixels.mask) host::setPictureMask(picture.get(), pictureOf(*pixels.mask).get());
+  return picture;
+}
+
+Pixels pixelsOf(REALpictureStruct* handle) {
+  host::retain(handle);
+  const auto picture = host::PictureRef::adopt(handle);
+  Pixels pixels(host::pictureWidth(handle), host::pictureHeight(handle), wordsOf(picture));
+  pixels.alpha = host::pictureHasAlpha(handle);
+  if (REALpictureStruct* mask = host::pictureMask(handle))
+    pixels.mask = std::make_shared<Pixels>(pixelsOf(mask));
+  return asHeld(pixels);
+}
+
+Pixels asHeld(Pixels pixels) {
+  if (!isGdk()) return pixels;
+  pixels.alpha = false;
+  for (uint32_t& word : pixels.colors) word &= 0xFFFFFF;
+  if (pixels.mask) pixels.mask = std::make_shared<Pixels>(asHeld(*pixels.mask));
+  return pixels;
+}
+
+std::vector<uint32_t> wordsOf(const host::PictureRef& picture) {
+  const int width = host::pictureWidth(picture.get()), height = host::pictureHeight(picture.get());
+  std::vector<uint32_t> words(area(width, height));
+  for (int y = 0; y < height; ++y) {
+    std::memcpy(&words[area(width, y)], host::pictureRow(picture.get(), y), area(width, 1) * 4);
+  }
+  return words;
+}
+
+Pixels colorsOf(const host::PictureRef& picture) {
+  if (!picture) return {};
+  std::vector<uint32_t> words = wordsOf(picture);
+  for (uint32_t& word : words) word &= 0xFFFFFF;
+  return {host::pictureWidth(picture.get()), host::pictureHeight(picture.get()), std::move(words)};
+}
+
+Pixels asWritten(Pixels expected) {
+  for (int x = 0; x < expected.width && isGdk(); ++x) expected.at(x, 0) = 0;
+  return expected;
+}
+
+Rgb unwrittenColor() { return isGdk() ? 0 : kFreshColor; }
+
+uint32_t opaqueTopByte() { return road() == host::Road::cairo ? 0xFF : 0; }

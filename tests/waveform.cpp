@@ -1,0 +1,206 @@
+// RenderSamplesZVR by its plain definition: one sample and one pixel at a time.
+
+#include <algorithm>
+#include <cmath>
+
+#include "frame/entry_points.h"
+#include "tests/models.h"
+
+namespace {
+
+template <typename Service>
+Service* service(const char* name) {
+  return reinterpret_cast<Service*>(host::resolve(name));
+}
+
+// The arguments in their order.
+struct Request {
+  explicit Request(const std::vector<Value>& given)
+      : bytes(std::get<Bytes>(given[0])),
+        count(number(given[1])),
+        smooth(number(given[2])),
+        width(number(given[3])),
+        height(number(given[4])),
+        outline(number(given[5])),
+        background(color(given[6])),
+        foreground(color(given[7])),
+        outlineColor(color(given[8])),
+        bits(number(given[9])),
+        autoScale(std::get<bool>(given[10])) {}
+  static int number(const Value& value) { return static_cast<int>(std::get<int64_t>(value)); }
+  static Rgb color(const Value& value) { return std::get<host::Color>(value).rgb & 0xFFFFFF; }
+
+  Bytes bytes;
+  int count, smooth, width, height, outline;
+  Rgb background, foreground, outlineColor;
+  int bits;
+  bool autoScale;
+};
+
+class Waveform {
+ public:
+  explicit Waveform(const std::vector<Value>& given) : r_(given) {
+    if (r_.count < 1) r_.count = static_cast<int>(r_.bytes.size()) / sampleSize();
+    if (r_.height < 1) r_.height = 500;
+    if (r_.width < 1) r_.width = r_.count;
+  }
+
+  bool isPossible() const {
+    const bool isKnown = r_.bits == 7 || r_.bits == 8 || r_.bits == 15 || r_.bits == 16;
+    return isKnown && !r_.bytes.empty() && r_.width > 0 && r_.width <= 32767 && r_.height <= 32767;
+  }
+
+  Pixels draw() {
+    centre_ = r_.height >> 1;
+    measure();
+    drawBars();
+    if (r_.outline == 1) trace([this](int a, int b, int c, int d) { line(a, b, c, d); });
+    if (r_.outline > 1) drawHostLines();
+    for (uint32_t& word : pixels_.colors) word |= opaqueTopByte() << 24;
+    return pixels_;
+  }
+
+ private:
+  int sampleSize() const { return r_.bits > 8 ? 2 : 1; }
+
+  int sample(size_t index) const {
+    int bits = 0;
+    for (size_t i = 0, at = index * static_cast<size_t>(sampleSize()); i < 2; ++i, ++at) {
+      if (static_cast<int>(i) < sampleSize() && at < r_.bytes.size()) bits |= r_.bytes[at] << (8 * i);
+    }
+    switch (r_.bits) {
+      case 7:
+        return static_cast<int8_t>(bits);
+      case 8:
+        return bits - 128;
+      case 15:
+        return static_cast<int16_t>(bits);
+      default:
+        return bits - 32768;
+    }
+  }
+
+  void measure() {
+    using Extended = long double;
+    const Extended w = r_.width, n = r_.count;
+    double peak = 0;
+    for (int i = 1; i <= r_.width; ++i) {
+      const auto start = static_cast<int>((i - 1) / w * n), end = static_cast<int>(i / w * n);
+      uint32_t negative = 0, positive = 0;  // which wrap
+      for (int s = start; s < end; ++s) {
+        const int value = sample(static_cast<size_t>(s));
+        (value < 0 ? negative : positive) += static_cast<uint32_t>(value);
+      }
+      const Extended half = (end - start) * Extended(0.5);
+      negative_.push_back(static_cast<double>(static_cast<int32_t>(negative) / half));
+      positive_.push_back(static_cast<double>(static_cast<int32_t>(positive) / half));
+      for (double value : {positive_.back(), -negative_.back()}) {
+        if (value > peak) peak = value;
+      }
+    }
+    Extended scale = r_.autoScale ? Extended(2) * peak : sampleSize() == 1 ? 127 : 32767;
+    const Extended alpha = 2 / (Extended(r_.smooth) + 1);
+    for (auto* values : {&negative_, &positive_}) {
+      if (!(alpha > 0)) break;
+      Extended y = values->front();
+      for (double& value : *values) value = static_cast<double>(y = y * (1 - alpha) + value * alpha);
+    }
+    if (alpha > 0) scale = alpha * scale + (1 - alpha) * scale;
+    for (auto* values : {&negative_, &positive_}) {
+      for (double& value : *values) value = static_cast<double>(value * Extended(r_.height) / scale);
+    }
+  }
+
+  int rowOf(double value) const {
+    const long double row = static_cast<long double>(centre_) + value;
+    return std::fabs(row) < 2147483648.0L ? static_cast<int>(row) : INT32_MIN;
+  }
+
+  void drawBars() {
+    pixels_ = asWritten({r_.width, r_.height, r_.background});
+    for (int x = 0; x < r_.width; ++x) {
+      for (const auto* values : {&negative_, &positive_}) {
+        const int y = rowOf((*values)[static_cast<size_t>(x)]);
+        const int first = std::min(std::max(std::min(y, centre_), 0), r_.height - 1);
+        const int last = std::min(std::max(y, centre_), r_.height - 1);
+        for (int row = first; row <= last; ++row) pixels_.at(x, row) = r_.foreground;
+      }
+    }
+  }
+
+  template <typename Draw>
+  void trace(const Draw& draw) const {
+    int fromX = 0, from[2] = {centre_, centre_};
+    for (int x = 0; x < r_.width; fromX = x++) {
+      for (int side = 0; side < 2; ++side) {
+        const int y = rowOf((side == 0 ? negative_ : positive_)[static_cast<size_t>(x)]);
+        draw(fromX, from[side], x, y);
+        from[side] = y;
+      }
+    }
+  }
+
+  void plot(int x, int y, int w) {
+    if (x < 0 || y < 0 || x >= r_.width || y >= r_.height) return;
+    Rgb& p = pixels_.at(x, y);
+    const Rgb o = r_.outlineColor;
+    const auto mix = [w](int to, int from) { return (to * (255 - w) + from * w) / 255; };
+    p = rgb(mix(red(o), red(p)), mix(green(o), blue(p)), mix(blue(o), green(p)));
+  }
+
+  void line(int x0, int y0, int x1, int y1) {
+    if (y0 > y1) {
+      std::swap(x0, x1);
+      std::swap(y0, y1);
+    }
+    plot(x0, y0, 0);
+    const int dx = x1 - x0, dy = static_cast<int16_t>(int64_t{y1} - y0);
+    const int step = dx < 0 ? -1 : 1, adx = std::abs(dx);  // at most 1: from column to column
+    if (dy == 0) {
+      if (adx == 1) plot(x0 + step, y0, 0);
+      return;
+    }
+    if (adx == 0 || dy == 1) {
+      for (int i = 1; i <= dy; ++i) plot(x0 + i * step * adx, y0 + i, 0);
+      return;
+    }
+    const int slope = dy > 1 ? 65536 / dy : 0;
+    for (int i = 1; i < dy; ++i) {
+      // One column in `dy` rows: the fraction never wraps.
+      const int w = (i * slope) >> 8;
+      plot(x0, y0 + i, w);
+      plot(x0 + step, y0 + i, 255 - w);
+    }
+    plot(x1, y1, 0);
+  }
+
+  // The host's own lines, on a picture of the host's.
+  void drawHostLines() {
+    const host::PictureRef picture = makePicture(pixels_);
+    const auto graphics = host::Ref<REALgraphicsStruct>::adopt(
+        service<decltype(REALGetPictureGraphics)::Function>("pluginPictureGraphicsGetter")(picture.get()));
+    const auto setColor = service<decltype(REALSetPropValueUInt32)::Function>("REALSetPropValueUInt32");
+    const auto setNumber = service<decltype(REALSetPropValueInt32)::Function>("REALSetPropValueInt");
+    const auto draw = service<decltype(GraphicsDrawLine)::Function>("RuntimeGraphicsDrawLine");
+    setColor(graphics.get(), "ForeColor", r_.outlineColor);
+    setNumber(graphics.get(), "PenWidth", r_.outline);
+    setNumber(graphics.get(), "PenHeight", r_.outline);
+    const int64_t h = r_.outline >> 1;
+    const auto at = [h](int value) { return static_cast<int>(static_cast<uint32_t>(value - h)); };
+    trace([&](int a, int b, int c, int d) { draw(graphics.get(), at(a), at(b), at(c), at(d)); });
+    pixels_ = colorsOf(picture);
+  }
+
+  Request r_;
+  int centre_ = 0;
+  std::vector<double> negative_, positive_;
+  Pixels pixels_;
+};
+
+}  // namespace
+
+Value waveform(const std::vector<Value>& arguments) {
+  if (isNil(arguments[0])) return {};
+  Waveform waveform(arguments);
+  return waveform.isPossible() ? Value(waveform.draw()) : Value();
+}
