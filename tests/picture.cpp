@@ -49,12 +49,14 @@ void make(const std::string& path, unsigned width, unsigned height) {
     fail(path + ": " + image.message);
 }
 
-void same(const Picture& a, const Picture& b, int tolerance) {
-  if (a.image.width != b.image.width || a.image.height != b.image.height) fail("the sizes differ");
+void same(const std::string& path, const std::string& other, int tolerance) {
+  const Picture a(path), b(other);
+  if (a.image.width != b.image.width || a.image.height != b.image.height)
+    fail(path + " and " + other + " differ in size");
   for (size_t i = 0; i < a.bytes.size(); ++i) {
     if (std::abs(a.bytes[i] - b.bytes[i]) > tolerance)
-      fail("channel " + std::to_string(i % 4) + " of pixel " + std::to_string(i / 4) + ": " +
-           std::to_string(a.bytes[i]) + " and " + std::to_string(b.bytes[i]));
+      fail(path + " and " + other + " differ in channel " + std::to_string(i % 4) + " of pixel " +
+           std::to_string(i / 4));
   }
 }
 
@@ -78,7 +80,7 @@ int main(int count, char** arguments) {
   if (command == "make") {
     make(words.at(1), std::stoul(words.at(2)), std::stoul(words.at(3)));
   } else if (command == "same") {
-    same(Picture(words.at(1)), Picture(words.at(2)), words.size() > 3 ? std::stoi(words[3]) : 0);
+    same(words.at(1), words.at(2), words.size() > 3 ? std::stoi(words[3]) : 0);
   } else if (command == "show") {
     show(Picture(words.at(1)), Words(words.begin() + 2, words.end()));
   } else {

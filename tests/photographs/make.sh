@@ -31,3 +31,5 @@ convert rgba.png icon.ico
 cwebp -quiet -lossless -exact rgba.png -o rgba.webp
 heif-enc -q 100 -p chroma=444 rgb.png -o rgb.heic > /dev/null
 heif-enc -A -q 100 -p chroma=444 rgb.png -o rgb.avif > /dev/null
+# Each coefficient in a scan of its own, by a program of the library that zvr reads JPEG files with.
+for i in {0..63}; do echo "0: $i-$i, 0, 0;"; done | cjpeg -grayscale -scans /dev/stdin rgb.ppm > scans.jpg
