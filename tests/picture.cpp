@@ -1,8 +1,8 @@
-// Makes and compares PNG files, for sessions.
+// Compares and shows PNG files, for sessions.
 //
-//   picture make FILE WIDTH HEIGHT          an opaque pattern
 //   picture same FILE OTHER [TOLERANCE]     fails where a channel differs by more
-//   picture show FILE [X Y]…                its size and kind, and the colours at places, with opacity as fourth byte
+//   picture show FILE [X Y]…                its size, and the colours at places, with opacity where the file
+//   has it
 
 #include <png.h>
 
@@ -23,12 +23,11 @@ using Words = std::vector<std::string>;
 struct Picture {
   png_image image{};
   std::vector<uint8_t> bytes;  // red, green, blue and opacity
-  bool hasColor = false, hasAlpha = false;
+  bool hasAlpha = false;
 
   explicit Picture(const std::string& path) {
     image.version = PNG_IMAGE_VERSION;
     if (!png_image_begin_read_from_file(&image, path.c_str())) fail(path + ": " + image.message);
-    hasColor = image.format & PNG_FORMAT_FLAG_COLOR;
     hasAlpha = image.format & PNG_FORMAT_FLAG_ALPHA;
     image.format = PNG_FORMAT_RGBA;
     bytes.resize(PNG_IMAGE_SIZE(image));
@@ -36,38 +35,23 @@ struct Picture {
   }
 };
 
-void make(const std::string& path, unsigned width, unsigned height) {
-  png_image image{};
-  image.version = PNG_IMAGE_VERSION;
-  image.width = width;
-  image.height = height;
-  image.format = PNG_FORMAT_RGB;
-  std::vector<uint8_t> bytes;
-  for (unsigned i = 0; i < width * height; ++i)
-    for (const unsigned value : {i * 7, i * 13 + 5, i * 3 + 90}) bytes.push_back(value & 0xFF);
-  if (!png_image_write_to_file(&image, path.c_str(), 0, bytes.data(), 0, nullptr))
-    fail(path + ": " + image.message);
-}
-
 void same(const std::string& path, const std::string& other, int tolerance) {
   const Picture a(path), b(other);
   if (a.image.width != b.image.width || a.image.height != b.image.height)
     fail(path + " and " + other + " differ in size");
   for (size_t i = 0; i < a.bytes.size(); ++i) {
     if (std::abs(a.bytes[i] - b.bytes[i]) > tolerance)
-      fail(path + " and " + other + " differ in channel " + std::to_string(i % 4) + " of pixel " +
-           std::to_string(i / 4));
+      fail(path + " and " + other + " differ at pixel " + std::to_string(i / 4));
   }
 }
 
 void show(const Picture& picture, const Words& places) {
-  std::printf("%u x %u %s%s", picture.image.width, picture.image.height, picture.hasColor ? "rgb" : "gray",
-              picture.hasAlpha ? "a" : "");
+  std::printf("%u x %u", picture.image.width, picture.image.height);
   for (size_t i = 0; i + 1 < places.size(); i += 2) {
-    const size_t at = (std::stoul(places[i + 1]) * picture.image.width + std::stoul(places[i])) * 4;
+    const size_t pixel = std::stoul(places[i + 1]) * picture.image.width + std::stoul(places[i]);
     std::printf(" #");
     for (size_t channel = 0; channel < (picture.hasAlpha ? 4 : 3); ++channel)
-      std::printf("%02x", picture.bytes.at(at + channel));
+      std::printf("%02x", picture.bytes.at(pixel * 4 + channel));
   }
   std::printf("\n");
 }
@@ -76,14 +60,7 @@ void show(const Picture& picture, const Words& places) {
 
 int main(int count, char** arguments) {
   const Words words(arguments + 1, arguments + count);
-  const std::string& command = words.at(0);
-  if (command == "make") {
-    make(words.at(1), std::stoul(words.at(2)), std::stoul(words.at(3)));
-  } else if (command == "same") {
-    same(words.at(1), words.at(2), words.size() > 3 ? std::stoi(words[3]) : 0);
-  } else if (command == "show") {
-    show(Picture(words.at(1)), Words(words.begin() + 2, words.end()));
-  } else {
-    fail("no command " + command);
-  }
+  const std::string &command = words.at(0), &file = words.at(1);
+  if (command == "same") same(file, words.at(2), words.size() > 3 ? std::stoi(words[3]) : 0);
+  if (command == "show") show(Picture(file), Words(words.begin() + 2, words.end()));
 }
