@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Made the files of this folder, with ImageMagick 6, ExifTool, heif-enc, cwebp and the profiles of colord-data: programs
-# that share no code with zvr's reading. Each shows the same 48 x 32 pixels: flat fields of 8 x 8, all of another colour.
+# that share no code with zvr's reading. Each shows the same 48 x 32 pixels: flat fields of 8 x 8, all of another colour. Only
+# photo.png is another, 23 x 9 pixels that differ in each channel.
 set -euo pipefail
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 convert -size 6x4 xc: -fx '(i*41 + j*23 + (u.r+1)*17*(i%3)) % 256 / 255' -channel G -fx '(i*13 + j*61) % 256 / 255' \
@@ -31,3 +32,7 @@ convert rgba.png icon.ico
 cwebp -quiet -lossless -exact rgba.png -o rgba.webp
 heif-enc -q 100 -p chroma=444 rgb.png -o rgb.heic > /dev/null
 heif-enc -A -q 100 -p chroma=444 rgb.png -o rgb.avif > /dev/null
+# Each coefficient in a scan of its own, by a program of the library that zvr reads JPEG files with.
+for i in {0..63}; do echo "0: $i-$i, 0, 0;"; done | cjpeg -grayscale -scans /dev/stdin rgb.ppm > scans.jpg
+convert -size 23x9 xc: -fx '((i + 23*j)*7) % 256 / 255' -channel G -fx '((i + 23*j)*13 + 5) % 256 / 255' \
+  -channel B -fx '((i + 23*j)*3 + 90) % 256 / 255' +channel -depth 8 -strip -define png:color-type=2 photo.png

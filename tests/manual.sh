@@ -1,0 +1,113 @@
+#!/usr/bin/env bash
+# The manual declares every member as it is registered, its links lead somewhere, its lines for zvr run and answer as quoted.
+# ZVR_PROGRAMS is the folder of zvr, else that of the release build.
+set -euo pipefail
+export LC_ALL=C
+
+root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
+manual=$root/docs/manual
+sections=("$manual"/[a-z]*.md)
+pages=("$root/README.md" "$manual/README.md" "${sections[@]}")
+PATH=${ZVR_PROGRAMS:-$root/build/release}:$PATH
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+status=0
+
+complain() {
+  printf '%s\n' "$@"
+  status=1
+}
+
+# ---- Members: a line [CLASS ]SECTION: DECLARATION, console-safe (yes or no) ----
+
+registered() {
+  zvr list --json | awk -F'"' '
+    { safe = ", console-safe " (/"consoleSafe": true/ ? "yes" : "no") }
+    $2 == "name" && $6 == "consoleSafe" { class = $4 " " }
+    $2 == "name" && $6 == "declaration" { print class $4 ": " $8 safe }
+    $2 == "name" && $6 == "type" { print class "Properties: " $4 " as " $8 safe }
+  '
+}
+
+# Every section of the second level describes a member: declarations first, then a snippet and a line to try.
+described() {
+  awk '
+    function endSection(    i) {
+      if (safe == "") safe = pageSafe
+      for (i = 1; i <= count; ++i) print section ": " declared[i] ", console-safe " safe
+      if (section !~ /^$|Properties$/ && (basic < 2 || shell != 1)) print section ": lacks a snippet or line"
+      section = safe = ""
+      count = basic = shell = 0
+    }
+    !isCode && /^#/ { endSection() }
+    FNR == 1 { class = /ZVR$/ ? $2 " " : ""; pageSafe = "" }
+    /^## / { section = class $2 }
+    /^```basic/ { ++basic }
+    /^```sh/ { ++shell }
+    /^```/ { isCode = !isCode; next }
+    isCode && basic == 1 && !shell { declared[++count] = $0 }
+    !isCode && tolower($0) ~ /console-safe/ {
+      safe = /Not console-safe|\*\* No/ ? "no" : "yes"
+      if (section == "") pageSafe = safe
+    }
+    END { endSection() }
+  ' "${sections[@]}"
+}
+
+diff <(registered | sort) <(described | sort) ||
+  complain 'Above: members as registered (<), and as the manual describes them (>).'
+diff "$manual/README.md" <("$root/scripts/manual_index.sh") ||
+  complain 'The index is not as scripts/manual_index.sh makes it (>).'
+
+# ---- Links ----
+
+# As code-hosting sites make them from headings.
+anchorsOf() { sed -n 's/^##* //p' "$1" | tr 'A-Z ' 'a-z-' | tr -cd 'a-z0-9_\n-'; }
+
+for page in "${pages[@]}"; do
+  while IFS= read -r target; do
+    file=$(dirname "$page")/${target%%#*}
+    [[ $target != '#'* ]] || file=$page
+    if [[ ! -e $file ]]; then
+      complain "$page: $target leads nowhere"
+    elif [[ $target == *'#'* ]]; then
+      grep -qx -e "${target#*#}" <(anchorsOf "$file") || complain "$page: $target has no such heading"
+    fi
+  done < <(grep -o '](\([^) ]*\))' "$page" | sed 's/^](//; s/)$//' | grep -v '://')
+done
+diff <(cd "$manual" && ls images/*) <(grep -oh 'images/[^)]*' "${pages[@]}" | sort -u) ||
+  complain 'Above: pictures of the manual (<), and those that its pages show (>).'
+
+# ---- Lines for zvr ----
+
+# The files that the lines name.
+mkdir material
+for name in photo other red green blue shot mask; do cp "$root/tests/photographs/rgb.png" "material/$name.png"; done
+cp "$root/tests/photographs/rgba.png" material/logo.png
+cp "$manual/images/FindPictureZVR-pic.png" material/icon.png
+cp "$root/tests/photographs/adobe.jpg" material/photo.jpg
+cp "$manual/looks/sunset.cube" material/film.cube
+head -c 4000 /dev/zero | tr '\0' U > material/samples.raw
+head -c 256 material/samples.raw > material/curve.bin
+# 8000 unsigned bytes a second, one channel.
+printf 'RIFF\xC4\x0F\0\0WAVEfmt \x10\0\0\0\1\0\1\0\x40\x1F\0\0\x40\x1F\0\0\1\0\b\0data\xA0\x0F\0\0' |
+  cat - material/samples.raw > material/speech.wav
+
+for page in "${pages[@]}"; do
+  lines=$(awk '/^```/ { isShell = $0 == "```sh" } isShell && /^zvr /' "$page")
+  [[ -n $lines ]] || complain "$page: no line for zvr"
+  rm -rf try
+  cp -r material try
+  (cd try && bash -exc "$lines") > log 2>&1 || complain "$page: a line fails:" "$(tail -n 3 log)"
+done
+
+cp -r "$manual/images" answers
+while IFS= read -r answer; do
+  read -ra words <<< "${answer%% | *}"
+  expected=${answer#* | }
+  printed=$(cd answers && "${words[@]}" 2>&1) || true
+  [[ $printed == "${expected// | /$'\n'}" ]] || complain "${words[*]}: the manual says" "$expected" "zvr" "$printed"
+done < <(sed -n 's/^<!-- answer \(.*\) -->$/\1/p' "${sections[@]}")
+
+exit "$status"
