@@ -85,9 +85,9 @@ Answer runKernel(Type (*kernel)(Types...), const Call& call, std::index_sequence
   return answer;
 }
 
-// `type`: its name in kernels.h.
-template <typename Type, typename... Types>
-Kernel kernelOf(const std::string& type, const std::string& name, Type (*kernels::Table::*slot)(Types...)) {
+// `type`: the name of the kernel's type in kernels.h; `types`: those of its parameters.
+inline Kernel described(const std::string& type, const std::string& name,
+                        const std::vector<std::type_index>& types) {
   static const std::map<std::type_index, Parameter> kParameters = {
       {typeid(uint32_t*), {Kind::out, 4}},
       {typeid(uint8_t*), {Kind::out, 1}},
@@ -107,25 +107,28 @@ Kernel kernelOf(const std::string& type, const std::string& name, Type (*kernels
   Kernel kernel;
   kernel.name = name;
   kernel.mayAlias = type == "SpanMap" || type == "SpanMap2" || type == "SpanMap3" || type == "SpanReplace";
-  kernel.parameters = {kParameters.at(typeid(Types))...};
-  kernel.run = [slot](const kernels::Table& table, const Call& call) {
-    return runKernel(table.*slot, call, std::index_sequence_for<Types...>());
-  };
-  // The rest is what types don't tell.
-  const bool isTopFree = name == "fill" || name == "bars";
-  const std::type_index types[] = {typeid(Types)...};
   size_t words = 0;
-  for (size_t i = 0; i < sizeof...(Types); ++i) {
-    Parameter& parameter = kernel.parameters[i];
-    if (types[i] == typeid(uint32_t)) {
-      if (words == 0) parameter.kind = Kind::length;
-      if (words == 1 && kernel.has(Kind::out) && !isTopFree) parameter.kind = Kind::top;
-      ++words;
+  for (const std::type_index& its : types) {
+    Parameter parameter = kParameters.at(its);
+    // The rest is what types don't tell.
+    if (its == typeid(uint32_t) && words++ < 2) {
+      const bool hasTop = kernel.has(Kind::out) && name != "fill" && name != "bars";
+      parameter.kind = words == 1 ? Kind::length : hasTop ? Kind::top : Kind::color;
     }
     if (parameter.size == 1 && name.find("RGB24") != std::string::npos) parameter.size = 3;
     if (parameter.size == 1 && name.find("Int16") != std::string::npos) parameter.size = 2;
+    kernel.parameters.push_back(parameter);
   }
   if (type == "SpanWholeCube") kernel.parameters.back() = {Kind::wholeCube};
+  return kernel;
+}
+
+template <typename Type, typename... Types>
+Kernel kernelOf(const std::string& type, const std::string& name, Type (*kernels::Table::*slot)(Types...)) {
+  Kernel kernel = described(type, name, {typeid(Types)...});
+  kernel.run = [slot](const kernels::Table& table, const Call& call) {
+    return runKernel(table.*slot, call, std::index_sequence_for<Types...>());
+  };
   return kernel;
 }
 
