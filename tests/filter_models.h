@@ -10,16 +10,16 @@
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-constexpr size_t kSide = 18, kUsed = 16;
+constexpr size_t kSide = kernels::kCubeSide, kUsed = 16;
 
 // A table of entries; those that may not be read are NaN.
 template <typename Entry>
-inline std::vector<double> makeCube(Entry entry) {
-  std::vector<double> cube(kSide * kSide * kSide * 3, kNaN);
-  for (size_t i = 0; i < kUsed * kUsed * kUsed; ++i) {
-    const std::array<size_t, 3> node{i / (kUsed * kUsed), i / kUsed % kUsed, i % kUsed};
-    double* at = &cube[((node[0] * kSide + node[1]) * kSide + node[2]) * 3];
-    for (size_t x = 0; x < 3; ++x) at[x] = entry(node, x);
+std::vector<double> makeCube(const Entry& entry) {
+  std::vector<double> cube;
+  for (size_t i = 0; i < kSide * kSide * kSide * 3; ++i) {
+    const std::array<size_t, 3> node{i / 3 / kSide / kSide, i / 3 / kSide % kSide, i / 3 % kSide};
+    const bool isUsed = std::max({node[0], node[1], node[2]}) < kUsed;
+    cube.push_back(isUsed ? entry(node, i % 3) : kNaN);
   }
   return cube;
 }
@@ -37,9 +37,9 @@ inline std::vector<double> fractionalCube(Random& random, int excess) {
 }
 
 inline Rgb tetrahedral(const std::vector<double>& cube, Rgb color) {
-  return plain::tetrahedral(color, [&](int r, int g, int b, int x) {
-    return cube[plain::cubeIndex(r, g, b, kSide) * 3 + static_cast<size_t>(x)];
-  });
+  Rgb result;
+  plain::mapThroughCube(&result, &color, 1, 0, cube.data());
+  return result;
 }
 
 struct Weights {

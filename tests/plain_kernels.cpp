@@ -1,7 +1,8 @@
 #include "tests/plain_kernels.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
-#include <type_traits>
 
 namespace plain {
 namespace {
@@ -27,6 +28,36 @@ size_t countOf(size_t count, const Passes& passes) {
 
 Rgb inverted(uint32_t p) { return rgb(255 - red(p), 255 - green(p), 255 - blue(p)); }
 int32_t wrapped(uint32_t bits) { return static_cast<int32_t>(bits); }
+
+// Of a table whose entry(corner, channel) is asked for. From the lower corner the way leads along the axis of
+// the largest share first. Of equal shares the smallest step in the table goes first, beginning with those
+// that are none; that shows only where entries are infinite or no numbers.
+using Corner = std::array<size_t, 3>;
+template <typename Entry>
+Rgb tetrahedral(uint32_t pixel, const Entry& entry) {
+  const int values[] = {red(pixel), green(pixel), blue(pixel)};
+  const auto share = [&](size_t axis) { return values[axis] % 17; };
+  const auto step = [&](size_t axis) { return values[axis] == 255 ? 0 : 3 - axis; };
+  std::array<size_t, 3> axes = {0, 1, 2};
+  std::sort(axes.begin(), axes.end(), [&](size_t a, size_t b) {
+    return share(a) != share(b) ? share(a) > share(b) : step(a) < step(b);
+  });
+  Corner corner;
+  for (const size_t axis : axes) corner[axis] = static_cast<size_t>(values[axis] / 17);
+  double sums[3] = {};
+  for (size_t i = 0; i < 4; ++i) {
+    if (i > 0) corner[axes[i - 1]] = std::min<size_t>(corner[axes[i - 1]] + 1, 15);
+    const double weight = (i > 0 ? share(axes[i - 1]) : 17) - (i < 3 ? share(axes[i]) : 0);
+    for (size_t x = 0; x < 3; ++x) sums[x] += weight * entry(corner, x);
+  }
+  const auto limited = [](double sum) {
+    return sum >= 17 * 255 ? 255 : sum > 0 ? static_cast<int>(sum / 17) : 0;
+  };
+  return rgb(limited(sums[0]), limited(sums[1]), limited(sums[2]));
+}
+size_t cubeIndex(const Corner& corner, size_t side) {
+  return (corner[0] * side + corner[1]) * side + corner[2];
+}
 
 }  // namespace
 
@@ -172,9 +203,9 @@ void tint(Pixel* out, const Pixel* in, size_t count, uint32_t top, Tint& tint) {
 
 void mapThroughCube(Pixel* out, const Pixel* in, size_t count, uint32_t top, const double* cube) {
   write(out, count, top, [=](size_t i) {
-    return tetrahedral(in[i], [=](int r, int g, int b, int x) {
+    return tetrahedral(in[i], [=](const Corner& corner, size_t channel) {
       double value;  // at any address
-      const size_t at = cubeIndex(r, g, b, kCubeSide) * 3 + static_cast<size_t>(x);
+      const size_t at = cubeIndex(corner, kCubeSide) * 3 + channel;
       std::memcpy(&value, reinterpret_cast<const char*>(cube) + at * sizeof value, sizeof value);
       return value;
     });
@@ -182,9 +213,8 @@ void mapThroughCube(Pixel* out, const Pixel* in, size_t count, uint32_t top, con
 }
 void mapThroughWholeCube(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Pixel* cube) {
   write(out, count, top, [=](size_t i) {
-    return tetrahedral(in[i], [=](int r, int g, int b, int x) {
-      const uint32_t word = cube[cubeIndex(r, g, b, kWholeCubeSide)];
-      return static_cast<double>(word >> (16 - 8 * x) & 255);
+    return tetrahedral(in[i], [=](const Corner& corner, size_t channel) {
+      return cube[cubeIndex(corner, kWholeCubeSide)] >> (16 - 8 * channel) & 255;
     });
   });
 }

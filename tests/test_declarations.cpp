@@ -22,7 +22,7 @@ std::string answerOf(const Attempt& attempt) {
   }
 }
 
-std::string shown(const Value& value) {
+std::string shown(const host::Value& value) {
   std::ostringstream text;
   if (const auto* integer = std::get_if<int64_t>(&value)) text << *integer;
   if (const auto* real = std::get_if<double>(&value)) text << *real;
@@ -77,10 +77,10 @@ TEST(Calls, FitTheDeclaration) {
   Method method;
   method.declaration = parseDeclaration("M(i as integer, u as uint32 = 1) as boolean");
   method.function = reinterpret_cast<void*>(answersFalse);
-  const Value one = int64_t{1}, tooLarge = int64_t{0x80000000}, negative = int64_t{-1};
+  const host::Value one = int64_t{1}, tooLarge = int64_t{0x80000000}, negative = int64_t{-1};
   EXPECT_EQ(shown(call(method, nullptr, {one}).result), "false");
-  for (const std::vector<Value>& arguments :
-       {std::vector<Value>{}, {one, one, one}, {0.5}, {tooLarge}, {one, negative}})
+  for (const std::vector<host::Value>& arguments :
+       {std::vector<host::Value>{}, {one, one, one}, {0.5}, {tooLarge}, {one, negative}})
     EXPECT_THROW(call(method, nullptr, arguments), std::invalid_argument) << arguments.size();
   EXPECT_THROW(assign(method, nullptr, {one}, true), std::invalid_argument);
 }
