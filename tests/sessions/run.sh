@@ -1,19 +1,19 @@
 #!/usr/bin/env bash
 # Runs sessions at a shell: run.sh FILE[:LINE]…, with a line only the session that has it. A file is made of:
 #
-#   $ COMMAND     run by sh; zvr and picture are in its path, and $photographs is the folder of that name
+#   $ COMMAND     run by sh; zvr and picture are in its path, and $photos is tests/photographs
 #   > MORE        a further line of the command
 #   TEXT          a line of standard output
 #   2> TEXT       a line of standard error
 #   exit N: TEXT  the exit status, else 0, and text that standard error has somewhere; also as the command's comment
 #   # TEXT        a comment
 #
-# All that is printed has to be as the lines say, but a command that succeeds may print what no line of standard output is
-# given for; … stands for any text, of several lines too. An empty line ends a session; the next begins in a fresh folder
-# with photo.png, 23 x 9 pixels. A step that fails ends its session.
+# All that is printed has to be as the lines say; only standard output may have none where the command succeeds, and then
+# isn't looked at. … stands for any text, of several lines too. An empty line ends a session; the next begins in a fresh
+# folder with photo.png, 23 x 9 pixels. A step that fails ends its session.
 set -euo pipefail
 here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
-export PATH=${ZVR_PROGRAMS:-${here%/tests/sessions}/build/release}:$PATH photographs=${here%/*}/photographs LC_ALL=C
+export PATH=${ZVR_PROGRAMS:-${here%/tests/sessions}/build/release}:$PATH photos=${here%/*}/photographs LC_ALL=C
 umask 022
 temporary=$(mktemp -d)
 trap 'rm -rf "$temporary"' EXIT
@@ -44,7 +44,7 @@ step() {
 session() {
   local file=$1 number=$2 at=0 command=true status=0 output='' errors='' line
   rm -rf "$temporary/session"
-  install -D -t "$temporary/session" "$photographs/photo.png"
+  install -D -t "$temporary/session" "$photos/photo.png"
   for line in "${@:3}" '$ true'; do
     case $line in
       '$ '*)
