@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Made the files of this folder, with ImageMagick 6, ExifTool, heif-enc, cwebp and the profiles of colord-data: programs
-# that share no code with zvr's reading. Each shows the same 48 x 32 pixels: flat fields of 8 x 8, all of another colour. Only
-# photo.png is another, 23 x 9 pixels that differ in each channel.
+# that share no code with zvr's reading. Each shows the same 48 x 32 pixels: flat fields of 8 x 8, all of another colour.
+# Only photo.png is another, 23 x 9 pixels that differ in each channel.
 set -euo pipefail
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 convert -size 6x4 xc: -fx '(i*41 + j*23 + (u.r+1)*17*(i%3)) % 256 / 255' -channel G -fx '(i*13 + j*61) % 256 / 255' \
