@@ -2,15 +2,38 @@
 // load.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
+#include <iostream>
 
 #include "frame/host_state.h"
-#include "host/host.h"
-#include "host/objects.h"
 #include "host/strings.h"
 #include "tests/support.h"
+
+inline std::string bytesAt(const void* memory, size_t size) {
+  return {static_cast<const char*>(memory), size};
+}
+
+// After each test, and before a host is followed by another, it must hold nothing.
+class LinkedTest : public ::testing::Test {
+ protected:
+  void SetUp() override { beginAt(2013.03); }
+  void TearDown() override { expectNothingLeft(); }
+  // A new host of that version. Services that the plug-in found before stay found, at the same addresses.
+  void beginAt(double version) {
+    expectNothingLeft();
+    host::Settings settings = settingsForRoad();
+    settings.version = version;
+    host::start(settings);
+    gResolver = host::resolve;
+    rbversion_rbversion = version;
+  }
+
+ private:
+  static void expectNothingLeft() {
+    EXPECT_FALSE(host::takeException()) << "an exception is still pending";
+    EXPECT_EQ(host::held(), host::Ledger()) << host::describeHeld();
+  }
+};
 
 // Runs a body in a process of its own, in which the plug-in has found no service of a host yet, and after
 // which a host holds nothing.
@@ -19,26 +42,10 @@ void inFreshProcess(const Body& body) {
   const auto runAndExit = [&] {
     body();
     EXPECT_EQ(host::held(), host::Ledger()) << host::describeHeld();
-    std::exit(testing::Test::HasFailure());
+    const auto& result = *testing::UnitTest::GetInstance()->current_test_info()->result();
+    for (int i = 0; i < result.total_part_count(); ++i) std::cerr << result.GetTestPartResult(i);
+    std::exit(result.Failed());
   };
   testing::GTEST_FLAG(death_test_style) = "threadsafe";  // a process from its beginning
   EXPECT_EXIT(runAndExit(), testing::ExitedWithCode(0), "");
 }
-
-// After each test the host must hold nothing.
-class LinkedTest : public ::testing::Test {
- protected:
-  void SetUp() override { beginAt(2013.03); }
-  void TearDown() override {
-    EXPECT_FALSE(host::takeException()) << "an exception is still pending";
-    EXPECT_EQ(host::held(), host::Ledger()) << host::describeHeld();
-  }
-  // A new host of that version. Services that the plug-in found before stay found, at the same addresses.
-  void beginAt(double version) {
-    host::Settings settings = settingsForRoad();
-    settings.version = version;
-    host::start(settings);
-    gResolver = host::resolve;
-    rbversion_rbversion = version;
-  }
-};
