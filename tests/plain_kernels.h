@@ -2,7 +2,7 @@
 #pragma once
 
 #include "kernels/kernels.h"
-#include "tests/support.h"
+#include "tests/values.h"
 
 namespace plain {
 

@@ -18,10 +18,10 @@ void expectNilException(const host::Outcome& outcome, const std::string& message
   EXPECT_EQ(outcome.exception->message, message);
 }
 
-void HostTest::begin(const host::Settings& settings) {
+void HostTest::begin(const host::Settings& settings, const char* library) {
   plugin_.reset();
   host::start(settings);
-  plugin_ = std::make_unique<host::Plugin>(ZVR_PLUGIN);
+  plugin_ = std::make_unique<host::Plugin>(library);
 }
 
 void HostTest::beginAt(std::optional<double> version) {

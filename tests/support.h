@@ -30,7 +30,7 @@ class HostTest : public ::testing::Test {
   void SetUp() override { begin(settingsForRoad()); }
   void TearDown() override;
   // Begins the host anew with other settings and loads the plug-in afresh.
-  void begin(const host::Settings& settings);
+  void begin(const host::Settings& settings, const char* library = ZVR_PLUGIN);
   // The same with the usual settings and another version; nullopt: a host that tells none.
   void beginAt(std::optional<double> version);
   void unloadPlugin() { plugin_.reset(); }

@@ -4,6 +4,7 @@
 #include "kernels/channel_tables.h"
 
 #include "tests/plain_kernels.h"
+#include "tests/support.h"
 
 namespace {
 

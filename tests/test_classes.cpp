@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "tests/filter_models.h"
+#include "tests/support.h"
 
 namespace {
 

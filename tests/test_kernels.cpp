@@ -10,6 +10,7 @@
 #include "kernels/channel_tables.h"
 #include "tests/filter_models.h"
 #include "tests/kernel_calls.h"
+#include "tests/support.h"
 
 namespace {
 

@@ -1,9 +1,12 @@
 // Every method against its definition: the case lines of tests/cases, and random calls.
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 
+#include "tests/chosen_kernels.h"
 #include "tests/models.h"
 #include "tests/support.h"
 
@@ -21,8 +24,32 @@ Value comparable(Value value, bool isLiteral) {
   return value;
 }
 
+// Calls on every instruction set of this processor.
+class MethodTest : public HostTest {
+ protected:
+  void SetUp() override {
+    begin(settingsForRoad(), ZVR_FAULTY_PLUGIN);
+    void* library = dlopen(ZVR_FAULTY_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
+    kernels_ = reinterpret_cast<ChosenKernels* (*)()>(dlsym(library, "chosenKernels"))();
+    dlclose(library);
+  }
+  // What differs from the definition, or nothing.
+  std::string wrongIn(const Call& call, const Outcome& expected) {
+    for (kernels_->index = 0; kernels_->index < kernels_->count; ++kernels_->index) {
+      Scene scene(call);
+      scene.run();
+      const std::string wrong = difference(expected, scene.outcome());
+      if (!wrong.empty()) return "instruction set " + std::to_string(kernels_->index) + ", " + wrong;
+    }
+    return {};
+  }
+
+ private:
+  ChosenKernels* kernels_ = nullptr;
+};
+
 // A line of a file in tests/cases.
-class CaseLine : public HostTest {
+class CaseLine : public MethodTest {
  public:
   CaseLine(std::string file, int line, const std::string& text)
       : file_(std::move(file)), line_(line), words_(splitWords(text)) {}
@@ -44,10 +71,8 @@ class CaseLine : public HostTest {
     }
     const auto arrow = std::find(words_.begin(), words_.end(), "->");
     const Call call = parsedCall({words_.begin(), arrow});
-    Scene scene(call);
-    scene.run();
     const Outcome expected = promised(call).value();
-    const std::string wrong = difference(expected, scene.outcome());
+    const std::string wrong = wrongIn(call, expected);
     if (!wrong.empty()) fail("by the definition " + wrong);
     if (arrow != words_.end()) compareAnswer(call.member, {arrow + 1, words_.end()}, expected);
   }
@@ -115,7 +140,7 @@ constexpr int kRounds = 40;
 constexpr int kRounds = 120;
 #endif
 
-class RandomCalls : public HostTest, public ::testing::WithParamInterface<std::string> {};
+class RandomCalls : public MethodTest, public ::testing::WithParamInterface<std::string> {};
 
 TEST_P(RandomCalls, AnswerAsDefined) {
   int answered = 0;
@@ -127,9 +152,7 @@ TEST_P(RandomCalls, AnswerAsDefined) {
       const Call call = makeCall(member, random, GetParam() == "ExtractColorRectangleMaskZVR" ? 40 : 1300);
       const std::optional<Outcome> expected = promised(call);
       if (!expected) continue;
-      Scene scene(call);
-      scene.run();
-      const std::string wrong = difference(*expected, scene.outcome());
+      const std::string wrong = wrongIn(call, *expected);
       ASSERT_TRUE(wrong.empty()) << "round " << round << ": " << call.describe() << '\n' << wrong;
       answered += !isNull(call, *expected);
     }
