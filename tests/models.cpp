@@ -6,8 +6,6 @@
 #include <cmath>
 #include <map>
 
-#include "tests/plain_kernels.h"
-
 namespace {
 
 // ---- Arguments ----
@@ -33,12 +31,9 @@ Pixels painted(int width, int height, bool alpha, const Color& color) {
   return asWritten(result);
 }
 
-// A pixel by the definition of a kernel.
-template <auto kernel, typename... Parameters>
-Rgb by(Rgb pixel, Parameters&&... parameters) {
-  kernel(&pixel, &pixel, 1, 0, parameters...);
-  return pixel;
-}
+bool isGray(Rgb p) { return red(p) == green(p) && green(p) == blue(p); }
+Rgb inverted(Rgb p) { return rgb(255 - red(p), 255 - green(p), 255 - blue(p)); }
+Rgb withGrayInverted(Rgb p) { return isGray(p) ? inverted(p) : p; }
 
 // Each pixel of the first picture by a formula of its own, with the pixels of further ones that `fit` by
 // size.
@@ -74,9 +69,8 @@ void combine(Outcome& call) {
 
 void merge(Outcome& call) {
   mapPixels(call, 2, kEqual, false, [](const Rgb* p) {
-    Rgb brighter;
-    plain::max(&brighter, &p[0], &p[1], 1, 0);
-    return brighter;
+    return rgb(std::max(red(p[0]), red(p[1])), std::max(green(p[0]), green(p[1])),
+               std::max(blue(p[0]), blue(p[1])));
   });
 }
 
@@ -124,14 +118,29 @@ void tone(Outcome& call) {
   });
 }
 
+// Products wrap.
 void saturate(Outcome& call) {
-  const auto factor = static_cast<int32_t>(number(call.arguments[1]) + 255);
-  mapEach(call, [=](Rgb p) { return by<plain::saturate>(p, factor); });
+  const auto factor = static_cast<uint32_t>(number(call.arguments[1]) + 255);
+  mapEach(call, [=](Rgb p) {
+    const int middle = (red(p) + 2 * green(p) + blue(p)) / 4;
+    const auto moved = [=](int v) {
+      const uint32_t product = static_cast<uint32_t>(v - middle) * factor;
+      return std::clamp(static_cast<int32_t>(product) / 255 + middle, 0, 255);
+    };
+    return rgb(moved(red(p)), moved(green(p)), moved(blue(p)));
+  });
 }
 
 void tint(Outcome& call) {
-  kernels::Tint tint = {colorIn(call.arguments[1]), colorIn(call.arguments[2]), {}};
-  mapEach(call, [&](Rgb p) { return by<plain::tint>(p, tint); });
+  const auto weight = [](int channel) { return channel / 255.0; };
+  const Rgb gray = colorIn(call.arguments[1]), sepia = colorIn(call.arguments[2]);
+  mapEach(call, [&](Rgb p) {
+    const long double brightness = red(p) * static_cast<long double>(weight(red(gray))) +
+                                   green(p) * static_cast<long double>(weight(green(gray))) +
+                                   blue(p) * static_cast<long double>(weight(blue(gray)));
+    const auto share = [=](int base) { return std::min(static_cast<int>(brightness * weight(base)), 255); };
+    return rgb(share(red(sepia)), share(green(sepia)), share(blue(sepia)));
+  });
 }
 
 // ---- Lookup tables ----
@@ -170,16 +179,12 @@ void transform(Outcome& call) {
 // ---- Colours ----
 
 void replaceColor(Outcome& call) {
-  mapEach(call, [&](Rgb p) {
-    return by<plain::replaceColor>(p, colorIn(call.arguments[1]), colorIn(call.arguments[2]));
-  });
+  mapEach(call, [&](Rgb p) { return p == colorIn(call.arguments[1]) ? colorIn(call.arguments[2]) : p; });
 }
 
 void extractColor(Outcome& call) {
-  mapPixels(call, 1, kEqual, false, [&](const Rgb* p) {
-    return by<plain::extractColor>(*p, colorIn(call.arguments[1]), colorIn(call.arguments[2]),
-                                   colorIn(call.arguments[3]));
-  });
+  mapPixels(call, 1, kEqual, false,
+            [&](const Rgb* p) { return colorIn(call.arguments[*p == colorIn(call.arguments[1]) ? 2 : 3]); });
 }
 
 void countColor(Outcome& call) {
@@ -210,13 +215,17 @@ void countColors(Outcome& call) {
   call.arguments[4] = source ? int64_t{source->width} * source->height : int64_t{-1};
 }
 
+// The share of pixels that are not dark, and whose green is far from blue or red.
 void colorness(Outcome& call) {
   const Pixels* source = pictureIn(call.arguments[0]);
   call.result = 0.0;
   if (!source) return;
-  const auto threshold = static_cast<int32_t>(number(call.arguments[1]));
-  call.result = plain::countColorful(source->colors.data(), source->colors.size(), threshold) /
-                static_cast<double>(source->colors.size());
+  int colorful = 0;
+  for (const Rgb p : source->colors) {
+    const int far = std::max(std::abs(green(p) - blue(p)), std::abs(green(p) - red(p)));
+    colorful += std::max({red(p), green(p), blue(p)}) >= 30 && far > number(call.arguments[1]);
+  }
+  call.result = colorful / static_cast<double>(source->colors.size());
 }
 
 // ---- Rectangles ----
@@ -271,14 +280,14 @@ Part partOf(const Outcome& call, size_t withRectangle, int least) {
 }
 
 // Only the rectangle is written. Sizes below `least` mean the whole picture.
-template <auto kernel, int least>
+template <Rgb (*change)(Rgb), int least>
 void invert(Outcome& call) {
   const Pixels* source = pictureIn(call.arguments[0]);
   if (!source) return;
   const Part part = partOf(call, 5, least);
   Pixels result(source->width, source->height, unwrittenColor() | (isGdk() ? 0 : kFreshPixel & 0xFF000000));
   part.forEach([&](int x, int y) {
-    const Rgb color = by<kernel>(part.colorAt(part.byteAt(x, y)));
+    const Rgb color = change(part.colorAt(part.byteAt(x, y)));
     const uint8_t bytes[] = {uint8_t(red(color)), uint8_t(green(color)), uint8_t(blue(color))};
     for (size_t i = 0; i < 3; ++i) {
       const size_t at = part.byteAt(x, y) + i, shift = 16 - 8 * (at % 3);
@@ -310,9 +319,11 @@ void isWhite(Outcome& call) {
 }
 void isGray(Outcome& call) {
   // One below 0 counts as its amount.
-  const auto tolerance =
-      static_cast<int32_t>(std::min<int64_t>(std::abs(number(call.arguments[1])), INT32_MAX));
-  isAll(call, 6, 0x000000, [=](Rgb p) { return plain::isAllGray(&p, 1, tolerance); });
+  const int64_t tolerance = std::abs(number(call.arguments[1]));
+  isAll(call, 6, 0x000000, [=](Rgb p) {
+    const auto [low, high] = std::minmax({red(p), green(p), blue(p)});
+    return high - low <= tolerance;
+  });
 }
 
 // ---- The mask of rectangles over coloured areas ----
@@ -353,7 +364,7 @@ void colorMask(Outcome& call) {
   if (!source) return;
   const Part part = partOf(call, 5, 0);
   Map colored(*source);
-  part.forEach([&](int x, int y) { colored.cells.at(x, y) = !plain::isGray(part.seen(x, y - part.top, 0)); });
+  part.forEach([&](int x, int y) { colored.cells.at(x, y) = !isGray(part.seen(x, y - part.top, 0)); });
   Pixels mask(source->width, source->height, Rgb{0xFFFFFF});
   for (size_t i = 0; i < colored.cells.colors.size(); ++i) {
     const int x = static_cast<int>(i) % source->width, y = static_cast<int>(i) / source->width;
@@ -491,8 +502,8 @@ void renderSamples(Outcome& call) {
 }
 
 const std::map<std::string, void (*)(Outcome&)> kModels = {
-    {"InvertZVR", invert<plain::invert, 1>},
-    {"InvertGrayZVR", invert<plain::invertGray, 0>},
+    {"InvertZVR", invert<inverted, 1>},
+    {"InvertGrayZVR", invert<withGrayInverted, 0>},
     {"MergePictureZVR", merge},
     {"CombinePicturesZVR", combine},
     {"ReplaceRedChannelZVR", replaceChannel<0xFF0000>},
