@@ -9,19 +9,13 @@ namespace {
 
 using Kind = Member::Kind;
 
-const host::Class* findClass(const std::string& name) {
-  for (const host::Class& type : host::members().classes) {
-    if (type.name == name) return &type;
-  }
-  return nullptr;
-}
-
 const std::vector<host::Method>& methodsOf(const std::string& owner) {
   if (owner.empty()) return host::members().globals;
   if (owner == "Picture") return host::members().pictureMethods;
-  const host::Class* type = findClass(owner);
-  if (!type) throw std::runtime_error("no class " + owner);
-  return type->methods;
+  for (const host::Class& type : host::members().classes) {
+    if (type.name == owner) return type.methods;
+  }
+  throw std::runtime_error("no class " + owner);
 }
 
 host::Parameter parameter(const char* name, host::Type type) {
@@ -91,8 +85,7 @@ Pixels makePicture(const host::Parameter& parameter, Random& random, const Pixel
   const auto side = [&] { return std::min(random.side(), longestSide); };
   Pixels picture;
   if (!first) {
-    // Rows of RGB24 pixels without padding, which rectangles may read.
-    picture = random.words(isGdk() ? (side() + 3) & ~3 : side(), std::min(side(), 40));
+    picture = random.words(side(), std::min(side(), 40));
   } else if (parameter.name == "pic" && random.chance(80)) {
     const int width = random.between(1, random.chance(50) ? first->width : std::min(first->width, 20));
     const int height = random.between(1, first->height);
@@ -151,26 +144,6 @@ Value makeValue(const host::Parameter& parameter, Random& random, const Pixels* 
       break;
   }
   throw std::runtime_error("no argument for " + parameter.name);
-}
-
-// ---- Host values and back ----
-
-Value plain(const host::Value& value) {
-  if (const auto* number = std::get_if<int64_t>(&value)) return *number;
-  if (const auto* number = std::get_if<double>(&value)) return *number;
-  if (const auto* flag = std::get_if<bool>(&value)) return *flag;
-  if (const auto* color = std::get_if<host::Color>(&value)) return *color;
-  if (const auto* string = std::get_if<host::StringRef>(&value)) {
-    if (*string) return host::stringBytes(string->get());
-  } else if (const auto* block = std::get_if<host::MemoryBlockRef>(&value)) {
-    if (*block) {
-      const uint8_t* bytes = host::memoryBlockBytes(block->get());
-      return Bytes(bytes, bytes + host::memoryBlockSize(block->get()));
-    }
-  } else if (const auto* picture = std::get_if<host::PictureRef>(&value)) {
-    if (*picture) return pixelsOf(picture->get());
-  }
-  return {};
 }
 
 // ---- Differences ----
@@ -358,8 +331,8 @@ void Scene::run() {
 }
 
 Outcome Scene::outcome() const {
-  Outcome outcome{{}, plain(result_), raised_};
-  for (const host::Value& argument : arguments_) outcome.arguments.push_back(plain(argument));
+  Outcome outcome{{}, plainValue(result_), raised_};
+  for (const host::Value& argument : arguments_) outcome.arguments.push_back(plainValue(argument));
   return outcome;
 }
 

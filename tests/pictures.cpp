@@ -23,24 +23,20 @@ host::Settings settingsForRoad() {
   return settings;
 }
 
-host::PictureRef makePictureFromWords(int width, int height, const std::vector<uint32_t>& words, bool alpha) {
-  host::PictureRef picture = host::newPicture(width, height, alpha);
-  if (!picture) throw std::runtime_error("no picture");
-  for (int y = 0; y < height; ++y) {
-    std::memcpy(host::pictureRow(picture.get(), y), &words[area(width, y)], area(width, 1) * 4);
-  }
-  return picture;
-}
-
 host::PictureRef makePicture(const Pixels& pixels, bool alpha) {
-  std::vector<uint32_t> words(pixels.colors);
+  Pixels words = pixels;
   // Sources carry top bytes that no operation may take for a colour.
-  for (size_t i = 0; i < words.size(); ++i) words[i] |= (i * 37 + 11) << 24;
-  return makePictureFromWords(pixels.width, pixels.height, words, alpha);
+  for (size_t i = 0; i < words.colors.size(); ++i) words.colors[i] |= (i * 37 + 11) << 24;
+  words.alpha = alpha;
+  return pictureOf(words);
 }
 
 host::PictureRef pictureOf(const Pixels& pixels) {
-  host::PictureRef picture = makePictureFromWords(pixels.width, pixels.height, pixels.colors, pixels.alpha);
+  host::PictureRef picture = host::newPicture(pixels.width, pixels.height, pixels.alpha);
+  if (!picture) throw std::runtime_error("no picture");
+  for (int y = 0; y < pixels.height; ++y)
+    std::memcpy(host::pictureRow(picture.get(), y), &pixels.colors[area(pixels.width, y)],
+                area(pixels.width, 1) * 4);
   if (pixels.mask) host::setPictureMask(picture.get(), pictureOf(*pixels.mask).get());
   return picture;
 }
@@ -87,3 +83,24 @@ Pixels asWritten(Pixels expected) {
 Rgb unwrittenColor() { return isGdk() ? 0 : kFreshColor; }
 
 uint32_t opaqueTopByte() { return road() == host::Road::cairo ? 0xFF : 0; }
+
+Value plainValue(const host::Value& value) {
+  const auto convert = [](const auto& held) -> Value {
+    using Held = std::decay_t<decltype(held)>;
+    if constexpr (std::is_constructible_v<Value, Held>) {
+      return held;
+    } else if (!held) {
+      return {};
+    } else if constexpr (std::is_same_v<Held, host::StringRef>) {
+      return host::stringBytes(held.get());
+    } else if constexpr (std::is_same_v<Held, host::MemoryBlockRef>) {
+      const uint8_t* bytes = host::memoryBlockBytes(held.get());
+      return Bytes(bytes, bytes + host::memoryBlockSize(held.get()));
+    } else if constexpr (std::is_same_v<Held, host::PictureRef>) {
+      return pixelsOf(held.get());
+    } else {
+      throw std::runtime_error("an object of a class among values");
+    }
+  };
+  return std::visit(convert, value);
+}

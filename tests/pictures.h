@@ -1,6 +1,7 @@
 // The kind of host that is played, and its pictures: made from colours, and read back.
 #pragma once
 
+#include "host/calls.h"
 #include "host/host.h"
 #include "host/objects.h"
 #include "tests/values.h"
@@ -17,8 +18,6 @@ constexpr uint32_t kFreshPixel = 0xFF8E4D2B;
 constexpr Rgb kFreshColor = kFreshPixel & 0xFFFFFF;
 
 host::PictureRef makePicture(const Pixels& pixels, bool alpha = false);
-// The same with top bytes: words as the host's pictures hold them.
-host::PictureRef makePictureFromWords(int width, int height, const std::vector<uint32_t>& words, bool alpha);
 Pixels colorsOf(const host::PictureRef& picture);
 // A picture of these words, with alpha and mask; and back.
 host::PictureRef pictureOf(const Pixels& pixels);
@@ -32,3 +31,6 @@ Pixels asWritten(Pixels expected);
 // The colour of pixels that a writer leaves out, and the top byte of words that it writes.
 Rgb unwrittenColor();
 uint32_t opaqueTopByte();
+
+// A host's value as plain data.
+Value plainValue(const host::Value& value);

@@ -7,27 +7,10 @@
 #include <sstream>
 #include <stdexcept>
 
-std::vector<host::Value> numbers(std::initializer_list<int64_t> values) {
-  return {values.begin(), values.end()};
-}
-
-void expectNilException(const host::Outcome& outcome, const std::string& message) {
-  EXPECT_FALSE(std::get<host::PictureRef>(outcome.result)) << message;
-  ASSERT_TRUE(outcome.exception) << message;
-  EXPECT_EQ(outcome.exception->className, "NilObjectException");
-  EXPECT_EQ(outcome.exception->message, message);
-}
-
 void HostTest::begin(const host::Settings& settings, const char* library) {
   plugin_.reset();
   host::start(settings);
   plugin_ = std::make_unique<host::Plugin>(library);
-}
-
-void HostTest::beginAt(std::optional<double> version) {
-  host::Settings settings = settingsForRoad();
-  settings.version = version;
-  begin(settings);
 }
 
 void HostTest::TearDown() {
@@ -67,7 +50,6 @@ struct sigaction handlersBefore[NSIG];
 
 void tellSignal(int signal) {
   std::cerr << "signal " << signal << " in " << runningCase << std::endl;
-  if (describeRunning) std::cerr << describeRunning() << std::endl;
   sigaction(signal, &handlersBefore[signal], nullptr);  // and on to what would have happened
   if (signal == SIGABRT) raise(signal);                 // which may have been sent
 }

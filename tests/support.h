@@ -7,21 +7,11 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "tests/pictures.h"
-
-// Adds what is being worked on, for the message of a process that a signal ends.
-inline std::function<std::string()> describeRunning;
-
-// Whole numbers as arguments.
-std::vector<host::Value> numbers(std::initializer_list<int64_t> values);
-// Expects a call to have answered nil and raised a NilObjectException with this message.
-void expectNilException(const host::Outcome& outcome, const std::string& message);
 
 // A test in a host with the plug-in loaded. After each test the host must hold exactly `leaves`, by default
 // nothing.
@@ -31,8 +21,6 @@ class HostTest : public ::testing::Test {
   void TearDown() override;
   // Begins the host anew with other settings and loads the plug-in afresh.
   void begin(const host::Settings& settings, const char* library = ZVR_PLUGIN);
-  // The same with the usual settings and another version; nullopt: a host that tells none.
-  void beginAt(std::optional<double> version);
   void unloadPlugin() { plugin_.reset(); }
 
   // Calls a registered method; the overload is chosen by the number of arguments. A failure of the test when

@@ -7,6 +7,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "tests/pictures.h"
+
 namespace {
 
 constexpr std::pair<char, Rgb> kLetters[] = {{'k', 0x000000}, {'w', 0xFFFFFF}, {'.', 0x808080},
@@ -156,12 +158,7 @@ Value parsed(const host::Parameter& parameter, const std::string& word) {
     const Bytes bytes = parsedBytes(word);
     return std::string(bytes.begin(), bytes.end());
   }
-  const host::Value value = host::parseValue(parameter, word);
-  if (const auto* number = std::get_if<int64_t>(&value)) return *number;
-  if (const auto* number = std::get_if<double>(&value)) return *number;
-  if (const auto* flag = std::get_if<bool>(&value)) return *flag;
-  if (const auto* color = std::get_if<host::Color>(&value)) return *color;
-  refuse(word, "a value");
+  return plainValue(host::parseValue(parameter, word));
 }
 
 std::string encoded(const Pixels& pixels) {
