@@ -60,6 +60,12 @@ void mapEach(Outcome& call, const Formula& formula) {
   mapPixels(call, 1, kEqual, true, [&](const Rgb* p) { return formula(*p); });
 }
 
+// Each channel's value by a formula; channels are 0, 1 and 2.
+template <typename Formula>
+void mapChannels(Outcome& call, const Formula& formula) {
+  mapEach(call, [&](Rgb p) { return rgb(formula(red(p), 0), formula(green(p), 1), formula(blue(p), 2)); });
+}
+
 // ---- Merge, combine and replace channels ----
 
 // Pictures: red, blue, green.
@@ -100,21 +106,15 @@ int contrastLinear(double v, double c, double b) { return clamped(brightened(con
 int contrastAbsolute(double v, double c, double b) { return clamped(contrasted(v, c) + b); }
 int custom(double v, double a, double b) { return clamped(v * a + b); }
 
-// Each channel by a formula of one or two parameters: given once for all channels, or for red, green and blue
-// in turn.
+// By a formula of one or two parameters: given once for all channels, or for red, green and blue in turn.
 template <int (*formula)(double, double, double), size_t parameters>
 void tone(Outcome& call) {
   const Arguments& given = call.arguments;
-  mapEach(call, [&](Rgb pixel) {
-    const int old[] = {red(pixel), green(pixel), blue(pixel)};
-    int changed[3];
-    for (size_t channel = 0; channel < 3; ++channel) {
-      double parameter[2] = {};
-      for (size_t i = 0; i < parameters; ++i)
-        parameter[i] = real(given[1 + (given.size() == 1 + parameters ? i : i * 3 + channel)]);
-      changed[channel] = formula(old[channel], parameter[0], parameter[1]);
-    }
-    return rgb(changed[0], changed[1], changed[2]);
+  mapChannels(call, [&](int v, size_t channel) {
+    double parameter[2] = {};
+    for (size_t i = 0; i < parameters; ++i)
+      parameter[i] = real(given[1 + (given.size() == 1 + parameters ? i : i * 3 + channel)]);
+    return formula(v, parameter[0], parameter[1]);
   });
 }
 
