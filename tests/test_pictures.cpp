@@ -131,8 +131,10 @@ TEST_F(Pictures, ClonesWithAndWithoutMasks) {
     EXPECT_NE(cloned.get(), mask.get());
     EXPECT_EQ(colorsOf(cloned), maskPixels);
   }
-  for (REALpictureStruct* none : {ClonePicture(nullptr), ClonePictureWithMask(nullptr), CopyMask(nullptr)})
+  for (REALpictureStruct* none : {ClonePicture(nullptr), ClonePicture(picture.get(), 0, 3),
+                                  ClonePictureWithMask(nullptr), CopyMask(nullptr)})
     EXPECT_EQ(none, nullptr);
+  EXPECT_FALSE(AssignMask(picture.get(), nullptr));
   EXPECT_EQ(own(BitmapPicture(picture.get())).get(), picture.get());
 }
 
@@ -143,7 +145,8 @@ TEST_F(Pictures, OwnCopy) {
   const auto copies = [&](int32_t x = 0, int32_t sourceWidth = 4) {
     return OwnCopy(target.get(), source.get(), x, 0, 4, 3, 0, 0, sourceWidth, 3);
   };
-  EXPECT_FALSE(copies(1) || copies(0, 3) || OwnCopy(nullptr, source.get(), 0, 0, 4, 3, 0, 0, 4, 3));
+  EXPECT_FALSE(copies(1) || copies(0, 3));
+  EXPECT_FALSE(OwnCopy(target.get(), nullptr, 0, 0, 4, 3, 0, 0, 4, 3));
   using Oddities = host::PictureOddities;
   constexpr void (*spoils[])(Oddities&) = {
       [](Oddities& o) { o.shownWidth = 3; },    [](Oddities& o) { o.shownHeight = 2; },
