@@ -12,7 +12,7 @@ namespace {
 using Records = LinkedTest;
 using Words = std::vector<uint32_t>;
 
-// Of every member: also of those that has flags already, and marks that are no host's.
+// In every member, whatever other flags it has.
 TEST_F(Records, MarkersBecomeFlagsOnHostsThatKnowThem) {
   REALclassDefinition type = {};
   REALmoduleDefinition module = {};
