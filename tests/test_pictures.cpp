@@ -1,4 +1,4 @@
-// The editor's corners and the making and copying of pictures, which no registered method reaches by itself.
+// Regions of pixels, and the making and copying of pictures, which registered methods reach in part only.
 
 #include <sys/mman.h>
 
@@ -16,44 +16,80 @@ class Pictures : public LinkedTest {
   static host::PictureRef own(REALpictureStruct* picture) { return host::PictureRef::adopt(picture); }
 };
 
+// ---- Pixels ----
+
 // Bytes per pixel and the offsets of red, green and blue, by format code.
 TEST_F(Pictures, PixelLayouts) {
   PictureReader editor;
-  std::string layouts;
-  for (editor.format = -1; editor.format < 18; ++editor.format) {
-    for (int32_t number :
-         {editor.GetBytesPerPixel(), editor.GetRedOffset(), editor.GetGreenOffset(), editor.GetBlueOffset()})
-      layouts += std::to_string(number);
-    layouts += ' ';
-  }
-  EXPECT_EQ(layouts,
+  std::ostringstream layouts;
+  for (editor.format = -1; editor.format < 18; ++editor.format)
+    layouts << editor.GetBytesPerPixel() << editor.GetRedOffset() << editor.GetGreenOffset()
+            << editor.GetBlueOffset() << ' ';
+  EXPECT_EQ(layouts.str(),
             "0000 0000 4012 4123 4012 4123 4012 4123 0000 4210 4210 3210 3012 3012 4123 4210 4210 "
             "4210 0000 ");
 }
 
-TEST_F(Pictures, RowsStartOverAfterTheLast) {
-  const auto picture = makePicture({4, 3, Rgb{0}});
-  PictureReader reader;
-  ASSERT_TRUE(reader.GetPictureReader(picture.get()));
-  EXPECT_EQ(reader.format, isGdk() ? kFormatRGB24 : isConsole() ? kFormatHostBitmap : kFormatCairoOpaque);
-  uint8_t* const first = reader.row;
-  for (int y : {1, 2, 3}) EXPECT_EQ(reader.AddPixelRow() == first, y == 3);
-  EXPECT_EQ(reader.GetRow(100), first);
-  EXPECT_EQ(host::references(picture.get()), 2);
-  reader.clear();
-  EXPECT_EQ(host::references(picture.get()), 1);
-  EXPECT_EQ(reader.width, 4) << "clear leaves the sizes";
+// Words that lie in memory row after row, as pixels of a picture.
+void show(PictureReader& reader, void* words, int32_t width, int32_t height) {
+  reader.format = kFormatCairoOpaque;
+  reader.width = width;
+  reader.height = height;
+  reader.rowBytes = width * 4;
+  reader.firstRow = reader.row = static_cast<uint8_t*>(words);
 }
 
-TEST_F(Pictures, NewOnesHaveLimits) {
-  for (auto [width, height] : {std::pair(0, 1), {1, 0}, {-1, 5}, {32768, 1}, {1, 32768}}) {
-    PictureWriter writer;
-    EXPECT_FALSE(writer.NewPictureWriter(width, height)) << width << " x " << height;
-    EXPECT_EQ(writer.RenderPictureWriter(), nullptr);
-    EXPECT_FALSE(own(NewPicture(width, height, true))) << width << " x " << height;
+// Below the last row is row 0 again.
+TEST_F(Pictures, RegionsAreReadRowByRow) {
+  Random random;
+  for (int round = 0; round < 2000; ++round) {
+    Pixels pixels = random.words(random.between(1, 5), random.between(1, 5));
+    const int left = random.between(0, pixels.width - 1), right = random.between(left + 1, pixels.width);
+    const int top = random.between(0, pixels.height - 1), bottom = random.between(top + 1, pixels.height + 2);
+    std::vector<uint32_t> expected, read;
+    for (int y = top; y < bottom; ++y)
+      for (int x = left; x < right; ++x) expected.push_back(pixels.at(x, y < pixels.height ? y : 0));
+    PictureReader reader;
+    show(reader, pixels.colors.data(), pixels.width, pixels.height);
+    scanRegion(reader, {left, top, right, bottom}, [&](const kernels::Pixel* in, size_t count) {
+      read.insert(read.end(), in, in + count);
+      return true;
+    });
+    ASSERT_EQ(read, expected) << "round " << round;
   }
-  PictureWriter writer;
-  EXPECT_TRUE(writer.NewPictureWriter(32767, 1));
+}
+
+// Addresses behind the middle of the memory are as good as others.
+TEST_F(Pictures, RowsOfMoreThanHalfTheMemory) {
+  constexpr int32_t kWidth = 30000, kHeight = 17900;
+  constexpr size_t kBytes = size_t{kWidth} * kHeight * 4;
+  void* const memory = mmap(nullptr, kBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (memory == MAP_FAILED) GTEST_SKIP() << "no room for " << kBytes << " bytes";
+  PictureReader reader;
+  show(reader, memory, kWidth, kHeight);
+  const auto* next = static_cast<const kernels::Pixel*>(memory);
+  EXPECT_TRUE(scanRegion(reader, Region::whole(reader), [&](const kernels::Pixel* in, size_t count) {
+    EXPECT_EQ(in, next);
+    next += count;
+    return count == kWidth;
+  }));
+  EXPECT_EQ(reinterpret_cast<uintptr_t>(next), reinterpret_cast<uintptr_t>(memory) + kBytes);
+  munmap(memory, kBytes);
+}
+
+// ---- New pictures ----
+
+TEST_F(Pictures, NewOnesHaveLimits) {
+  for (int side : {-1, 0, 1, 32767, 32768}) {
+    const bool isSide = side >= 1 && side <= 32767;
+    for (auto [width, height] : {std::pair(side, 1), {1, side}}) {
+      PictureWriter writer;
+      EXPECT_EQ(writer.NewPictureWriter(width, height), isSide) << side;
+      EXPECT_EQ(static_cast<bool>(own(writer.RenderPictureWriter())), isSide) << side;
+      EXPECT_EQ(writer.width, isSide ? width : 0) << "sizes stay";
+      EXPECT_EQ(static_cast<bool>(own(NewPicture(width, height, true))), isSide) << side;
+    }
+  }
 }
 
 TEST_F(Pictures, AlphaPicturesNeedAHostThatHasThem) {
@@ -81,29 +117,7 @@ TEST_F(Pictures, WritersNeverShowACopy) {
   }
 }
 
-// Addresses behind the middle of the memory are as good as others: a surface of more than 2 GiB.
-TEST_F(Pictures, RowsOfMoreThanHalfTheMemory) {
-  if (!isConsole()) GTEST_SKIP() << "it would be the same again";
-  constexpr int32_t kWidth = 30000, kHeight = 17900;
-  constexpr size_t kBytes = size_t{kWidth} * kHeight * 4;
-  void* const memory = mmap(nullptr, kBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  if (memory == MAP_FAILED) GTEST_SKIP() << "no room for " << kBytes << " bytes";
-  PictureReader reader;
-  reader.format = kFormatCairoOpaque;
-  reader.width = kWidth;
-  reader.height = kHeight;
-  reader.rowBytes = kWidth * 4;
-  reader.firstRow = reader.row = static_cast<uint8_t*>(memory);
-  const auto* next = static_cast<const kernels::Pixel*>(memory);
-  EXPECT_TRUE(scanRegion(reader, Region::whole(reader), [&](const kernels::Pixel* in, size_t count) {
-    EXPECT_EQ(in, next);
-    next += count;
-    return count == kWidth;
-  }));
-  EXPECT_EQ(reinterpret_cast<uintptr_t>(next), reinterpret_cast<uintptr_t>(memory) + kBytes);
-  EXPECT_EQ(RowSource(reader, Region::cut(0, kHeight - 1, kWidth, 1, reader)).readable(0, kWidth), kWidth);
-  munmap(memory, kBytes);
-}
+// ---- Copies ----
 
 TEST_F(Pictures, ClonesWithAndWithoutMasks) {
   const Pixels pixels = Random(5).pixels(5, 3), maskPixels = Random(6).pixels(5, 3);
@@ -117,7 +131,6 @@ TEST_F(Pictures, ClonesWithAndWithoutMasks) {
     EXPECT_NE(cloned.get(), mask.get());
     EXPECT_EQ(colorsOf(cloned), maskPixels);
   }
-  EXPECT_EQ(host::pictureWidth(own(ClonePicture(picture.get(), 9, 2)).get()), 9);
   for (REALpictureStruct* none : {ClonePicture(nullptr), ClonePicture(picture.get(), 0, 3),
                                   ClonePictureWithMask(nullptr), CopyMask(nullptr)})
     EXPECT_EQ(none, nullptr);
@@ -127,29 +140,28 @@ TEST_F(Pictures, ClonesWithAndWithoutMasks) {
 
 // Between whole console bitmaps of one size, moved nowhere and not scaled.
 TEST_F(Pictures, OwnCopy) {
-  const Pixels pixels = Random(8).pixels(4, 3), black(4, 3, Rgb{0});
-  const auto source = makePicture(pixels), target = makePicture(black), wider = makePicture({5, 3, Rgb{0}}),
-             higher = makePicture({4, 4, Rgb{0}});
-  REALpictureStruct *const from = source.get(), *const to = target.get();
-  EXPECT_FALSE(OwnCopy(to, from, 1, 0, 4, 3, 0, 0, 4, 3));
-  EXPECT_FALSE(OwnCopy(to, from, 0, 0, 4, 3, 0, 0, 3, 3));
-  EXPECT_FALSE(OwnCopy(wider.get(), from, 0, 0, 4, 3, 0, 0, 4, 3));
-  EXPECT_FALSE(OwnCopy(higher.get(), from, 0, 0, 4, 3, 0, 0, 4, 3));
-  EXPECT_FALSE(OwnCopy(to, nullptr, 0, 0, 4, 3, 0, 0, 4, 3));
+  const Pixels pixels = Random(8).pixels(4, 3);
+  const auto source = makePicture(pixels), target = makePicture({4, 3, Rgb{0}});
+  const auto copies = [&](int32_t x = 0, int32_t sourceWidth = 4) {
+    return OwnCopy(target.get(), source.get(), x, 0, 4, 3, 0, 0, sourceWidth, 3);
+  };
+  EXPECT_FALSE(copies(1) || copies(0, 3));
+  EXPECT_FALSE(OwnCopy(target.get(), nullptr, 0, 0, 4, 3, 0, 0, 4, 3));
   using Oddities = host::PictureOddities;
   constexpr void (*spoils[])(Oddities&) = {
-      [](Oddities& o) { o.nullRow = 2; }, [](Oddities& o) { o.reportedType = 5; },
-      [](Oddities& o) { o.bitmapKind = 1; }, [](Oddities& o) { o.noRowTable = true; }};
+      [](Oddities& o) { o.shownWidth = 3; },    [](Oddities& o) { o.shownHeight = 2; },
+      [](Oddities& o) { o.reportedType = 5; },  [](Oddities& o) { o.bitmapKind = 1; },
+      [](Oddities& o) { o.noRowTable = true; }, [](Oddities& o) { o.nullRow = 2; }};
   for (const auto spoil : spoils) {
-    for (REALpictureStruct* odd : {from, to}) {
-      spoil(host::oddities(odd));
-      EXPECT_FALSE(OwnCopy(to, from, 0, 0, 4, 3, 0, 0, 4, 3));
-      host::oddities(odd) = {};
+    for (const auto& odd : {source, target}) {
+      spoil(host::oddities(odd.get()));
+      EXPECT_FALSE(copies());
+      host::oddities(odd.get()) = {};
     }
   }
-  EXPECT_EQ(colorsOf(target), black);
-  EXPECT_EQ(OwnCopy(to, from, 0, 0, 4, 3, 0, 0, 4, 3), isConsole());
-  EXPECT_EQ(colorsOf(target), isConsole() ? pixels : black);
+  EXPECT_EQ(colorsOf(target), Pixels(4, 3, Rgb{0}));
+  EXPECT_EQ(copies(), isConsole());
+  EXPECT_EQ(colorsOf(target) == pixels, isConsole());
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Adjusting records for the host at hand: flags, and the shorter layout of old hosts; also for kinds of
+// Records as hosts of every age get them: flags, and the shorter layout of old hosts; also for kinds of
 // record that this plug-in never registers.
 
 #include <numeric>
@@ -10,49 +10,34 @@
 namespace {
 
 using Records = LinkedTest;
+using Words = std::vector<uint32_t>;
 
+// In every member, whatever other flags it has.
 TEST_F(Records, MarkersBecomeFlagsOnHostsThatKnowThem) {
-  // As marked in the tables, and as registered on newer and on older hosts.
-  for (auto [marked, known, unknown] : {std::tuple(0x40000u, 0x4u, 0u),
-                                        {0x80000u, 0x8u, 0u},
-                                        {0x140000u, 0x4u, 0u},
-                                        {0x100000u, 0u, 0u},
-                                        {0x40004u, 0x4u, 0x4u},
-                                        {0xC0100u, 0x10Cu, 0x100u},
-                                        {~0x1C000Cu, ~0x1C000Cu, ~0x1C000Cu}}) {
-    for (double version : {0.0, 2010.028, 2010.029, 2013.03}) {
-      beginAt(version);
-      REALmethodDefinition method = {};
-      method.flags = marked;
-      FixConsoleFlags(&method, -1);
-      EXPECT_EQ(method.flags, marked);
-      FixConsoleFlags(&method);
-      EXPECT_EQ(method.flags, version >= 2010.029 ? known : unknown) << std::hex << marked;
-    }
-  }
-}
-
-TEST_F(Records, EveryMemberOfARecordIsMarked) {
-  REALmethodDefinition methods[6] = {};
-  REALproperty properties[6] = {};
-  for (auto& method : methods) method.flags = kMarkConsoleSafe;
-  for (auto& property : properties) property.flags = kMarkConsoleSafe;
   REALclassDefinition type = {};
-  type.flags = kMarkConsoleSafe;
-  type.methods = methods, type.sharedMethods = methods + 2;
-  type.properties = properties, type.sharedProperties = properties + 2;
   REALmoduleDefinition module = {};
-  module.methods = methods + 4, module.properties = properties + 4;
-  for (int32_t* count : {&type.methodCount, &type.sharedMethodCount, &type.propertyCount,
-                         &type.sharedPropertyCount, &module.methodCount, &module.propertyCount})
-    *count = 2;
-  FixConsoleFlags(&type);
-  FixConsoleFlags(&module);
-  for (const auto& method : methods) EXPECT_EQ(method.flags, 4u) << &method - methods;
-  for (const auto& property : properties) EXPECT_EQ(property.flags, 4u) << &property - properties;
-  EXPECT_EQ(type.flags, 4u);
-  type.methods = nullptr;  // a count without an array
-  FixConsoleFlags(&type);
+  const auto expectFlags = [&](auto& members, int32_t& count) {
+    for (bool isKnown : {false, true}) {
+      rbversion_rbversion = isKnown ? 2010.029 : 2010.028;
+      std::remove_pointer_t<std::decay_t<decltype(members)>> two[2] = {};
+      type.flags = two[0].flags = 0x140000;
+      two[1].flags = ~0x14000Cu;
+      members = two;
+      count = 2;
+      FixConsoleFlags(&type);
+      FixConsoleFlags(&module);
+      EXPECT_EQ(type.flags, isKnown ? 4u : 0u);
+      EXPECT_EQ(two[0].flags, isKnown ? 4u : 0u);
+      EXPECT_EQ(two[1].flags, isKnown ? ~0x1C0004u : ~0x1C000Cu);
+      members = nullptr;  // from now on a count without an array
+    }
+  };
+  expectFlags(type.methods, type.methodCount);
+  expectFlags(type.sharedMethods, type.sharedMethodCount);
+  expectFlags(type.properties, type.propertyCount);
+  expectFlags(type.sharedProperties, type.sharedPropertyCount);
+  expectFlags(module.methods, module.methodCount);
+  expectFlags(module.properties, module.propertyCount);
   type.flags = 0x1A;
   EXPECT_EQ(SetClassConsoleSafe(&type)->flags, 0x1Eu);
   EXPECT_EQ(SetClassWebOnly(&type), 0x116u);
@@ -64,47 +49,32 @@ TEST_F(Records, EveryMemberOfARecordIsMarked) {
 struct Array {
   size_t pointer, current, old;
 };
-struct Kind {
-  const char* entryPoint;
-  std::function<void(void* record)> add;
-  size_t words;
-  std::vector<Array> arrays;
-};
-template <typename Record>
-Kind kind(const char* entryPoint, void (*add)(Record*), const std::vector<Array>& arrays) {
-  return {entryPoint, [=](void* record) { add(static_cast<Record*>(record)); }, sizeof(Record) / 4, arrays};
-}
-const std::vector<Array> kClassArrays = {{7, 12, 10}, {9, 6, 4},    {11, 4, 2},
-                                         {18, 5, 3},  {21, 12, 10}, {23, 6, 4}};
-const Kind kKinds[] = {
-    kind("PluginRegisterClass", MyREALRegisterClass, kClassArrays),
-    kind("PluginRegisterClassExtension", MyREALRegisterClassExtension, kClassArrays),
-    kind("PluginRegisterModule", MyREALRegisterModule, {{2, 6, 4}, {4, 5, 3}, {6, 12, 10}}),
-    kind("PluginRegisterInterface", MyREALRegisterInterface, {{2, 6, 4}}),
-    kind("PluginRegisterControl", MyREALRegisterControl, {{7, 12, 10}, {9, 6, 4}, {11, 4, 2}}),
-};
 
 uint32_t addressOf(const void* place) { return static_cast<uint32_t>(reinterpret_cast<uintptr_t>(place)); }
 
 // On old hosts the first words of each element are kept and the others go; a missing or empty array is none,
 // with its count. Every other word stays, and tells its place.
-void expectAdjusted(const Kind& kind, int32_t version, bool isThere, uint32_t count) {
-  std::vector<uint32_t> record(kind.words), elements[6];
+template <typename Record>
+void expectAdjusted(void (*add)(Record*), const std::vector<Array>& arrays, bool isThere, uint32_t count) {
+  const bool isOld = CurrentREALControlVersion == kOldLayoutVersion;
+  Words record(sizeof(Record) / 4), elements[6], sources[6];
   std::iota(record.begin(), record.end(), 1);
-  for (size_t i = 0; i < kind.arrays.size(); ++i) {
-    elements[i].resize(3 * kind.arrays[i].current);
+  for (size_t i = 0; i < arrays.size(); ++i) {
+    elements[i].resize(3 * arrays[i].current);
     std::iota(elements[i].begin(), elements[i].end(), 100 * (i + 1));
-    record[kind.arrays[i].pointer] = isThere ? addressOf(elements[i].data()) : 0;
-    record[kind.arrays[i].pointer + 1] = count;
+    sources[i] = elements[i];
+    record[arrays[i].pointer] = isThere ? addressOf(elements[i].data()) : 0;
+    record[arrays[i].pointer + 1] = count;
   }
-  std::vector<uint32_t> expected = record, sources[6];
-  std::copy(elements, elements + 6, sources);
-  expected[0] = static_cast<uint32_t>(version);
-  if (kind.entryPoint == std::string("PluginRegisterClass")) expected[3] = 16;  // bytes of instance data
-  if (kind.words == 25 && version == 9) expected[16] = expected[17] = 0;        // obsolete
-  kind.add(record.data());
-  for (size_t i = 0; i < kind.arrays.size() && version == 9; ++i) {
-    const auto [pointer, current, old] = kind.arrays[i];
+  Words expected = record;
+  expected[0] = static_cast<uint32_t>(CurrentREALControlVersion);
+  if constexpr (std::is_same_v<Record, REALclassDefinition>) {
+    if (add == MyREALRegisterClass) expected[3] = 16;  // bytes of instance data
+    if (isOld) expected[16] = expected[17] = 0;        // obsolete
+  }
+  add(reinterpret_cast<Record*>(record.data()));
+  for (size_t i = 0; i < arrays.size() && isOld; ++i) {
+    const auto [pointer, current, old] = arrays[i];
     auto* const copies = reinterpret_cast<uint32_t*>(record[pointer]);
     expected[pointer] = isThere && count > 0 ? record[pointer] : 0;
     EXPECT_NE(copies, elements[i].data());
@@ -118,19 +88,29 @@ void expectAdjusted(const Kind& kind, int32_t version, bool isThere, uint32_t co
   EXPECT_EQ(record, expected);
 }
 
-TEST_F(Records, OldHostsGetShorterRecords) {
-  for (const Kind& kind : kKinds) {
-    for (int32_t version : {9, 10, 12}) {
-      for (auto [isThere, count] : {std::pair(true, 3u), {false, 3u}, {true, 0u}}) {
-        SCOPED_TRACE(kind.entryPoint + std::to_string(version));
-        CurrentREALControlVersion = version;
-        host::clearFaults();
-        host::failAt(kind.entryPoint, 1);  // the host doesn't look into the record
-        expectAdjusted(kind, version, isThere, count);
-        EXPECT_EQ(host::uses(kind.entryPoint), 1);
-      }
+template <typename Record>
+void expectEveryAge(const char* entryPoint, void (*add)(Record*), const std::vector<Array>& arrays) {
+  for (int32_t version : {9, 10, 12}) {
+    for (auto [isThere, count] : {std::pair(true, 3u), {false, 3u}, {true, 0u}}) {
+      SCOPED_TRACE(entryPoint + std::to_string(version));
+      CurrentREALControlVersion = version;
+      host::clearFaults();
+      host::failAt(entryPoint, 1);  // the host doesn't look into the record
+      expectAdjusted(add, arrays, isThere, count);
+      EXPECT_EQ(host::uses(entryPoint), 1);
     }
   }
+}
+
+TEST_F(Records, OldHostsGetShorterRecords) {
+  const std::vector<Array> ofControls = {{7, 12, 10}, {9, 6, 4}, {11, 4, 2}};
+  std::vector<Array> ofClasses = ofControls;
+  ofClasses.insert(ofClasses.end(), {{18, 5, 3}, {21, 12, 10}, {23, 6, 4}});
+  expectEveryAge("PluginRegisterClass", MyREALRegisterClass, ofClasses);
+  expectEveryAge("PluginRegisterClassExtension", MyREALRegisterClassExtension, ofClasses);
+  expectEveryAge("PluginRegisterModule", MyREALRegisterModule, {{2, 6, 4}, {4, 5, 3}, {6, 12, 10}});
+  expectEveryAge("PluginRegisterInterface", MyREALRegisterInterface, {{2, 6, 4}});
+  expectEveryAge("PluginRegisterControl", MyREALRegisterControl, ofControls);
 }
 
 }  // namespace

@@ -10,6 +10,8 @@ namespace {
 
 using namespace std::string_literals;
 
+// ---- Texts ----
+
 // A text in each encoding.
 struct TextCase {
   std::string text;
@@ -30,9 +32,9 @@ const TextCase kTexts[] = {
 };
 
 // Units of two bytes as words: surrogates stay two units each.
-std::string widened(const std::string& units) {
+std::string widened(const std::string& units, const std::string& upper = "\0\0"s) {
   std::string words;
-  for (size_t i = 0; i < units.size(); i += 2) words += units.substr(i, 2) + "\0\0"s;
+  for (size_t i = 0; i < units.size(); i += 2) words += units.substr(i, 2) + upper;
   return words;
 }
 
@@ -91,59 +93,11 @@ class Text : public LinkedTest {
 TEST_F(Text, EveryEncodingOnEveryHost) {
   expectEveryEncoding(true);
   rbText none(nullptr);
-  host::clearFaults();
   expectForms(none, {});
-  EXPECT_EQ(rbData(static_cast<REALstringStruct*>(nullptr)).length(), 0);
-  EXPECT_EQ(host::uses(), 0);
 }
 
 TEST_F(Text, EveryEncodingWithoutTheServiceForData) {
   inFreshProcess([this] { expectEveryEncoding(false); });
-}
-
-// Without the service data is copied by the plug-in itself, with four zeros behind.
-TEST_F(Text, DataWithoutTheService) {
-  inFreshProcess([this] {
-    const auto string = host::newString("caf\xE9", kEncodingWindows);
-    REALstringData record = {};
-    const auto expectNone = [&](REALstringStruct* of, std::initializer_list<const char*> missing) {
-      for (uint32_t encoding : {+kEncodingNone, +kEncodingWindows, +kEncodingUTF8}) {
-        host::clearFaults();
-        for (const char* service : missing) host::removeEntryPoint(service);
-        if (missing.size() == 1) host::failAt(kBytes, 1);
-        EXPECT_FALSE(REALGetStringData(of, encoding, &record)) << encoding;
-      }
-    };
-    expectNone(string.get(), {kData, kLength, kBytes});
-    expectNone(string.get(), {kData, kLength});
-    expectNone(nullptr, {kData});
-    expectNone(string.get(), {kData});
-    EXPECT_FALSE(REALGetStringData(string.get(), 0x7777, &record)) << "the host can't make that";
-    EXPECT_EQ(record.data, nullptr);
-
-    // The length that stands in the record before enlarges a copy of unconverted bytes, and only that.
-    for (auto [wanted, standing, room] : {std::tuple(+kEncodingNone, 5000, 5004u),
-                                          {+kEncodingNone, 2, 8u},
-                                          {+kEncodingNone, INT32_MIN, 8u},
-                                          {+kEncodingWindows, 5000, 8u},
-                                          {+kEncodingUTF8, 5000, 9u}}) {
-      record = {nullptr, standing, 0};
-      ASSERT_TRUE(REALGetStringData(string.get(), wanted, &record));
-      EXPECT_EQ(record.encoding, wanted);
-      EXPECT_EQ(bytesAt(record.data, static_cast<size_t>(record.length) + 4),
-                (wanted == kEncodingUTF8 ? "caf\xC3\xA9" : "caf\xE9") + "\0\0\0\0"s);
-      EXPECT_GE(malloc_usable_size(record.data), room);
-      EXPECT_LT(malloc_usable_size(record.data), room + 900);
-      REALDisposeStringData(&record);
-    }
-    EXPECT_EQ(host::uses("PluginDisposeStringData"), 0) << "the host never gave these";
-
-    // Once offered, the service is used, and releases what it gave.
-    host::clearFaults();
-    ASSERT_TRUE(REALGetStringData(string.get(), kEncodingNone, &record));
-    EXPECT_EQ(host::held().stringData, 1);
-    REALDisposeStringData(&record);
-  });
 }
 
 TEST_F(Text, AFailedConversionIsAnEmptyText) {
@@ -156,8 +110,6 @@ TEST_F(Text, AFailedConversionIsAnEmptyText) {
     EXPECT_FALSE(text.GetUTF16Nil()) << service;
     EXPECT_STREQ(text.GetUTF8(), "text") << "another encoding still converts";
   }
-  host::failAt(kData, 1);
-  EXPECT_EQ(rbData(string.get()).length(), 0);
 }
 
 TEST_F(Text, CopiesWrapTheSameString) {
@@ -170,32 +122,74 @@ TEST_F(Text, CopiesWrapTheSameString) {
   text = same;
   EXPECT_STREQ(text.GetUTF8(), "second");
   EXPECT_STREQ(copy.GetUTF8(), "first");
-  EXPECT_EQ(host::references(first.get()), 2);
+}
+
+TEST_F(Text, FourCharacterCodes) {
+  const auto built = host::StringRef::adopt(REALBuildOSTypeString(0x50504943));
+  EXPECT_EQ(host::stringBytes(built.get()), "PPIC");
+  for (auto [text, code] : {std::pair("PPIC", 0x50504943u), {"PPICTURE", 0x50504943u}, {"PP", 0x50502020u}})
+    EXPECT_EQ(REALstringToOSType(host::newString(text).get()), code) << text;
+  EXPECT_EQ(REALstringToOSType(nullptr), 0x20202020u);
+}
+
+// ---- Data ----
+
+// Without the service data is copied by the plug-in itself, with four zeros behind.
+TEST_F(Text, DataWithoutTheService) {
+  inFreshProcess([] {
+    const auto string = host::newString("caf\xE9", kEncodingWindows);
+    REALstringData record = {};
+    for (const char* missing : {kLength, kData}) {
+      host::clearFaults();
+      host::removeEntryPoint(kData);
+      host::removeEntryPoint(missing);
+      if (missing == kData) host::failAt(kBytes, 1);
+      EXPECT_FALSE(REALGetStringData(string.get(), kEncodingNone, &record)) << missing;
+    }
+    EXPECT_FALSE(REALGetStringData(nullptr, kEncodingNone, &record));
+    EXPECT_FALSE(REALGetStringData(string.get(), 0x7777, &record)) << "the host can't make that";
+    EXPECT_EQ(record.data, nullptr);
+
+    // The length that stands in the record before enlarges a copy of unconverted bytes, and only that.
+    for (uint32_t wanted : {+kEncodingNone, +kEncodingWindows, +kEncodingUTF8}) {
+      for (int32_t standing : {5000, 2, INT32_MIN}) {
+        record = {nullptr, standing, 0};
+        ASSERT_TRUE(REALGetStringData(string.get(), wanted, &record));
+        EXPECT_EQ(record.encoding, wanted);
+        EXPECT_EQ(bytesAt(record.data, static_cast<size_t>(record.length) + 4),
+                  (wanted == kEncodingUTF8 ? "caf\xC3\xA9" : "caf\xE9") + "\0\0\0\0"s);
+        const bool isEnlarged = malloc_usable_size(record.data) >= 5004;
+        EXPECT_EQ(isEnlarged, wanted == kEncodingNone && standing == 5000);
+        REALDisposeStringData(&record);
+      }
+    }
+    // Once offered, the service is used, and releases what it gave.
+    EXPECT_EQ(host::uses("PluginDisposeStringData"), 0);
+    host::clearFaults();
+    ASSERT_TRUE(REALGetStringData(string.get(), kEncodingNone, &record));
+    REALDisposeStringData(&record);
+    EXPECT_EQ(host::uses("PluginDisposeStringData"), 1);
+  });
 }
 
 TEST_F(Text, DataOfABlock) {
   const auto block = host::newMemoryBlock("0123456789", 10);
-  const rbData whole(block.get()), part(block.get(), 3, 4), rest(block.get(), 3, 0);
-  EXPECT_EQ(host::references(block.get()), 4);
-  EXPECT_EQ(bytesAt(whole.data(), 10), "0123456789");
-  EXPECT_EQ(whole.length(), 10);
-  EXPECT_EQ(part.data(), whole.data() + 3);
+  const rbData part(block.get(), 3, 4), rest(block.get(), 3, 0);
+  EXPECT_EQ(host::references(block.get()), 3);
+  EXPECT_EQ(bytesAt(part.data(), 4), "3456");
   EXPECT_EQ(part.length(), 4);
   EXPECT_EQ(rest.length(), 10) << "a length of 0 is the whole size whatever the offset";
-  EXPECT_EQ(rbData(static_cast<REALmemoryBlockStruct*>(nullptr)).length(), 0);
   host::failAt("memoryBlockGetPtr", 1);
   EXPECT_EQ(rbData(block.get(), 0, 4).length(), 0) << "no bytes, no length";
+  EXPECT_EQ(rbData(static_cast<REALmemoryBlockStruct*>(nullptr)).length(), 0);
+  EXPECT_EQ(rbData(static_cast<REALstringStruct*>(nullptr)).length(), 0);
 }
 
 TEST_F(Text, LeakedDataReleasesNothing) {
   const auto block = host::newMemoryBlock("x", 1);
-  const auto string = host::newString("x");
-  rbData ofBlock(block.get()), ofString(string.get());
-  REALstringData given = {ofString.data(), ofString.length(), kEncodingNone};
-  ofBlock.leak();
-  ofString.leak();
+  rbData data(block.get());
+  data.leak();
   host::release(block.get());
-  REALDisposeStringData(&given);
 }
 
 TEST_F(Text, ChainsFindWhatTheyWrapAndAreFreedAtOnce) {
@@ -204,72 +198,54 @@ TEST_F(Text, ChainsFindWhatTheyWrapAndAreFreedAtOnce) {
   const auto block = host::newMemoryBlock("b", 1);
   auto *ofString = new rbData(string.get()), *ofBlock = new rbData(block.get());
   rbData* data = nullptr;
-  rbText* texts = nullptr;
   for (rbData* item : {ofString, ofBlock, static_cast<rbData*>(nullptr)}) AddDataChain(data, item);
-  for (int items = 0; items < 2; ++items) AddTextChain(texts, new rbText(string.get()));
-  AddTextChain(texts, nullptr);
   EXPECT_EQ(RecylceData(data, string.get()), ofString);
   EXPECT_EQ(RecylceData(data, block.get()), ofBlock);
   EXPECT_EQ(RecylceData(data, other.get()), nullptr);
-  EXPECT_EQ(host::references(string.get()), 4);
-  FreeTextChain(texts);
   FreeDataChain(data);
+  rbText* texts = nullptr;
+  for (int items = 0; items < 2; ++items) AddTextChain(texts, new rbText(string.get()));
+  AddTextChain(texts, nullptr);
+  FreeTextChain(texts);
   EXPECT_TRUE(!texts && !data);
 }
 
 // ---- Builders ----
 
-// The bytes of a string that was built, of which this is the only reference.
-std::string built(REALstringStruct* string) {
-  return host::stringBytes(host::StringRef::adopt(string).get());
+// A string that was built, of which this is the only reference.
+void expectBuilt(REALstringStruct* built, const std::string& bytes, uint32_t encoding) {
+  const auto string = host::StringRef::adopt(built);
+  EXPECT_EQ(host::stringBytes(string.get()), bytes);
+  EXPECT_EQ(host::stringEncoding(string.get()), encoding) << bytes;
 }
 
 TEST_F(Text, StringsAreBuiltInTheirEncoding) {
-  for (const auto& [bytes, encoding, expected, builtEncoding] :
-       {std::tuple("\xC3\xA9"s, +kEncodingUTF8, "\xC3\xA9"s, +kEncodingUTF8),
-        {"\0\xFF"s, +kEncodingNone, "\0\xFF"s, +kEncodingNone},
-        {"a\0\xAC\x20"s, +kEncodingUTF16, "a\0\xAC\x20"s, +kEncodingUTF16},
-        {"a\0\0\0\xAC\x20\0\0"s, +kEncodingUTF32, "a\0\xAC\x20"s, +kEncodingUTF16},
-        // Upper bits go, and so does an unfinished unit.
-        {"\x1E\xD1\1\0xyz"s, +kEncodingUTF32, "\x1E\xD1"s, +kEncodingUTF16}}) {
-    const auto string = host::StringRef::adopt(
-        REALBuildUnicodeString(bytes.data(), static_cast<int64_t>(bytes.size()), encoding));
-    EXPECT_EQ(host::stringBytes(string.get()), expected);
-    EXPECT_EQ(host::stringEncoding(string.get()), builtEncoding) << expected;
-  }
-  // Short texts are narrowed on the stack, longer ones on the heap.
+  for (uint32_t encoding : {+kEncodingUTF8, +kEncodingNone, +kEncodingUTF16})
+    expectBuilt(REALBuildUnicodeString("\0\xFF", 2, encoding), "\0\xFF"s, encoding);
+  // Upper halves go, and so does an unfinished unit. Short texts are narrowed on the stack, longer ones on
+  // the heap.
   for (int units : {1, 198, 199, 200, 201, 5000}) {
     std::string narrow;
     for (int i = 0; i < 2 * units; ++i) narrow += static_cast<char>(77 * i + 1);
-    EXPECT_EQ(built(REALBuildUnicodeString(widened(narrow).data(), 4 * units, kEncodingUTF32)), narrow);
+    expectBuilt(
+        REALBuildUnicodeString((widened(narrow, "\1\0"s) + "xyz").data(), 4 * units + 3, kEncodingUTF32),
+        narrow, kEncodingUTF16);
   }
-  EXPECT_EQ(built(CString2RBmax("text", 100, kEncodingASCII)), "text");
-  EXPECT_EQ(built(CString2RBmax("text", 2, kEncodingASCII)), "te");
+  expectBuilt(CString2RBmax("text", 100, kEncodingASCII), "text", kEncodingASCII);
+  expectBuilt(CString2RBmax("text", 2, kEncodingMacRoman), "te", kEncodingMacRoman);
   const uint16_t units[] = {'a', 0x20AC, 0};
-  EXPECT_EQ(built(UnicodeCString2RB(units)), "a\0\xAC\x20"s);
-  EXPECT_EQ(built(UnicodeCString2RB(L"a\u20AC")), "a\0\xAC\x20"s);
+  expectBuilt(UnicodeCString2RB(units), "a\0\xAC\x20"s, kEncodingUTF16);
+  expectBuilt(UnicodeCString2RB(L"a\u20AC"), "a\0\xAC\x20"s, kEncodingUTF16);
 }
 
 TEST_F(Text, NothingIsBuiltOfNothing) {
-  for (uint32_t encoding : {+kEncodingASCII, +kEncodingUTF16, +kEncodingUTF32}) {
-    EXPECT_EQ(REALBuildUnicodeString(nullptr, 4, encoding), nullptr);
-    for (int64_t length : {int64_t{0}, int64_t{-1}, int64_t{0x7FFFFFFF}, int64_t{1} << 32, INT64_MIN})
-      EXPECT_EQ(REALBuildUnicodeString("text", length, encoding), nullptr) << length;
-  }
-  EXPECT_EQ(CString2RBmax(nullptr, 5, kEncodingASCII), nullptr);
-  EXPECT_EQ(CString2RBmax("text", 0, kEncodingASCII), nullptr);
-  EXPECT_EQ(UnicodeCString2RB(static_cast<const uint16_t*>(nullptr)), nullptr);
-  EXPECT_EQ(UnicodeCString2RB(static_cast<const wchar_t*>(nullptr)), nullptr);
-  EXPECT_EQ(host::uses(), 0);
-  host::failAt("REALBuildString", 1);
-  EXPECT_EQ(REALBuildUnicodeString("text", 4, kEncodingASCII), nullptr);
-}
-
-TEST_F(Text, FourCharacterCodes) {
-  EXPECT_EQ(built(REALBuildOSTypeString(0x50504943)), "PPIC");
-  for (auto [text, code] : {std::pair("PPIC", 0x50504943u), {"PPICTURE", 0x50504943u}, {"PP", 0x50502020u}})
-    EXPECT_EQ(REALstringToOSType(host::newString(text).get()), code) << text;
-  EXPECT_EQ(REALstringToOSType(nullptr), 0x20202020u);
+  for (int64_t length : {0, 0x7FFFFFFF})
+    EXPECT_EQ(REALBuildUnicodeString("text", length, kEncodingUTF32), nullptr);
+  for (auto* built :
+       {REALBuildUnicodeString(nullptr, 4, kEncodingASCII), CString2RBmax(nullptr, 5, kEncodingASCII),
+        CString2RBmax("text", 0, kEncodingASCII), UnicodeCString2RB(static_cast<const uint16_t*>(nullptr)),
+        UnicodeCString2RB(static_cast<const wchar_t*>(nullptr))})
+    EXPECT_EQ(built, nullptr);
 }
 
 }  // namespace
