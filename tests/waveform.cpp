@@ -3,15 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "frame/entry_points.h"
 #include "tests/models.h"
 
 namespace {
-
-template <typename Service>
-Service* service(const char* name) {
-  return reinterpret_cast<Service*>(host::resolve(name));
-}
 
 // The arguments in their order.
 struct Request {
@@ -55,7 +49,11 @@ class Waveform {
     measure();
     drawBars();
     if (r_.outline == 1) trace([this](int a, int b, int c, int d) { line(a, b, c, d); });
-    if (r_.outline > 1) drawHostLines();
+    const int h = r_.outline >> 1;
+    const auto at = [h](int value) {
+      return static_cast<int32_t>(static_cast<uint32_t>(int64_t{value} - h));
+    };
+    if (r_.outline > 1) trace([&](int a, int b, int c, int d) { stamp(at(a), at(b), at(c), at(d)); });
     for (uint32_t& word : pixels_.colors) word |= opaqueTopByte() << 24;
     return pixels_;
   }
@@ -174,21 +172,23 @@ class Waveform {
     plot(x1, y1, 0);
   }
 
-  // The host's own lines, on a picture of the host's.
-  void drawHostLines() {
-    const host::PictureRef picture = makePicture(pixels_);
-    const auto graphics = host::Ref<REALgraphicsStruct>::adopt(
-        service<decltype(REALGetPictureGraphics)::Function>("pluginPictureGraphicsGetter")(picture.get()));
-    const auto setColor = service<decltype(REALSetPropValueUInt32)::Function>("REALSetPropValueUInt32");
-    const auto setNumber = service<decltype(REALSetPropValueInt32)::Function>("REALSetPropValueInt");
-    const auto draw = service<decltype(GraphicsDrawLine)::Function>("RuntimeGraphicsDrawLine");
-    setColor(graphics.get(), "ForeColor", r_.outlineColor);
-    setNumber(graphics.get(), "PenWidth", r_.outline);
-    setNumber(graphics.get(), "PenHeight", r_.outline);
-    const int64_t h = r_.outline >> 1;
-    const auto at = [h](int value) { return static_cast<int>(static_cast<uint32_t>(value - h)); };
-    trace([&](int a, int b, int c, int d) { draw(graphics.get(), at(a), at(b), at(c), at(d)); });
-    pixels_ = colorsOf(picture);
+  // As the host draws lines: the pen's rectangle at each point, however far away. Points are counted from the
+  // left end, those of a steep line from the upper one.
+  void stamp(int64_t x0, int64_t y0, int64_t x1, int64_t y1) {
+    const bool isSteep = std::abs(y1 - y0) > std::abs(x1 - x0);
+    if (isSteep ? y1 < y0 : x1 < x0) return stamp(x1, y1, x0, y0);
+    const int64_t steps = std::max<int64_t>(isSteep ? y1 - y0 : x1 - x0, 1);
+    const int64_t start = isSteep ? y0 : x0, extent = isSteep ? r_.height : r_.width;
+    for (int64_t i = std::max<int64_t>(-start - r_.outline, 0); i <= std::min(steps, extent - start); ++i) {
+      const auto along = [=](int64_t from, int64_t to) {
+        return from + std::llround(static_cast<double>((to - from) * i) / static_cast<double>(steps));
+      };
+      const int64_t left = along(x0, x1), top = along(y0, y1);
+      for (int64_t y = std::max<int64_t>(top, 0); y < std::min<int64_t>(top + r_.outline, r_.height); ++y) {
+        for (int64_t x = std::max<int64_t>(left, 0); x < std::min<int64_t>(left + r_.outline, r_.width); ++x)
+          pixels_.at(static_cast<int>(x), static_cast<int>(y)) = r_.outlineColor;
+      }
+    }
   }
 
   Request r_;
