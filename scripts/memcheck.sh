@@ -4,7 +4,7 @@
 
 # Programs and which of their tests, the longest first. Left out are tests of code that computes in long double, which
 # valgrind rounds to double (tint and waveforms), and those that take minutes there.
-kMemcheckTests=('test_classes:Classes/*:Lut3D.ANewTable*:Lut3D.TableBounds:Sepia.Factors*'
+kMemcheckTests=('test_classes:-*.AnySettings*'
   'test_toning:Toning.LinearBrightness*'
   test_{region,search,masks,count,merge,scroll,invert,color_mask,binary_string}:'*')
 
