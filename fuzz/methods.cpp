@@ -74,12 +74,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   FuzzedRandom random(bytes, size);
   fuzz::play(random.among({host::Road::cairo, host::Road::gdk, host::Road::console}));
   const std::vector<Member> members = everyMember();
-  const Member& member = members[random.word() % members.size()];
-  if (!member.isOfClass()) callMethod(member, random);
-  for (const host::Class& type : host::members().classes) {
-    if (type.name == member.owner) runFilter(type, random);
-  }
-  host::takeException();
+  do {
+    const Member& member = members[random.word() % members.size()];
+    if (!member.isOfClass()) callMethod(member, random);
+    for (const host::Class& type : host::members().classes) {
+      if (type.name == member.owner) runFilter(type, random);
+    }
+  } while (random.chance(80));
   if (!(host::held() == host::Ledger{})) fuzz::fail(host::describeHeld().c_str());
   return 0;
 }
