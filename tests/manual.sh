@@ -69,11 +69,8 @@ for page in "${pages[@]}"; do
   while IFS= read -r target; do
     file=$(dirname "$page")/${target%%#*}
     [[ $target != '#'* ]] || file=$page
-    if [[ ! -e $file ]]; then
-      complain "$page: $target leads nowhere"
-    elif [[ $target == *'#'* ]]; then
-      grep -qx -e "${target#*#}" <(anchorsOf "$file") || complain "$page: $target has no such heading"
-    fi
+    [[ -e $file ]] || complain "$page: $target leads nowhere"
+    [[ $target != *'#'* ]] || grep -qx -e "${target#*#}" <(anchorsOf "$file") || complain "$page: $target has no such heading"
   done < <(grep -o '](\([^) ]*\))' "$page" | sed 's/^](//; s/)$//' | grep -v '://')
 done
 diff <(cd "$manual" && ls images/*) <(grep -oh 'images/[^)]*' "${pages[@]}" | sort -u) ||
