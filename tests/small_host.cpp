@@ -70,9 +70,8 @@ REALpictureStruct* newPicture(int32_t, int32_t, int32_t) {
 }
 
 RBBoolean REALLockPictureDescription(REALpictureStruct* picture, REALpictureDescription* description,
-                                     int32_t type) {
-  if (type != kPictureTypeBitmap) return 0;
-  *description = {type, &static_cast<Picture*>(picture)->bitmap, kWidth, 1, {}};
+                                     int32_t) {
+  *description = {kPictureTypeBitmap, &static_cast<Picture*>(picture)->bitmap, kWidth, 1, {}};
   ++heldOf(picture);
   return 1;
 }
