@@ -2,7 +2,6 @@
 find_package(PkgConfig REQUIRED)
 find_package(CLI11 REQUIRED)
 pkg_check_modules(PNG REQUIRED IMPORTED_TARGET libpng)
-pkg_check_modules(JPEG REQUIRED IMPORTED_TARGET libjpeg)
 pkg_check_modules(FFI REQUIRED IMPORTED_TARGET libffi)
 pkg_check_modules(SNDFILE REQUIRED IMPORTED_TARGET sndfile)
 find_path(GRAPHICSMAGICK_INCLUDE_DIR magick/api.h PATH_SUFFIXES GraphicsMagick REQUIRED)
@@ -17,8 +16,6 @@ find_package(GTest REQUIRED)
 pkg_check_modules(BENCHMARK REQUIRED IMPORTED_TARGET benchmark)
 
 if(ZVR_I386_TREE)
-  # libjpeg's pkg-config file omits the folder of its configuration header.
-  include_directories(SYSTEM "${ZVR_I386_TREE}/usr/include/i386-linux-gnu")
   set(ZVR_I386_LIBRARY_DIRS "${ZVR_I386_TREE}/usr/lib/i386-linux-gnu;${ZVR_I386_TREE}/lib/i386-linux-gnu;${ZVR_I386_TREE}/usr/lib")
   foreach(directory IN LISTS ZVR_I386_LIBRARY_DIRS)
     add_link_options("-L${directory}" "-Wl,-rpath-link,${directory}")

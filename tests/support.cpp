@@ -1,5 +1,6 @@
 #include "tests/support.h"
 
+#include <dlfcn.h>
 #include <signal.h>
 
 #include <algorithm>
@@ -11,6 +12,21 @@ void HostTest::begin(const host::Settings& settings, const char* library) {
   plugin_.reset();
   host::start(settings);
   plugin_ = std::make_unique<host::Plugin>(library);
+}
+
+void EverySetTest::begin(const host::Settings& settings) {
+  HostTest::begin(settings, ZVR_FAULTY_PLUGIN);
+  void* library = dlopen(ZVR_FAULTY_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
+  kernels_ = reinterpret_cast<ChosenKernels* (*)()>(dlsym(library, "chosenKernels"))();
+  dlclose(library);
+}
+
+void EverySetTest::onEverySet(const std::function<void()>& body) {
+  for (int set = 0; set < kernels_->count; ++set) {
+    SCOPED_TRACE("instruction set " + std::to_string(set));
+    kernels_->index = set;
+    body();
+  }
 }
 
 void HostTest::TearDown() {

@@ -7,10 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "tests/chosen_kernels.h"
 #include "tests/pictures.h"
 
 // A test in a host with the plug-in loaded. After each test the host must hold exactly `leaves`, by default
@@ -35,4 +37,16 @@ class HostTest : public ::testing::Test {
 
  private:
   std::unique_ptr<host::Plugin> plugin_;
+};
+
+// A test with a plug-in whose instruction set can be chosen.
+class EverySetTest : public HostTest {
+ protected:
+  void SetUp() override { begin(settingsForRoad()); }
+  void begin(const host::Settings& settings);
+  // For each set that this processor has, the best one last.
+  void onEverySet(const std::function<void()>& body);
+
+ private:
+  ChosenKernels* kernels_ = nullptr;
 };

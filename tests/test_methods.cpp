@@ -1,12 +1,9 @@
 // Every method against its definition: the case lines of tests/cases, and random calls.
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 
-#include "tests/chosen_kernels.h"
 #include "tests/models.h"
 #include "tests/support.h"
 
@@ -24,34 +21,14 @@ Value comparable(Value value, bool isLiteral) {
   return value;
 }
 
-// Calls on every instruction set of this processor.
-class MethodTest : public HostTest {
- protected:
-  void SetUp() override { begin(settingsForRoad()); }
-  void begin(const host::Settings& settings) {
-    HostTest::begin(settings, ZVR_FAULTY_PLUGIN);
-    void* library = dlopen(ZVR_FAULTY_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
-    kernels_ = reinterpret_cast<ChosenKernels* (*)()>(dlsym(library, "chosenKernels"))();
-    dlclose(library);
-  }
-  // What differs from the definition, or nothing.
-  std::string wrongIn(const Call& call, const Outcome& expected) {
-    for (int set = 0; set < kernels_->count; ++set) {
-      kernels_->index = set;
-      Scene scene(call);
-      scene.run();
-      const std::string wrong = difference(expected, scene.outcome());
-      if (!wrong.empty()) return "instruction set " + std::to_string(set) + ", " + wrong;
-    }
-    return {};
-  }
-
- private:
-  ChosenKernels* kernels_ = nullptr;
-};
+Outcome outcomeOf(const Call& call) {
+  Scene scene(call);
+  scene.run();
+  return scene.outcome();
+}
 
 // A line of a file in tests/cases.
-class CaseLine : public MethodTest {
+class CaseLine : public EverySetTest {
  public:
   CaseLine(std::string file, int line, const std::string& text)
       : file_(std::move(file)), line_(line), words_(splitWords(text)) {}
@@ -76,8 +53,10 @@ class CaseLine : public MethodTest {
     const Call call = parsedCall({words_.begin(), arrow});
     const std::optional<Outcome> expected = promised(call);
     if (conditions.empty() && expected) {
-      const std::string wrong = wrongIn(call, *expected);
-      if (!wrong.empty()) fail("by the definition " + wrong);
+      onEverySet([&] {
+        const std::string wrong = difference(*expected, outcomeOf(call));
+        if (!wrong.empty()) fail("by the definition " + wrong);
+      });
     }
     Scene scene(call);
     for (const auto& apply : conditions) apply(scene);
@@ -184,7 +163,7 @@ constexpr int kRounds = 40;
 constexpr int kRounds = 120;
 #endif
 
-class RandomCalls : public MethodTest, public ::testing::WithParamInterface<std::string> {};
+class RandomCalls : public EverySetTest, public ::testing::WithParamInterface<std::string> {};
 
 TEST_P(RandomCalls, AnswerAsDefined) {
   int answered = 0;
@@ -200,8 +179,10 @@ TEST_P(RandomCalls, AnswerAsDefined) {
       const Call call = makeCall(member, random, GetParam() == "ExtractColorRectangleMaskZVR" ? 40 : 1300);
       const std::optional<Outcome> expected = promised(call);
       if (!expected) continue;
-      const std::string wrong = wrongIn(call, *expected);
-      ASSERT_TRUE(wrong.empty()) << "round " << round << ": " << call.describe() << '\n' << wrong;
+      onEverySet([&] {
+        const std::string wrong = difference(*expected, outcomeOf(call));
+        ASSERT_TRUE(wrong.empty()) << "round " << round << ": " << call.describe() << '\n' << wrong;
+      });
       answered += !isNull(call, *expected);
     }
   }
