@@ -1,5 +1,5 @@
 // The heap of the plug-in under test. A second library is made of the plug-in's own objects whose calls of
-// calloc, realloc and free the linker leads here: the released library has nothing of this.
+// calloc and free the linker leads here: the released library has nothing of this.
 #pragma once
 
 struct PluginMemory {
@@ -8,5 +8,5 @@ struct PluginMemory {
   int live;    // blocks that the plug-in holds, or gave away: frees of others are not seen here
 };
 
-// The name under which the library hands out its record.
-extern "C" PluginMemory* pluginMemory();
+// The library exports it under this name.
+extern "C" __attribute__((visibility("default"))) PluginMemory pluginMemory;
