@@ -15,16 +15,16 @@ void HostTest::begin(const host::Settings& settings, const char* library) {
 }
 
 void EverySetTest::begin(const host::Settings& settings) {
-  HostTest::begin(settings, ZVR_FAULTY_PLUGIN);
-  void* library = dlopen(ZVR_FAULTY_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
-  kernels_ = reinterpret_cast<ChosenKernels* (*)()>(dlsym(library, "chosenKernels"))();
+  HostTest::begin(settings, ZVR_GOVERNED_PLUGIN);
+  void* library = dlopen(ZVR_GOVERNED_PLUGIN, RTLD_NOW | RTLD_NOLOAD);
+  governed_ = static_cast<GovernedPlugin*>(dlsym(library, "governedPlugin"));
   dlclose(library);
 }
 
 void EverySetTest::onEverySet(const std::function<void()>& body) {
-  for (int set = 0; set < kernels_->count; ++set) {
+  for (int set = 0; set < governed_->sets; ++set) {
     SCOPED_TRACE("instruction set " + std::to_string(set));
-    kernels_->index = set;
+    governed_->set = set;
     body();
   }
 }
@@ -66,6 +66,7 @@ struct sigaction handlersBefore[NSIG];
 
 void tellSignal(int signal) {
   std::cerr << "signal " << signal << " in " << runningCase << std::endl;
+  if (describeRunning) std::cerr << describeRunning() << std::endl;
   sigaction(signal, &handlersBefore[signal], nullptr);  // and on to what would have happened
   if (signal == SIGABRT) raise(signal);                 // which may have been sent
 }

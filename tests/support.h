@@ -12,8 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "tests/chosen_kernels.h"
+#include "tests/governed_plugin.h"
 #include "tests/pictures.h"
+
+// Adds what is being worked on, for the message of a process that a signal ends.
+inline std::function<std::string()> describeRunning;
 
 // A test in a host with the plug-in loaded. After each test the host must hold exactly `leaves`, by default
 // nothing.
@@ -48,5 +51,5 @@ class EverySetTest : public HostTest {
   void onEverySet(const std::function<void()>& body);
 
  private:
-  ChosenKernels* kernels_ = nullptr;
+  GovernedPlugin* governed_ = nullptr;
 };

@@ -52,9 +52,9 @@ using Filters = EverySetTest;
 using Corner = std::array<size_t, 3>;
 size_t placeOf(const Corner& corner) { return ((corner[0] * kSide + corner[1]) * kSide + corner[2]) * 3; }
 
-// Entries of three kinds: numbers in `parts` of one within or just beyond the range of colours; numbers that are
-// hard to calculate with among others; and sums at and just below whole results. Entries that may not be read are
-// no numbers.
+// Entries of three kinds: numbers in `parts` of one within or just beyond the range of colours; numbers that
+// are hard to calculate with among others; and sums at and just below whole results. Entries that may not be
+// read are no numbers.
 std::vector<double> drawTable(Random& random, uint32_t kind) {
   constexpr double kHard[] = {NAN, INFINITY, -INFINITY, 1e308, -1e308, 5e-324, 255.5, 256, -1e-9, -4e9};
   const int parts = kind & 1 ? 64 : 1, low = kind & 2 ? -1 : 0, high = kind & 4 ? 256 : 255;
@@ -75,8 +75,8 @@ std::vector<double> drawTable(Random& random, uint32_t kind) {
 }
 
 // From the lower corner the way leads along the axis of the largest share first. Of equal shares the smallest
-// step in the table goes first, beginning with those that are none; that shows only where entries are infinite
-// or no numbers.
+// step in the table goes first, beginning with those that are none; that shows only where entries are
+// infinite or no numbers.
 Rgb tetrahedral(Rgb pixel, const std::vector<double>& table) {
   const int values[] = {red(pixel), green(pixel), blue(pixel)};
   const auto share = [&](size_t axis) { return values[axis] % 17; };
@@ -99,7 +99,8 @@ Rgb tetrahedral(Rgb pixel, const std::vector<double>& table) {
   return rgb(limited(sums[0]), limited(sums[1]), limited(sums[2]));
 }
 
-void expectMapped(const Filter& filter, const Pixels& source, bool keepsAlpha, const std::function<Rgb(Rgb)>& map) {
+void expectMapped(const Filter& filter, const Pixels& source, bool keepsAlpha,
+                  const std::function<Rgb(Rgb)>& map) {
   Pixels expected = source;
   for (uint32_t& word : expected.colors) word = map(word & 0xFFFFFF) | opaqueTopByte() << 24;
   expected.alpha = source.alpha && keepsAlpha;
@@ -113,7 +114,8 @@ constexpr std::pair<const char*, double> kWeights[] = {
 constexpr const char* kTones[] = {"SepiaRed", "SepiaGreen", "SepiaBlue"};
 
 TEST_F(Filters, AnySettingsOnAnyPicture) {
-  constexpr double kFar[] = {1e300, -1e300, INFINITY, NAN, 2097151.99, -2097152.0, 16000, -16000, 1e-9, 32, -32};
+  constexpr double kFar[] = {1e300, -1e300, INFINITY, NAN, 2097151.99, -2097152.0,
+                             16000, -16000, 1e-9,     32,  -32};
   for (uint32_t round = 0; round < 64; ++round) {
     SCOPED_TRACE(round);
     Random random(round);
@@ -131,10 +133,13 @@ TEST_F(Filters, AnySettingsOnAnyPicture) {
     }
     // Sums wrap.
     const auto toned = [&](Rgb p) {
-      const uint32_t sum = static_cast<uint32_t>(red(p)) * weights[0] + static_cast<uint32_t>(green(p)) * weights[1] +
+      const uint32_t sum = static_cast<uint32_t>(red(p)) * weights[0] +
+                           static_cast<uint32_t>(green(p)) * weights[1] +
                            static_cast<uint32_t>(blue(p)) * weights[2];
       const auto brightness = static_cast<uint32_t>(static_cast<int32_t>(sum) / 1024);
-      const auto limited = [&](uint32_t tone) { return std::clamp(static_cast<int32_t>(tone + brightness), 0, 255); };
+      const auto limited = [&](uint32_t tone) {
+        return std::clamp(static_cast<int32_t>(tone + brightness), 0, 255);
+      };
       return rgb(limited(tones[0]), limited(tones[1]), limited(tones[2]));
     };
     onEverySet([&] {
@@ -159,7 +164,7 @@ TEST_F(Filters, ATableIsZeroAtFirstAndHasBounds) {
   lut.setTable(Places({1, 2, 17, 2}), 4.5);
   EXPECT_EQ(lut.table()[((1 * kSide + 2) * kSide + 17) * 3 + 2], 4.5);
   for (const Places& place : {Places({18, 0, 0, 0}), Places({0, 18, 0, 0}), Places({0, 0, 18, 0}),
-                            Places({0, 0, 0, 3}), Places({0xFFFFFFFF, 0, 0, 0})}) {
+                              Places({0, 0, 0, 3}), Places({0xFFFFFFFF, 0, 0, 0})}) {
     lut.setTable(place, 7);
     EXPECT_EQ(std::get<double>(lut.call(kTable, place)), 0);
   }
