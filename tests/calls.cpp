@@ -119,9 +119,7 @@ std::string makeString(Random& random) {
 
 Value makeValue(const host::Parameter& parameter, Random& random, const Pixels* first, int longestSide) {
   using host::Type;
-  const bool isObject = parameter.type == Type::picture || parameter.type == Type::memoryBlock ||
-                        parameter.type == Type::string;
-  if (isObject && random.chance(parameter.byRef ? 40 : 4)) return {};
+  if (mayBeNil(parameter.type) && random.chance(parameter.byRef ? 40 : 4)) return {};
   switch (parameter.type) {
     case Type::uint32:
       return int64_t{random.chance(80) ? static_cast<uint32_t>(random.between(0, 19)) : random.word()};
@@ -153,11 +151,10 @@ std::string writtenBeside(const Value& value, const Value& other) {
   if (!picture || !second || picture->width != second->width || picture->height != second->height ||
       picture->colors == second->colors)
     return written(value);
-  const auto at =
-      std::mismatch(picture->colors.begin(), picture->colors.end(), second->colors.begin()).first -
-      picture->colors.begin();
-  return written(Pixels(1, 1, *(picture->colors.begin() + at))) + " at " +
-         std::to_string(at % picture->width) + " " + std::to_string(at / picture->width);
+  const auto place = std::mismatch(picture->colors.begin(), picture->colors.end(), second->colors.begin());
+  const auto at = static_cast<int>(place.first - picture->colors.begin());
+  const int x = at % picture->width, y = at / picture->width;
+  return written(Pixels(1, 1, *place.first)) + " at " + std::to_string(x) + " " + std::to_string(y);
 }
 
 }  // namespace
@@ -295,13 +292,15 @@ host::Value Scene::make(const Value& value, host::Type type) {
     return host::newMemoryBlock(bytes->data(), bytes->size());
   if (const auto* text = std::get_if<std::string>(&value))
     return host::newString(*text, kEncodingNone, false);
-  if (const auto* number = std::get_if<int64_t>(&value)) return *number;
-  if (const auto* number = std::get_if<double>(&value)) return *number;
-  if (const auto* flag = std::get_if<bool>(&value)) return *flag;
-  if (const auto* color = std::get_if<host::Color>(&value)) return *color;
   if (type == host::Type::picture) return host::PictureRef();
   if (type == host::Type::memoryBlock) return host::MemoryBlockRef();
-  return host::StringRef();
+  if (type == host::Type::string) return host::StringRef();
+  return std::visit(
+      [](const auto& given) -> host::Value {
+        if constexpr (std::is_constructible_v<host::Value, decltype(given)>) return given;
+        return {};
+      },
+      value);
 }
 
 std::vector<host::Value> Scene::declared() const {

@@ -16,7 +16,6 @@ const Pixels* pictureIn(const Value& value) { return std::get_if<Pixels>(&value)
 int64_t number(const Value& value) { return std::get<int64_t>(value); }
 double real(const Value& value) { return std::get<double>(value); }
 bool flag(const Value& value) { return std::get<bool>(value); }
-Rgb colorIn(const Value& value) { return std::get<host::Color>(value).rgb & 0xFFFFFF; }
 
 // ---- Results ----
 

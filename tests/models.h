@@ -11,5 +11,7 @@ std::optional<Outcome> promised(const Call& call);
 // The names of all methods that have a definition.
 std::vector<std::string> modelledMethods();
 
+// Without its top byte.
+inline Rgb colorIn(const Value& value) { return std::get<host::Color>(value).rgb & 0xFFFFFF; }
 // The waveform of RenderSamplesZVR with these arguments, nil included.
 Value waveform(const std::vector<Value>& arguments);

@@ -1,9 +1,6 @@
-// What a call does to the host beside its answer: pixbufs, locks, caches; and calls that share their
+// What a call does to the host beside its answer: locks, caches; and calls that share their
 // arguments.
 
-#include <dlfcn.h>
-
-#include "host/shims/shims.h"
 #include "tests/calls.h"
 #include "tests/support.h"
 
@@ -19,17 +16,6 @@ class Hosts : public HostTest {
     return host::uses(service);
   }
 };
-
-TEST_F(Hosts, PixbufsAreReleased) {
-  if (!isGdk()) GTEST_SKIP();
-  // The stand-in that this program's plug-in meets instead of the real library.
-  void* library = dlopen("libgdk-x11-2.0.so", RTLD_NOW);
-  ASSERT_TRUE(library) << dlerror();
-  const GdkShim& gdk = *reinterpret_cast<GdkShim* (*)()>(dlsym(library, "gdkShim"))();
-  EXPECT_TRUE(callPicture("InvertZVR", makePicture({13, 5, Rgb{1}})));
-  EXPECT_GE(gdk.drawableReads, 2) << "the source's and the new picture's";
-  EXPECT_EQ(gdk.livePixbufs, 0);
-}
 
 // With alpha the description stays locked, on purpose; without it does not.
 TEST_F(Hosts, RefusedSurfaces) {

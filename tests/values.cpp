@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
+#include <map>
 #include <ostream>
 #include <sstream>
 #include <stdexcept>
@@ -11,8 +12,8 @@
 
 namespace {
 
-constexpr std::pair<char, Rgb> kLetters[] = {{'k', 0x000000}, {'w', 0xFFFFFF}, {'.', 0x808080},
-                                             {'r', 0xFF0000}, {'g', 0x00FF00}, {'b', 0x0000FF}};
+const std::map<char, Rgb> kLetters = {{'k', 0x000000}, {'w', 0xFFFFFF}, {'.', 0x808080},
+                                      {'r', 0xFF0000}, {'g', 0x00FF00}, {'b', 0x0000FF}};
 
 [[noreturn]] void refuse(const std::string& word, const char* expected) {
   throw std::invalid_argument("'" + word + "' is not " + expected);
@@ -46,12 +47,8 @@ std::vector<uint32_t> rowOf(const std::string& text) {
     for (const std::string& word : split(text, ',')) row.push_back(hexOf(word));
     return row;
   }
-  for (const char letter : text) {
-    const auto* known = std::find_if(std::begin(kLetters), std::end(kLetters),
-                                     [=](const auto& one) { return one.first == letter; });
-    if (known == std::end(kLetters)) refuse(text, "a row of pixels");
-    row.push_back(known->second);
-  }
+  if (text.find_first_not_of("kw.rgb") != std::string::npos) refuse(text, "a row of pixels");
+  for (const char letter : text) row.push_back(kLetters.at(letter));
   return row;
 }
 
@@ -76,17 +73,10 @@ Pixels parsedPixels(const std::string& text) {
 
 // PICTURE[+alpha][+mask]
 Pixels parsedPicture(const std::string& word) {
-  const std::vector<std::string> parts = split(word, '+');
-  Pixels pixels = parsedPixels(parts[0]);
-  for (size_t i = 1; i < parts.size(); ++i) {
-    if (parts[i] == "alpha") {
-      pixels.alpha = true;
-    } else if (parts[i] == "mask") {
-      pixels.mask = std::make_shared<Pixels>(Random(1).words(pixels.width, pixels.height));
-    } else {
-      refuse(parts[i], "alpha or mask");
-    }
-  }
+  Pixels pixels = parsedPixels(word.substr(0, word.find('+')));
+  pixels.alpha = word.find("+alpha") != std::string::npos;
+  if (word.find("+mask") != std::string::npos)
+    pixels.mask = std::make_shared<Pixels>(Random(1).words(pixels.width, pixels.height));
   return pixels;
 }
 
@@ -148,10 +138,12 @@ std::string written(const Value& value) {
   return "nil";
 }
 
+bool mayBeNil(host::Type type) {
+  return type == host::Type::picture || type == host::Type::memoryBlock || type == host::Type::string;
+}
+
 Value parsed(const host::Parameter& parameter, const std::string& word) {
-  const bool isObject = parameter.type == host::Type::picture || parameter.type == host::Type::memoryBlock ||
-                        parameter.type == host::Type::string;
-  if (isObject && word == "nil") return {};
+  if (mayBeNil(parameter.type) && word == "nil") return {};
   if (parameter.type == host::Type::picture) return parsedPicture(word);
   if (parameter.type == host::Type::memoryBlock) return parsedBytes(word);
   if (parameter.type == host::Type::string) {

@@ -63,6 +63,7 @@ inline bool isNil(const Value& value) { return value.index() == 0; }
 // As case lines have them (tests/cases/README.md); long ones are cut short.
 std::string written(const Value& value);
 void PrintTo(const Pixels& pixels, std::ostream* out);
+bool mayBeNil(host::Type type);
 // Reads a word of a case line. Throws std::invalid_argument.
 Value parsed(const host::Parameter& parameter, const std::string& word);
 

@@ -7,82 +7,53 @@
 
 namespace {
 
-// The arguments in their order.
-struct Request {
-  explicit Request(const std::vector<Value>& given)
-      : bytes(std::get<Bytes>(given[0])),
-        count(number(given[1])),
-        smooth(number(given[2])),
-        width(number(given[3])),
-        height(number(given[4])),
-        outline(number(given[5])),
-        background(color(given[6])),
-        foreground(color(given[7])),
-        outlineColor(color(given[8])),
-        bits(number(given[9])),
-        autoScale(std::get<bool>(given[10])) {}
-  static int number(const Value& value) { return static_cast<int>(std::get<int64_t>(value)); }
-  static Rgb color(const Value& value) { return std::get<host::Color>(value).rgb & 0xFFFFFF; }
-
-  Bytes bytes;
-  int count, smooth, width, height, outline;
-  Rgb background, foreground, outlineColor;
-  int bits;
-  bool autoScale;
-};
+int whole(const Value& value) { return static_cast<int>(std::get<int64_t>(value)); }
 
 class Waveform {
  public:
-  explicit Waveform(const std::vector<Value>& given) : r_(given) {
-    if (r_.count < 1) r_.count = static_cast<int>(r_.bytes.size()) / sampleSize();
-    if (r_.height < 1) r_.height = 500;
-    if (r_.width < 1) r_.width = r_.count;
+  explicit Waveform(const std::vector<Value>& given) : given_(given) {
+    if (count_ < 1) count_ = static_cast<int>(bytes_.size()) / sampleSize();
+    if (height_ < 1) height_ = 500;
+    if (width_ < 1) width_ = count_;
   }
 
   bool isPossible() const {
-    const bool isKnown = r_.bits == 7 || r_.bits == 8 || r_.bits == 15 || r_.bits == 16;
-    return isKnown && !r_.bytes.empty() && r_.width > 0 && r_.width <= 32767 && r_.height <= 32767;
+    const bool isKnown = bits_ == 7 || bits_ == 8 || bits_ == 15 || bits_ == 16;
+    return isKnown && !bytes_.empty() && width_ > 0 && width_ <= 32767 && height_ <= 32767;
   }
 
   Pixels draw() {
-    centre_ = r_.height >> 1;
+    centre_ = height_ >> 1;
     measure();
     drawBars();
-    if (r_.outline == 1) trace([this](int a, int b, int c, int d) { line(a, b, c, d); });
-    const int h = r_.outline >> 1;
+    if (outline_ == 1) trace([this](int a, int b, int c, int d) { line(a, b, c, d); });
+    const int h = outline_ >> 1;
     const auto at = [h](int value) {
       return static_cast<int32_t>(static_cast<uint32_t>(int64_t{value} - h));
     };
-    if (r_.outline > 1) trace([&](int a, int b, int c, int d) { stamp(at(a), at(b), at(c), at(d)); });
+    if (outline_ > 1) trace([&](int a, int b, int c, int d) { stamp(at(a), at(b), at(c), at(d)); });
     for (uint32_t& word : pixels_.colors) word |= opaqueTopByte() << 24;
     return pixels_;
   }
 
  private:
-  int sampleSize() const { return r_.bits > 8 ? 2 : 1; }
+  int sampleSize() const { return bits_ > 8 ? 2 : 1; }
 
   int sample(size_t index) const {
     int bits = 0;
     for (size_t i = 0, at = index * static_cast<size_t>(sampleSize()); i < 2; ++i, ++at) {
-      if (static_cast<int>(i) < sampleSize() && at < r_.bytes.size()) bits |= r_.bytes[at] << (8 * i);
+      if (static_cast<int>(i) < sampleSize() && at < bytes_.size()) bits |= bytes_[at] << (8 * i);
     }
-    switch (r_.bits) {
-      case 7:
-        return static_cast<int8_t>(bits);
-      case 8:
-        return bits - 128;
-      case 15:
-        return static_cast<int16_t>(bits);
-      default:
-        return bits - 32768;
-    }
+    const int middle = sampleSize() == 1 ? 0x80 : 0x8000;
+    const bool isSigned = bits_ == 7 || bits_ == 15;
+    return (isSigned ? bits ^ middle : bits) - middle;
   }
 
   void measure() {
     using Extended = long double;
-    const Extended w = r_.width, n = r_.count;
+    const Extended w = width_, n = count_;
     double peak = 0;
-    for (int i = 1; i <= r_.width; ++i) {
+    for (int i = 1; i <= width_; ++i) {
       const auto start = static_cast<int>((i - 1) / w * n), end = static_cast<int>(i / w * n);
       uint32_t negative = 0, positive = 0;  // which wrap
       for (int s = start; s < end; ++s) {
@@ -96,8 +67,8 @@ class Waveform {
         if (value > peak) peak = value;
       }
     }
-    Extended scale = r_.autoScale ? Extended(2) * peak : sampleSize() == 1 ? 127 : 32767;
-    const Extended alpha = 2 / (Extended(r_.smooth) + 1);
+    Extended scale = autoScale_ ? Extended(2) * peak : sampleSize() == 1 ? 127 : 32767;
+    const Extended alpha = 2 / (Extended(smooth_) + 1);
     for (auto* values : {&negative_, &positive_}) {
       if (!(alpha > 0)) break;
       Extended y = values->front();
@@ -105,7 +76,7 @@ class Waveform {
     }
     if (alpha > 0) scale = alpha * scale + (1 - alpha) * scale;
     for (auto* values : {&negative_, &positive_}) {
-      for (double& value : *values) value = static_cast<double>(value * Extended(r_.height) / scale);
+      for (double& value : *values) value = static_cast<double>(value * Extended(height_) / scale);
     }
   }
 
@@ -115,13 +86,13 @@ class Waveform {
   }
 
   void drawBars() {
-    pixels_ = asWritten({r_.width, r_.height, r_.background});
-    for (int x = 0; x < r_.width; ++x) {
+    pixels_ = asWritten({width_, height_, background_});
+    for (int x = 0; x < width_; ++x) {
       for (const auto* values : {&negative_, &positive_}) {
         const int y = rowOf((*values)[static_cast<size_t>(x)]);
-        const int first = std::min(std::max(std::min(y, centre_), 0), r_.height - 1);
-        const int last = std::min(std::max(y, centre_), r_.height - 1);
-        for (int row = first; row <= last; ++row) pixels_.at(x, row) = r_.foreground;
+        const int first = std::min(std::max(std::min(y, centre_), 0), height_ - 1);
+        const int last = std::min(std::max(y, centre_), height_ - 1);
+        for (int row = first; row <= last; ++row) pixels_.at(x, row) = foreground_;
       }
     }
   }
@@ -129,7 +100,7 @@ class Waveform {
   template <typename Draw>
   void trace(const Draw& draw) const {
     int fromX = 0, from[2] = {centre_, centre_};
-    for (int x = 0; x < r_.width; fromX = x++) {
+    for (int x = 0; x < width_; fromX = x++) {
       for (int side = 0; side < 2; ++side) {
         const int y = rowOf((side == 0 ? negative_ : positive_)[static_cast<size_t>(x)]);
         draw(fromX, from[side], x, y);
@@ -139,9 +110,9 @@ class Waveform {
   }
 
   void plot(int x, int y, int w) {
-    if (x < 0 || y < 0 || x >= r_.width || y >= r_.height) return;
+    if (x < 0 || y < 0 || x >= width_ || y >= height_) return;
     Rgb& p = pixels_.at(x, y);
-    const Rgb o = r_.outlineColor;
+    const Rgb o = outlineColor_;
     const auto mix = [w](int to, int from) { return (to * (255 - w) + from * w) / 255; };
     p = rgb(mix(red(o), red(p)), mix(green(o), blue(p)), mix(blue(o), green(p)));
   }
@@ -178,20 +149,26 @@ class Waveform {
     const bool isSteep = std::abs(y1 - y0) > std::abs(x1 - x0);
     if (isSteep ? y1 < y0 : x1 < x0) return stamp(x1, y1, x0, y0);
     const int64_t steps = std::max<int64_t>(isSteep ? y1 - y0 : x1 - x0, 1);
-    const int64_t start = isSteep ? y0 : x0, extent = isSteep ? r_.height : r_.width;
-    for (int64_t i = std::max<int64_t>(-start - r_.outline, 0); i <= std::min(steps, extent - start); ++i) {
+    const int64_t start = isSteep ? y0 : x0, extent = isSteep ? height_ : width_;
+    for (int64_t i = std::max<int64_t>(-start - outline_, 0); i <= std::min(steps, extent - start); ++i) {
       const auto along = [=](int64_t from, int64_t to) {
         return from + std::llround(static_cast<double>((to - from) * i) / static_cast<double>(steps));
       };
       const int64_t left = along(x0, x1), top = along(y0, y1);
-      for (int64_t y = std::max<int64_t>(top, 0); y < std::min<int64_t>(top + r_.outline, r_.height); ++y) {
-        for (int64_t x = std::max<int64_t>(left, 0); x < std::min<int64_t>(left + r_.outline, r_.width); ++x)
-          pixels_.at(static_cast<int>(x), static_cast<int>(y)) = r_.outlineColor;
+      for (int64_t y = std::max<int64_t>(top, 0); y < std::min<int64_t>(top + outline_, height_); ++y) {
+        for (int64_t x = std::max<int64_t>(left, 0); x < std::min<int64_t>(left + outline_, width_); ++x)
+          pixels_.at(static_cast<int>(x), static_cast<int>(y)) = outlineColor_;
       }
     }
   }
 
-  Request r_;
+  const std::vector<Value>& given_;
+  const Bytes& bytes_ = std::get<Bytes>(given_[0]);
+  int count_ = whole(given_[1]), width_ = whole(given_[3]), height_ = whole(given_[4]);
+  const int smooth_ = whole(given_[2]), outline_ = whole(given_[5]), bits_ = whole(given_[9]);
+  const Rgb background_ = colorIn(given_[6]), foreground_ = colorIn(given_[7]),
+            outlineColor_ = colorIn(given_[8]);
+  const bool autoScale_ = std::get<bool>(given_[10]);
   int centre_ = 0;
   std::vector<double> negative_, positive_;
   Pixels pixels_;
