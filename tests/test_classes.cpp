@@ -1,5 +1,5 @@
 // The two filter classes: colours, limits, the table's bounds, old destinations. What an instance holds and
-// releases otherwise is for test_faults, which calls every member.
+// releases otherwise is for test_disturbances, which calls every member.
 
 #include <emmintrin.h>
 

@@ -62,7 +62,8 @@ class CaseLine : public EverySetTest {
     for (const auto& apply : conditions) apply(scene);
     scene.run();
     if (arrow != words_.end()) compareAnswer(call.member, {arrow + 1, words_.end()}, scene.outcome());
-    if (arrow == words_.end() && !conditions.empty()) throw std::invalid_argument("an answer is missing");
+    if (arrow == words_.end() && !(conditions.empty() && expected))
+      throw std::invalid_argument("an answer is missing, and the definition has none");
   }
 
   static bool isForThisRoad(const std::string& word) {
