@@ -23,6 +23,9 @@ std::string raised() {
 // ---- Memory ----
 
 TEST_F(Frame, HandlesKnowTheirSizeOnlyOnceResized) {
+  void* used = allocateHandle(100);
+  FillMemory(used, 104, 'x');
+  freeHandle(used);
   MemoryHandle handle = allocateHandle(100);
   EXPECT_EQ(getHandleSize(handle), 0u);
   EXPECT_EQ(lockHandle(handle), static_cast<uint8_t*>(handle) + 4);
