@@ -1,4 +1,4 @@
-// Regions of pixels, and the making and copying of pictures, which registered methods reach in part only.
+// Regions of pixels, and the making and copying of pictures, as far as registered methods do not reach them.
 
 #include <sys/mman.h>
 
@@ -11,10 +11,9 @@
 
 namespace {
 
-class Pictures : public LinkedTest {
- protected:
-  static host::PictureRef own(REALpictureStruct* picture) { return host::PictureRef::adopt(picture); }
-};
+using Pictures = LinkedTest;
+
+host::PictureRef own(REALpictureStruct* picture) { return host::PictureRef::adopt(picture); }
 
 // ---- Pixels ----
 
@@ -30,35 +29,6 @@ TEST_F(Pictures, PixelLayouts) {
             "4210 0000 ");
 }
 
-// Words that lie in memory row after row, as pixels of a picture.
-void show(PictureReader& reader, void* words, int32_t width, int32_t height) {
-  reader.format = kFormatCairoOpaque;
-  reader.width = width;
-  reader.height = height;
-  reader.rowBytes = width * 4;
-  reader.firstRow = reader.row = static_cast<uint8_t*>(words);
-}
-
-// Below the last row is row 0 again.
-TEST_F(Pictures, RegionsAreReadRowByRow) {
-  Random random;
-  for (int round = 0; round < 2000; ++round) {
-    Pixels pixels = random.words(random.between(1, 5), random.between(1, 5));
-    const int left = random.between(0, pixels.width - 1), right = random.between(left + 1, pixels.width);
-    const int top = random.between(0, pixels.height - 1), bottom = random.between(top + 1, pixels.height + 2);
-    std::vector<uint32_t> expected, read;
-    for (int y = top; y < bottom; ++y)
-      for (int x = left; x < right; ++x) expected.push_back(pixels.at(x, y < pixels.height ? y : 0));
-    PictureReader reader;
-    show(reader, pixels.colors.data(), pixels.width, pixels.height);
-    scanRegion(reader, {left, top, right, bottom}, [&](const kernels::Pixel* in, size_t count) {
-      read.insert(read.end(), in, in + count);
-      return true;
-    });
-    ASSERT_EQ(read, expected) << "round " << round;
-  }
-}
-
 // Addresses behind the middle of the memory are as good as others.
 TEST_F(Pictures, RowsOfMoreThanHalfTheMemory) {
   constexpr int32_t kWidth = 30000, kHeight = 17900;
@@ -66,14 +36,18 @@ TEST_F(Pictures, RowsOfMoreThanHalfTheMemory) {
   void* const memory = mmap(nullptr, kBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (memory == MAP_FAILED) GTEST_SKIP() << "no room for " << kBytes << " bytes";
   PictureReader reader;
-  show(reader, memory, kWidth, kHeight);
-  const auto* next = static_cast<const kernels::Pixel*>(memory);
-  EXPECT_TRUE(scanRegion(reader, Region::whole(reader), [&](const kernels::Pixel* in, size_t count) {
-    EXPECT_EQ(in, next);
-    next += count;
-    return count == kWidth;
-  }));
-  EXPECT_EQ(reinterpret_cast<uintptr_t>(next), reinterpret_cast<uintptr_t>(memory) + kBytes);
+  reader.format = kFormatCairoOpaque;
+  reader.width = kWidth;
+  reader.height = kHeight;
+  reader.rowBytes = kWidth * 4;
+  reader.firstRow = reader.row = static_cast<uint8_t*>(memory);
+  size_t pixels = 0;
+  scanRegion(reader, Region::whole(reader), [&](const kernels::Pixel* in, size_t count) {
+    EXPECT_EQ(in, static_cast<const kernels::Pixel*>(memory) + pixels);
+    pixels += count;
+    return true;
+  });
+  EXPECT_EQ(pixels, kBytes / 4);
   munmap(memory, kBytes);
 }
 
@@ -83,10 +57,7 @@ TEST_F(Pictures, NewOnesHaveLimits) {
   for (int side : {-1, 0, 1, 32767, 32768}) {
     const bool isSide = side >= 1 && side <= 32767;
     for (auto [width, height] : {std::pair(side, 1), {1, side}}) {
-      PictureWriter writer;
-      EXPECT_EQ(writer.NewPictureWriter(width, height), isSide) << side;
-      EXPECT_EQ(static_cast<bool>(own(writer.RenderPictureWriter())), isSide) << side;
-      EXPECT_EQ(writer.width, isSide ? width : 0) << "sizes stay";
+      EXPECT_EQ(PictureWriter().NewPictureWriter(width, height), isSide) << side;
       EXPECT_EQ(static_cast<bool>(own(NewPicture(width, height, true))), isSide) << side;
     }
   }
@@ -98,7 +69,6 @@ TEST_F(Pictures, AlphaPicturesNeedAHostThatHasThem) {
     const auto made = own(NewPictureWithAlphaChannel(3, 2));
     EXPECT_EQ(static_cast<bool>(made), has) << version;
     EXPECT_EQ(PictureHasAlphaChannel(made.get()), has && !isGdk()) << version;
-    EXPECT_TRUE(own(NewPicture(3, 2, true))) << version;
   }
 }
 
@@ -106,15 +76,12 @@ TEST_F(Pictures, AlphaPicturesNeedAHostThatHasThem) {
 // takes a buffer of the size asked for, whatever the copy's.
 TEST_F(Pictures, WritersNeverShowACopy) {
   host::Settings settings = settingsForRoad();
-  for (auto [more, alpha] : {std::pair(-1, true), {-1, false}, {0, true}, {0, false}}) {
-    SCOPED_TRACE(std::to_string(more) + (alpha ? " with alpha" : ""));
-    settings.newPicturesGrowBy = more;
-    host::start(settings);
-    PictureWriter writer;
-    const bool opened = alpha ? writer.NewPictureWriterWithAlphaChannel(4, 3) : writer.NewPictureWriter(4, 3);
-    EXPECT_EQ(opened, isGdk() ? !alpha : more == 0);
-    EXPECT_EQ(writer.picture != nullptr, opened && !isGdk());
-  }
+  settings.newPicturesGrowBy = -1;
+  host::start(settings);
+  PictureWriter writer;
+  EXPECT_FALSE(writer.NewPictureWriterWithAlphaChannel(4, 3));
+  EXPECT_EQ(writer.NewPictureWriter(4, 3), isGdk());
+  EXPECT_FALSE(writer.picture);
 }
 
 // ---- Copies ----
