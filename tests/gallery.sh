@@ -25,7 +25,6 @@ checkPage() {
   # Everything that is registered, each method with a line that runs it; every result that is a picture.
   zvr list --json | sed '/"classes"/,$d' | awk -F'"' '$6 == "declaration" { print $8 }' > wanted
   printf '%s\n' 'Class PictureSepiaZVR' 'Class PictureLut3DZVR' 'count = 1050' >> wanted
-  ! grep 'No example yet' text || complain 'a method without an example'
   [[ $(wc -l < lines) -eq $(grep -c '^<article' tags) ]] || complain 'a card without a line for zvr'
   [[ $(grep -c 'data:image/[a-z]*;base64,[^")]' tags) -gt $(grep -c 'out\.png' lines) ]] || complain 'a picture is missing'
 
