@@ -14,12 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     const std::string again = zvr::signatureText(declaration);
     if (zvr::signatureText(host::parseDeclaration(again)) != again)
       fuzz::fail("it reads differently when written out");
-    for (const host::Parameter& parameter : declaration.parameters) {
-      try {
-        host::parseValue(parameter, parameter.defaultText);
-      } catch (const std::invalid_argument&) {
-      }
-    }
+    for (const host::Parameter& parameter : declaration.parameters)
+      host::parseValue(parameter, parameter.defaultText);
   } catch (const std::invalid_argument&) {
   }
   return 0;

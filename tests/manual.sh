@@ -1,23 +1,11 @@
 #!/usr/bin/env bash
 # The manual declares every member as it is registered, its links lead somewhere, its lines for zvr run and answer as quoted.
-# ZVR_PROGRAMS is the folder of zvr, else that of the release build.
-set -euo pipefail
-export LC_ALL=C
+# shellcheck source=tests/pages.sh
+source "$(dirname -- "${BASH_SOURCE[0]}")/pages.sh"
 
-root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
 manual=$root/docs/manual
 sections=("$manual"/[a-z]*.md)
 pages=("$root/README.md" "$manual/README.md" "${sections[@]}")
-PATH=${ZVR_PROGRAMS:-$root/build/release}:$PATH
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
-cd "$work"
-status=0
-
-complain() {
-  printf '%s\n' "$@"
-  status=1
-}
 
 # ---- Members: a line [CLASS ]SECTION: DECLARATION, console-safe (yes or no) ----
 
@@ -73,8 +61,6 @@ for page in "${pages[@]}"; do
     [[ $target != *'#'* ]] || grep -qx -e "${target#*#}" <(anchorsOf "$file") || complain "$page: $target has no such heading"
   done < <(grep -o '](\([^) ]*\))' "$page" | sed 's/^](//; s/)$//' | grep -v '://')
 done
-diff <(cd "$manual" && ls images/*) <(grep -oh 'images/[^)]*' "${pages[@]}" | sort -u) ||
-  complain 'Above: pictures of the manual (<), and those that its pages show (>).'
 
 # ---- Lines for zvr, a session for each page, in a folder with the files that they name ----
 
