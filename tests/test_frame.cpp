@@ -1,11 +1,7 @@
 // Memory, handles, arrays, errors, lines.
 
-#include <algorithm>
-#include <cmath>
-
 #include "frame/arrays.h"
 #include "frame/errors.h"
-#include "frame/graphics.h"
 #include "frame/memory.h"
 #include "frame/text.h"
 #include "tests/linked.h"
