@@ -123,22 +123,18 @@ class Waveform {
       std::swap(y0, y1);
     }
     plot(x0, y0, 0);
-    const int dx = x1 - x0, dy = static_cast<int16_t>(int64_t{y1} - y0);
-    const int step = dx < 0 ? -1 : 1, adx = std::abs(dx);  // at most 1: from column to column
-    if (dy == 0) {
-      if (adx == 1) plot(x0 + step, y0, 0);
+    const int dx = x1 - x0;  // at most 1 to either side: from column to column
+    const int dy = static_cast<int16_t>(int64_t{y1} - y0);
+    if (dx == 0 || dy == 0 || dy == 1) {
+      for (int i = 1; i <= std::max(dy, std::abs(dx)); ++i) plot(x0 + i * dx, y0 + std::min(i, dy), 0);
       return;
     }
-    if (adx == 0 || dy == 1) {
-      for (int i = 1; i <= dy; ++i) plot(x0 + i * step * adx, y0 + i, 0);
-      return;
-    }
-    const int slope = dy > 1 ? 65536 / dy : 0;
+    const int slope = 65536 / std::max(dy, 1);
     for (int i = 1; i < dy; ++i) {
       // One column in `dy` rows: the fraction never wraps.
       const int w = (i * slope) >> 8;
       plot(x0, y0 + i, w);
-      plot(x0 + step, y0 + i, 255 - w);
+      plot(x0 + dx, y0 + i, 255 - w);
     }
     plot(x1, y1, 0);
   }
