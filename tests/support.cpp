@@ -3,10 +3,9 @@
 #include <dlfcn.h>
 #include <signal.h>
 
-#include <algorithm>
 #include <iostream>
+#include <map>
 #include <sstream>
-#include <stdexcept>
 
 void HostTest::begin(const host::Settings& settings, const char* library) {
   plugin_.reset();
@@ -60,7 +59,7 @@ namespace {
 
 // ---- How failures are told ----
 
-// The running case, for handlers of signals.
+// For handlers of signals.
 std::string runningCase;
 struct sigaction handlersBefore[NSIG];
 
@@ -71,26 +70,8 @@ void tellSignal(int signal) {
   if (signal == SIGABRT) raise(signal);                 // which may have been sent
 }
 
-// The first and last lines of a message, none of them endless.
-std::string shortened(const std::string& message) {
-  constexpr size_t kHead = 5, kTail = 3, kWidth = 300;
-  std::vector<std::string> lines;
-  std::istringstream stream(message);
-  for (std::string line; std::getline(stream, line);) {
-    if (line.empty() || line == "Google Test trace:") continue;
-    lines.push_back(line.size() > kWidth ? line.substr(0, kWidth) + " ..." : line);
-  }
-  std::string text;
-  for (size_t i = 0; i < lines.size(); ++i) {
-    const bool isLeftOut = i >= kHead && i + kTail < lines.size();
-    if (!isLeftOut) text += lines[i] + '\n';
-    if (isLeftOut && i == kHead) text += "...\n";
-  }
-  return text;
-}
-
 // Ends a case at its second failure, or its first that is fatal, wherever that is found. Prints the first
-// failures of all and the names of the cases that failed.
+// failures of all, of each the first lines, none of them endless.
 class FirstFailures : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo& test) override {
     runningCase = std::string(test.test_suite_name()) + '.' + test.name();
@@ -99,39 +80,37 @@ class FirstFailures : public testing::EmptyTestEventListener {
   void OnTestPartResult(const testing::TestPartResult& result) override {
     if (!result.failed()) return;
     if (shown_++ < 2) {
-      std::cerr << (result.file_name() ? result.file_name() : runningCase.c_str()) << ':'
-                << result.line_number() << ": " << shortened(result.message());
+      const char* file = result.file_name() ? result.file_name() : "?";
+      std::cerr << "FAILED " << runningCase << ' ' << file << ':' << result.line_number() << '\n';
+      std::istringstream lines(result.message());
+      std::string line;
+      for (int i = 0; i < 8 && std::getline(lines, line); ++i) std::cerr << line.substr(0, 300) << '\n';
     }
     // Without a file it is an exception that gtest is about to swallow.
     const bool isLast = ++failures_ == 2 || result.fatally_failed();
     if (isLast && result.file_name()) throw testing::AssertionException(result);
   }
-  void OnTestEnd(const testing::TestInfo& test) override {
-    if (test.result()->Failed() && ++cases_ <= 5) std::cerr << "FAILED " << runningCase << '\n';
-  }
   void OnTestProgramEnd(const testing::UnitTest& tests) override {
-    std::cout << tests.test_to_run_count() << " cases, " << cases_ << " failed, "
+    std::cout << tests.test_to_run_count() << " cases, " << tests.failed_test_count() << " failed, "
               << tests.skipped_test_count() << " skipped\n";
   }
 
-  int shown_ = 0, failures_ = 0, cases_ = 0;
+  int shown_ = 0, failures_ = 0;
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
-  const std::pair<const char*, host::Road> roads[] = {{"--road=cairo", host::Road::cairo},
-                                                      {"--road=gdk", host::Road::gdk},
-                                                      {"--road=console", host::Road::console}};
+  const std::map<std::string, host::Road> roads = {{"--road=cairo", host::Road::cairo},
+                                                   {"--road=gdk", host::Road::gdk},
+                                                   {"--road=console", host::Road::console}};
   for (int i = 1; i < argc; ++i) {
-    const auto found = std::find_if(std::begin(roads), std::end(roads),
-                                    [&](const auto& one) { return one.first == std::string(argv[i]); });
-    if (found == std::end(roads)) {
+    if (roads.count(argv[i]) == 0) {
       std::cerr << "unknown argument " << argv[i] << ", expected --road=cairo, gdk or console\n";
       return 2;
     }
-    setRoad(found->second);
+    setRoad(roads.at(argv[i]));
   }
   auto& listeners = testing::UnitTest::GetInstance()->listeners();
   delete listeners.Release(listeners.default_result_printer());

@@ -1,8 +1,7 @@
 // Shared by all tests: a host with the built plug-in in it, pictures from colours and back, calls by name.
 //
 // A case ends at its second failure, and at its first ASSERT wherever that stands: loops need not look for
-// failures. A program prints its first two failures and names the cases that failed, and on SIGABRT the one
-// that runs.
+// failures. A program prints its first two failures, and on a signal names the case that runs.
 #pragma once
 
 #include <gtest/gtest.h>
