@@ -151,6 +151,7 @@ TEST_F(Text, DataWithoutTheService) {
       record = {nullptr, 5000, 0};
       ASSERT_TRUE(REALGetStringData(string.get(), wanted, &record));
       EXPECT_EQ(record.encoding, wanted);
+      EXPECT_EQ(record.length, 4);
       EXPECT_EQ(bytesAt(record.data, 8), (wanted == kEncodingMacRoman ? "caf\x8E" : "caf\xE9") + "\0\0\0\0"s);
       EXPECT_EQ(malloc_usable_size(record.data) >= 5004, wanted == kEncodingNone);
       REALDisposeStringData(&record);

@@ -8,8 +8,6 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "tests/pictures.h"
-
 namespace {
 
 const std::map<char, Rgb> kLetters = {{'k', 0x000000}, {'w', 0xFFFFFF}, {'.', 0x808080},
@@ -150,7 +148,11 @@ Value parsed(const host::Parameter& parameter, const std::string& word) {
     const Bytes bytes = parsedBytes(word);
     return std::string(bytes.begin(), bytes.end());
   }
-  return plainValue(host::parseValue(parameter, word));
+  const auto plain = [](const auto& scalar) -> Value {
+    if constexpr (std::is_constructible_v<Value, decltype(scalar)>) return scalar;
+    return {};
+  };
+  return std::visit(plain, host::parseValue(parameter, word));
 }
 
 std::string encoded(const Pixels& pixels) {
