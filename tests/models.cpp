@@ -234,8 +234,9 @@ struct Part {
   const Pixels& picture;
   int left = 0, top = 0, right = picture.width, bottom = picture.height;
 
-  // left, top, width and height; sizes below `least` mean the picture's.
+  // left, top, width and height, or null; sizes below `least` mean the picture's.
   Part(const Pixels& of, const Value* rectangle, int least) : picture(of) {
+    if (!rectangle) return;
     const auto end = [&](int64_t first, int64_t size, int most) {
       return static_cast<int>(std::clamp<int64_t>(first + (size < least ? most : size), 0, most));
     };
@@ -244,7 +245,6 @@ struct Part {
     left = static_cast<int>(std::clamp<int64_t>(number(rectangle[0]), 0, right));
     top = static_cast<int>(std::clamp<int64_t>(number(rectangle[1]), 0, bottom));
   }
-  explicit Part(const Pixels& of) : picture(of) {}
 
   // Where a pixel lies among the bytes of all colours. On RGB24 rows the left column is counted in steps of 4
   // bytes, on purpose: a rectangle lies further right and may spill into the next row.
@@ -284,9 +284,8 @@ bool readsPadding(const Call& call) {
 
 // The rectangle is given by the last four arguments, if there are so many.
 Part partOf(const Outcome& call, size_t withRectangle, int least) {
-  const Pixels& picture = *pictureIn(call.arguments[0]);
-  if (call.arguments.size() < withRectangle) return Part(picture);
-  return Part(picture, &call.arguments[withRectangle - 4], least);
+  const bool has = call.arguments.size() >= withRectangle;
+  return {*pictureIn(call.arguments[0]), has ? &call.arguments[withRectangle - 4] : nullptr, least};
 }
 
 // Only the rectangle is written. Sizes below `least` mean the whole picture.

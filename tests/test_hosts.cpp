@@ -54,22 +54,6 @@ TEST_F(Hosts, MergingLooksForNilBeforeItOpensAPicture) {
   EXPECT_EQ(uses("REALLockPictureDescription", "MergePictureZVR 3x3 nil"), 0);
 }
 
-TEST_F(Hosts, BlocksThatFail) {
-  const auto countWith = [](const char* service) {
-    Scene scene(parsedCall(splitWords("CountColorsZVR 000005 nil nil nil 0")));
-    host::failAt(service, 2);
-    scene.run();
-    return scene.outcome().arguments;
-  };
-  const std::vector<Value> unaddressed = countWith("memoryBlockGetPtr");
-  EXPECT_EQ(unaddressed[4], Value(int64_t{2}));
-  EXPECT_EQ(unaddressed[2], Value(Bytes(1024))) << "left alone";
-  EXPECT_EQ(std::get<Bytes>(unaddressed[3])[20], 2);
-  const std::vector<Value> missing = countWith("newMemoryBlock");
-  EXPECT_EQ(missing[4], Value(int64_t{-1}));
-  EXPECT_TRUE(isNil(missing[2]) && missing[1] == Value(Bytes(1024)) && missing[3] == Value(Bytes(1024)));
-}
-
 TEST_F(Hosts, OneBlockMayTakeAllHistogramsThoughItTellsNoSize) {
   const auto picture = makePicture({1, 2, Rgb{0x050505}});
   const auto block = host::newMemoryBlock(Bytes(1024).data(), 1024);
@@ -105,21 +89,6 @@ TEST_F(Hosts, PicturesThatAreUsedTwice) {
   const auto result = callPicture("TransformColorsZVR", picture, {table, table, table, picture});
   EXPECT_EQ(result.get() == picture.get(), !isGdk());
   EXPECT_EQ(colorsOf(result).at(3, 2), source.at(3, 2) ^ 0xFFFFFF);
-}
-
-// A smaller mask is walked at the picture's size: it starts over at its row 0, and past its last byte counts
-// as black. On the cairo road the next row lies behind a row; on the console road each row is a block of its
-// own.
-TEST_F(Hosts, SmallerMasksAreNotRefused) {
-  if (isGdk()) GTEST_SKIP() << "nothing can be written in place there";
-  host::Settings settings = settingsForRoad();
-  settings.rowPadding = 0;
-  begin(settings);
-  Scene scene(parsedCall(splitWords("EmbeddedMaskZVR 3x3:111111 false = 010000,020000/030000,040000")));
-  scene.run();
-  EXPECT_EQ(written(scene.outcome().arguments[0]),
-            isConsole() ? "3x3: 111101,111102,111100/111103,111104,111100/111101,111102,111100"
-                        : "3x3: 111101,111102,111103/111103,111104,111100/111101,111102,111103");
 }
 
 }  // namespace
