@@ -13,6 +13,9 @@ namespace {
 using Arguments = std::vector<Value>;
 
 const Pixels* pictureIn(const Value& value) { return std::get_if<Pixels>(&value); }
+std::vector<uint32_t> wordsOf(const Pixels* picture) {
+  return picture ? picture->colors : std::vector<uint32_t>();
+}
 int64_t number(const Value& value) { return std::get<int64_t>(value); }
 double real(const Value& value) { return std::get<double>(value); }
 bool flag(const Value& value) { return std::get<bool>(value); }
@@ -189,8 +192,7 @@ void extractColor(Outcome& call) {
 void countColor(Outcome& call) {
   const Pixels* source = pictureIn(call.arguments[0]);
   int64_t count = 0;
-  for (int i = 0; source && i < source->width * source->height; ++i)
-    count += (source->colors[static_cast<size_t>(i)] & 0xFFFFFF) == colorIn(call.arguments[1]);
+  for (const uint32_t word : wordsOf(source)) count += (word & 0xFFFFFF) == colorIn(call.arguments[1]);
   call.result = count;
 }
 
@@ -204,9 +206,8 @@ void countColors(Outcome& call) {
     auto& bytes = std::get<Bytes>(call.arguments[block]);
     const size_t size = bytes.size();
     bytes.resize(std::max<size_t>(size, 1024));
-    for (int i = 0; source && i < source->width * source->height; ++i) {
-      uint8_t* counter =
-          &bytes[static_cast<size_t>(channels[block - 1](source->colors[static_cast<size_t>(i)])) * 4];
+    for (const uint32_t word : wordsOf(source)) {
+      uint8_t* counter = &bytes[static_cast<size_t>(channels[block - 1](word)) * 4];
       for (int byte = 0; byte < 4 && ++counter[byte] == 0; ++byte) continue;
     }
     bytes.resize(size);
@@ -454,13 +455,11 @@ void hasMask(Outcome& call) {
 // The top byte as gray: all of it in a surface with alpha; its lower 7 bits as a * 2 + (a & 1) in every
 // bitmap.
 void embeddedMask(Outcome& call) {
-  mapPixels(call, 1, kEqual, false, [](const Rgb*) { return Rgb{0}; });
-  auto* result = std::get_if<Pixels>(&call.result);
-  if (!result) return;
-  const Pixels picture = *pictureIn(call.arguments[0]);
-  *result = painted(picture.width, picture.height, false, [&](int x, int y) {
-    const uint32_t top = picture.at(x, y) >> 24, a = top & 0x7F;
-    const uint32_t gray = isConsole() ? a * 2 + (a & 1) : picture.alpha && !isGdk() ? top : 255;
+  const Pixels* picture = pictureIn(call.arguments[0]);
+  if (!picture) return;
+  call.result = painted(picture->width, picture->height, false, [&](int x, int y) {
+    const uint32_t top = picture->at(x, y) >> 24, a = top & 0x7F;
+    const uint32_t gray = isConsole() ? a * 2 + (a & 1) : picture->alpha ? top : 255;
     return (flag(call.arguments[1]) ? 255 - gray : gray) * 0x10101;
   });
 }

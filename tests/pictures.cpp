@@ -41,12 +41,13 @@ host::PictureRef pictureOf(const Pixels& pixels) {
   return picture;
 }
 
-Pixels pixelsOf(REALpictureStruct* handle) {
-  host::retain(handle);
-  const auto picture = host::PictureRef::adopt(handle);
-  Pixels pixels(host::pictureWidth(handle), host::pictureHeight(handle), wordsOf(picture));
-  pixels.alpha = host::pictureHasAlpha(handle);
-  if (REALpictureStruct* mask = host::pictureMask(handle))
+Pixels pixelsOf(REALpictureStruct* picture) {
+  Pixels pixels(host::pictureWidth(picture), host::pictureHeight(picture), Rgb{0});
+  for (int y = 0; y < pixels.height; ++y)
+    std::memcpy(&pixels.colors[area(pixels.width, y)], host::pictureRow(picture, y),
+                area(pixels.width, 1) * 4);
+  pixels.alpha = host::pictureHasAlpha(picture);
+  if (REALpictureStruct* mask = host::pictureMask(picture))
     pixels.mask = std::make_shared<Pixels>(pixelsOf(mask));
   return asHeld(pixels);
 }
@@ -59,20 +60,11 @@ Pixels asHeld(Pixels pixels) {
   return pixels;
 }
 
-std::vector<uint32_t> wordsOf(const host::PictureRef& picture) {
-  const int width = host::pictureWidth(picture.get()), height = host::pictureHeight(picture.get());
-  std::vector<uint32_t> words(area(width, height));
-  for (int y = 0; y < height; ++y) {
-    std::memcpy(&words[area(width, y)], host::pictureRow(picture.get(), y), area(width, 1) * 4);
-  }
-  return words;
-}
-
 Pixels colorsOf(const host::PictureRef& picture) {
   if (!picture) return {};
-  std::vector<uint32_t> words = wordsOf(picture);
-  for (uint32_t& word : words) word &= 0xFFFFFF;
-  return {host::pictureWidth(picture.get()), host::pictureHeight(picture.get()), std::move(words)};
+  Pixels pixels = pixelsOf(picture.get());
+  for (uint32_t& word : pixels.colors) word &= 0xFFFFFF;
+  return {pixels.width, pixels.height, std::move(pixels.colors)};
 }
 
 Pixels asWritten(Pixels expected) {

@@ -24,7 +24,6 @@ host::PictureRef pictureOf(const Pixels& pixels);
 Pixels pixelsOf(REALpictureStruct* picture);
 // As this road's pictures hold it: drawables have no top bytes.
 Pixels asHeld(Pixels pixels);
-std::vector<uint32_t> wordsOf(const host::PictureRef& picture);
 
 // A result of a writer as this road shows it: on the GDK road row 0 stays black, on purpose.
 Pixels asWritten(Pixels expected);

@@ -16,7 +16,6 @@ SHIM_EXPORT GdkPixbuf* gdk_pixbuf_get_from_drawable(GdkPixbuf* destination, GdkD
                                                     int width, int height) {
   static const auto real =
       realFunction<decltype(gdk_pixbuf_get_from_drawable)>(kGdk, "gdk_pixbuf_get_from_drawable");
-  ++shim.drawableReads;
   if (shim.refusesDrawable) return nullptr;
   GdkPixbuf* pixbuf = real(destination, source, colormap, x, y, toX, toY, width, height);
   if (pixbuf && !destination) ++shim.livePixbufs;

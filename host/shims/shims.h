@@ -5,17 +5,15 @@
 //   auto* shim = reinterpret_cast<GdkShim* (*)()>(dlsym(library, "gdkShim"))();
 #pragma once
 
-// Switches and counters of libgdk-x11-2.0.so; all zero at first.
+// Switches of libgdk-x11-2.0.so and a counter; all zero at first.
 struct GdkShim {
   int livePixbufs;       // made by gdk_pixbuf_get_from_drawable and not yet given back by gdk_pixbuf_unref
-  int drawableReads;     // calls of gdk_pixbuf_get_from_drawable
   bool refusesDrawable;  // gdk_pixbuf_get_from_drawable answers null
   bool hidesPixels;      // gdk_pixbuf_get_pixels answers null
 };
 
-// Switches and counters of libcairo.so; all zero at first.
+// Switches of libcairo.so; all zero at first.
 struct CairoShim {
-  int targetReads;   // calls of cairo_get_target
   bool hidesTarget;  // cairo_get_target answers null
   bool hidesData;    // cairo_image_surface_get_data answers null
   bool zeroWidth;    // the surface's width, height or stride is told as 0
