@@ -1,11 +1,11 @@
-// Shared by the fuzz targets: hosts of every kind around the linked-in plug-in, in one process.
+// Shared by the fuzz targets: hosts around the linked-in plug-in, one after another in one process.
 #pragma once
 
 #include "tests/pictures.h"
 
 namespace fuzz {
 
-// Begins a host of that kind and enters the plug-in anew. GDK is played without an X display.
+// Begins a host of that kind, but not for the GDK road, and enters the plug-in anew.
 void play(host::Road kind);
 
 // Aborts with a message: the input found a fault.

@@ -9,6 +9,8 @@ namespace {
 
 using Kind = Member::Kind;
 
+constexpr const char *kLut = "PictureLut3DZVR", *kTable = "table";
+
 const std::vector<host::Method>& methodsOf(const std::string& owner) {
   if (owner.empty()) return host::members().globals;
   if (owner == "Picture") return host::members().pictureMethods;
@@ -18,11 +20,21 @@ const std::vector<host::Method>& methodsOf(const std::string& owner) {
   throw std::runtime_error("no class " + owner);
 }
 
-host::Parameter parameter(const char* name, host::Type type) {
-  host::Parameter result;
-  result.name = name;
-  result.type = type;
-  return result;
+host::Parameter parameter(const std::string& name, const std::string& type) {
+  return host::parseDeclaration("Sub(" + name + " as " + type + ")").parameters.at(0);
+}
+
+// Its properties, which may be left out, and the table that one of the classes has.
+std::vector<host::Parameter> parametersOf(const host::Class& type) {
+  std::vector<host::Parameter> all;
+  for (const host::Property& property : type.properties)
+    all.push_back(parameter(property.name, property.type));
+  if (type.name == kLut) all.push_back(parameter(kTable, "MemoryBlock"));
+  for (host::Parameter& one : all) {
+    one.hasDefault = true;
+    one.defaultText = mayBeNil(one.type) ? "nil" : "0";
+  }
+  return all;
 }
 
 // ---- Arguments ----
@@ -36,12 +48,15 @@ int64_t makeNumber(const std::string& name, Random& random, int side) {
   if (name == "SampleCount") return random.chance(60) ? 0 : random.between(1, 400);
   if (name == "Width" || name == "Height")
     return random.chance(5) ? random.between(-1, 0) : random.between(1, side);
-  if (name == "Amount") {
+  if (name.substr(0, 3) == "Min" || name.substr(0, 3) == "Max") {
+    if (random.chance(75)) return 0;
+  }
+  if (name == "Amount" || name.substr(0, 5) == "Sepia") {
     // The processor's ways of dividing change where factors (amount + 255) get large or negative.
     constexpr int32_t kEdges[] = {
         0,       -255,    -256,      255,       0x7EFF,          0x7F00,          0x7F01,        -0x80FE,
         -0x80FF, -0x8100, INT32_MIN, INT32_MAX, INT32_MAX - 255, INT32_MAX - 254, 8421504 - 255, 200000,
-        -200000, 8421505, -8421505};
+        -200000, 8421505, -8421505,  0x8000};
     return random.chance(33)   ? random.among(kEdges)
            : random.chance(50) ? random.between(-600, 600)
                                : static_cast<int32_t>(random.word());
@@ -51,8 +66,8 @@ int64_t makeNumber(const std::string& name, Random& random, int side) {
 }
 
 double makeReal(Random& random) {
-  constexpr double kOdd[] = {NAN,  INFINITY, -INFINITY, 1e300, -1e300, 2147483647.5, -2147483648.5,
-                             -0.0, 1e-300,   -255,      255,   -1,     4294967296.0, 1e10};
+  constexpr double kOdd[] = {NAN,  INFINITY, -INFINITY, 1e300, -1e300, 2147483647.5, -2147483648.5, 32,
+                             -0.0, 1e-300,   -255,      255,   -1,     4294967296.0, 1e10,          -32};
   return random.chance(75) ? random.between(-300, 300) * random.among({1.0, 0.01, 1 / 3.0})
                            : random.among(kOdd);
 }
@@ -67,7 +82,32 @@ host::Color makeColor(Random& random, const Pixels* first) {
   return {(color & 0xFFFFFF) | random.word() << 24};
 }
 
+// Entries of three kinds: numbers in `parts` of one within or just beyond the range of colours; numbers that
+// are hard to calculate with among others; and sums at and just below whole results. Entries that may not be
+// read are no numbers.
+Bytes makeTable(Random& random) {
+  constexpr double kHard[] = {NAN, INFINITY, -INFINITY, 1e308, -1e308, 5e-324, 255.5, 256, -1e-9, -4e9};
+  const bool isWhole = random.chance(40), isStepped = !isWhole && random.chance(20);
+  const int parts = isWhole ? 1 : random.among({1, 64}), low = isWhole ? 0 : random.between(-1, 0),
+            high = isWhole ? 255 : random.between(255, 256);
+  const int hard = isWhole ? 0 : random.among({0, 5, 50}), first = random.between(1, 241);
+  std::vector<double> table(kTableEntries * 3, NAN);
+  for (int i = 0; i < 16 * 16 * 16; ++i) {
+    const double whole = first + i % 16;
+    const double below[] = {whole, std::nextafter(whole, 0), std::nextafter(std::nextafter(whole, 0), 0)};
+    for (size_t x = 0; x < 3; ++x) {
+      double& entry = table[tableIndex(i >> 8, i >> 4 & 15, i & 15) + x];
+      entry = random.between(parts * low, parts * high) / static_cast<double>(parts);
+      if (random.chance(hard)) entry = random.among(kHard);
+      if (isStepped) entry = below[x];
+    }
+  }
+  const auto* bytes = reinterpret_cast<const uint8_t*>(table.data());
+  return {bytes, bytes + table.size() * sizeof(double)};
+}
+
 Bytes makeBytes(const host::Parameter& parameter, Random& random) {
+  if (parameter.name == kTable) return makeTable(random);
   if (parameter.name == "Samples") return random.bytes(random.between(0, random.chance(50) ? 40 : 5000));
   return random.bytes(random.chance(60) ? parameter.byRef ? 1024 : 256
                                         : random.between(0, random.chance(50) ? 9 : 1100));
@@ -86,6 +126,9 @@ Pixels makePicture(const host::Parameter& parameter, Random& random, const Pixel
   Pixels picture;
   if (!first) {
     picture = random.words(side(), std::min(side(), 40));
+    // Large enough to be worked on in another way.
+    if (parameter.name == "SourcePicture" && longestSide > 201 && random.chance(30))
+      picture = random.words(201, 131);
   } else if (parameter.name == "pic" && random.chance(80)) {
     const int width = random.between(1, random.chance(50) ? first->width : std::min(first->width, 20));
     const int height = random.between(1, first->height);
@@ -196,14 +239,15 @@ std::string Call::describe() const {
 
 std::vector<host::Parameter> parametersOf(const Member& member) {
   std::vector<host::Parameter> all;
-  if (member.owner == "Picture") all = {parameter("receiver", host::Type::picture)};
-  if (member.isOfClass())
-    all = {parameter("source", host::Type::picture), parameter("destination", host::Type::picture)};
-  if (member.kind == Kind::setProperty) all.push_back(parameter("value", host::Type::real));
+  if (member.owner == "Picture") all = {parameter("receiver", "Picture")};
+  for (const host::Class& type : host::members().classes) {
+    if (type.name == member.owner) all = parametersOf(type);
+  }
+  if (member.kind == Kind::setProperty) all.push_back(parameter("value", "Double"));
   if (member.kind == Kind::getProperty || member.kind == Kind::setProperty) return all;
   const host::Declaration& declaration = member.method().declaration;
   all.insert(all.end(), declaration.parameters.begin(), declaration.parameters.end());
-  if (member.kind == Kind::assign) all.push_back(parameter("value", declaration.result));
+  if (member.kind == Kind::assign) all.push_back(parameter("value", host::typeName(declaration.result)));
   return all;
 }
 
@@ -219,7 +263,7 @@ Call parsedCall(std::vector<std::string> words) {
   const Kind kind = equals == words.end() ? Kind::call : Kind::assign;
   if (equals != words.end()) words.erase(equals);
   for (const Member& member : everyMember()) {
-    if (member.isOfClass() || member.name() != words[0] || member.kind != kind) continue;
+    if (member.definition() != words[0] || member.kind != kind) continue;
     const std::vector<host::Parameter> parameters = parametersOf(member);
     Call call{member, {}};
     for (size_t i = 0; i < parameters.size(); ++i) {
@@ -278,12 +322,19 @@ bool isNull(const Call& call, const Outcome& outcome) {
 // ---- Scenes ----
 
 Scene::Scene(const Call& call) : member_(call.member), parameters_(parametersOf(call.member)) {
+  if (parameters_.size() != call.arguments.size()) throw std::runtime_error("no class " + member_.owner);
   for (size_t i = 0; i < parameters_.size(); ++i)
     arguments_.push_back(make(call.arguments[i], parameters_[i].type));
   if (!member_.isOfClass()) return;
   instance_ = host::newInstance(member_.owner);
-  host::setProperty(instance_.get(), "SourcePicture", arguments_[0]);
-  host::setProperty(instance_.get(), "DestinationPicture", arguments_[1]);
+  for (size_t i = 0; i < arguments_.size() && parameters_[i].hasDefault; ++i) {
+    if (parameters_[i].name != kTable) {
+      host::setProperty(instance_.get(), parameters_[i].name, arguments_[i]);
+    } else if (const auto* table = std::get_if<Bytes>(&call.arguments[i])) {
+      // As its setter stores it, which takes longer.
+      std::copy(table->begin(), table->end(), host::instanceData(instance_.get()) + kTableOffset);
+    }
+  }
 }
 
 host::Value Scene::make(const Value& value, host::Type type) {
@@ -295,17 +346,7 @@ host::Value Scene::make(const Value& value, host::Type type) {
   if (type == host::Type::picture) return host::PictureRef();
   if (type == host::Type::memoryBlock) return host::MemoryBlockRef();
   if (type == host::Type::string) return host::StringRef();
-  return std::visit(
-      [](const auto& given) -> host::Value {
-        if constexpr (std::is_constructible_v<host::Value, decltype(given)>) return given;
-        return {};
-      },
-      value);
-}
-
-std::vector<host::Value> Scene::declared() const {
-  const int before = member_.isOfClass() ? 2 : member_.owner.empty() ? 0 : 1;
-  return {arguments_.begin() + before, arguments_.end() - (member_.kind == Kind::assign ? 1 : 0)};
+  return scalarOf<host::Value>(value);
 }
 
 void Scene::run() {
@@ -317,14 +358,14 @@ void Scene::run() {
     host::setProperty(receiver, member_.text, arguments_.back());
   } else {
     const host::Method& method = member_.method();
+    const auto end = arguments_.end() - (member_.kind == Kind::assign ? 1 : 0);
+    const auto declared = end - static_cast<std::ptrdiff_t>(method.declaration.parameters.size());
     host::Outcome outcome = member_.kind == Kind::assign
-                                ? host::assign(method, receiver, declared(), arguments_.back())
-                                : host::call(method, receiver, declared());
+                                ? host::assign(method, receiver, {declared, end}, arguments_.back())
+                                : host::call(method, receiver, {declared, end});
     result_ = std::move(outcome.result);
     if (outcome.exception) raised_ = outcome.exception->className + ": " + outcome.exception->message;
-    const size_t first =
-        arguments_.size() - outcome.arguments.size() - (member_.kind == Kind::assign ? 1 : 0);
-    for (size_t i = 0; i < outcome.arguments.size(); ++i) arguments_[first + i] = outcome.arguments[i];
+    std::copy(outcome.arguments.begin(), outcome.arguments.end(), declared);
   }
   if (instance_) arguments_[1] = host::getProperty(instance_.get(), "DestinationPicture");
 }

@@ -16,6 +16,9 @@ struct Member {
 
   std::string name() const { return text.substr(0, text.find_first_of("( ")); }
   bool isOfClass() const { return !owner.empty() && owner != "Picture"; }
+  // The name of its definition (tests/models.h): a class by itself stands for its Run.
+  std::string definition() const { return isOfClass() ? name() == "Run" ? owner : "" : name(); }
+  bool operator==(const Member& o) const { return owner == o.owner && text == o.text && kind == o.kind; }
   // The method that is registered in the present host; throws when there is none.
   const host::Method& method() const;
 };
@@ -32,8 +35,17 @@ struct Call {
   std::string describe() const;
 };
 
-// All that a call takes: first the receiver of a Picture method, or source and destination of a class; at
-// last the value that is assigned.
+// The table of a PictureLut3DZVR, an argument of its members like the properties: where it lies in the
+// instance's data, its entries of three numbers each, and where one begins.
+constexpr size_t kTableOffset = 24, kTableSide = 18, kTableEntries = kTableSide * kTableSide * kTableSide;
+inline size_t tableIndex(int r, int g, int b) {
+  return ((static_cast<size_t>(r) * kTableSide + static_cast<size_t>(g)) * kTableSide +
+          static_cast<size_t>(b)) *
+         3;
+}
+
+// All that a call takes: first the receiver of a Picture method, or the properties of a class; at last the
+// value that is assigned.
 std::vector<host::Parameter> parametersOf(const Member& member);
 
 // The words of a case line (tests/cases/README.md) without its comment.
@@ -59,7 +71,7 @@ bool isNull(const Call& call, const Outcome& outcome);
 // The host objects of one call, held until the scene dies.
 class Scene {
  public:
-  // The plug-in that registered the member must be loaded.
+  // The plug-in that registered the member must be loaded; throws when its class isn't registered.
   explicit Scene(const Call& call);
   // Host exceptions of our own (Unwound) pass through.
   void run();
@@ -73,7 +85,6 @@ class Scene {
 
  private:
   host::Value make(const Value& value, host::Type type);
-  std::vector<host::Value> declared() const;
 
   const Member member_;
   std::vector<host::Parameter> parameters_;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <map>
 
 namespace {
@@ -31,6 +32,13 @@ Pixels painted(int width, int height, bool alpha, const Color& color) {
   }
   result.alpha = alpha && !isGdk();
   return asWritten(result);
+}
+
+// One of that size of which nothing is written yet.
+Pixels unwritten(const Pixels& source) {
+  Pixels result(source.width, source.height, isGdk() ? 0 : kFreshPixel);
+  result.alpha = source.alpha && !isGdk();
+  return result;
 }
 
 bool isGray(Rgb p) { return red(p) == green(p) && green(p) == blue(p); }
@@ -295,7 +303,7 @@ void invert(Outcome& call) {
   const Pixels* source = pictureIn(call.arguments[0]);
   if (!source) return;
   const Part part = partOf(call, 5, least);
-  Pixels result(source->width, source->height, unwrittenColor() | (isGdk() ? 0 : kFreshPixel & 0xFF000000));
+  Pixels result = unwritten(*source);
   part.forEach([&](int x, int y) {
     const Rgb color = change(part.colorAt(part.byteAt(x, y)));
     const uint8_t bytes[] = {uint8_t(red(color)), uint8_t(green(color)), uint8_t(blue(color))};
@@ -306,7 +314,6 @@ void invert(Outcome& call) {
       word = (word & ~(0xFFu << shift) & 0xFFFFFF) | uint32_t{bytes[i]} << shift | opaqueTopByte() << 24;
     }
   });
-  result.alpha = source->alpha && !isGdk();
   call.result = result;
 }
 
@@ -509,7 +516,81 @@ void renderSamples(Outcome& call) {
   if (isNil(call.arguments[0])) call.raised = "NilObjectException: memoryblock is nil";
 }
 
+// ---- Filter classes ----
+
+// The columns or rows within limits: always from the first on, on purpose.
+int limited(int64_t most, int64_t least, int length) {
+  const int64_t end = least < most && most < length ? most : length;
+  return static_cast<int>(std::clamp<int64_t>(end - least, 0, length));
+}
+
+// The first arguments of both classes: source, destination, and the most and the least column and row.
+template <typename Map>
+void filter(Outcome& call, bool keepsAlpha, const Map& map) {
+  const Arguments& given = call.arguments;
+  const Pixels* source = pictureIn(given[0]);
+  call.result = source != nullptr;
+  if (!source) return;
+  Pixels result = unwritten(*source);
+  for (int y = 0; y < limited(number(given[4]), number(given[5]), source->height); ++y) {
+    for (int x = 0; x < limited(number(given[2]), number(given[3]), source->width); ++x)
+      result.at(x, y) = map(source->color(x, y)) | opaqueTopByte() << 24;
+  }
+  result.alpha &= keepsAlpha;
+  call.arguments[1] = asWritten(result);
+}
+
+// Sums wrap. The factors of green and blue are crossed, on purpose.
+void sepia(Outcome& call) {
+  const auto factor = [&](size_t i) {
+    return static_cast<uint32_t>(truncated(1024 * real(call.arguments[i])));
+  };
+  const auto tone = [&](size_t i) { return static_cast<uint32_t>(number(call.arguments[i])); };
+  filter(call, false, [&, reds = factor(9), greens = factor(10), blues = factor(11)](Rgb p) {
+    const uint32_t sum = static_cast<uint32_t>(red(p)) * reds + static_cast<uint32_t>(green(p)) * greens +
+                         static_cast<uint32_t>(blue(p)) * blues;
+    const auto brightness = static_cast<uint32_t>(static_cast<int32_t>(sum) / 1024);
+    const auto toned = [&](size_t i) {
+      return std::clamp(static_cast<int32_t>(tone(i) + brightness), 0, 255);
+    };
+    return rgb(toned(6), toned(7), toned(8));
+  });
+}
+
+// From the lower corner the way leads along the axis of the largest share first. Of equal shares the smallest
+// step in the table goes first, beginning with those that are none; that shows only where entries are
+// infinite or no numbers.
+void lookUpInCube(Outcome& call) {
+  std::vector<double> table(kTableEntries * 3);
+  if (const auto* bytes = std::get_if<Bytes>(&call.arguments[6]))
+    std::memcpy(table.data(), bytes->data(), bytes->size());
+  call.arguments[1] = {};
+  filter(call, true, [&](Rgb p) {
+    const int values[] = {red(p), green(p), blue(p)};
+    const auto share = [&](size_t axis) { return values[axis] % 17; };
+    const auto step = [&](size_t axis) { return values[axis] == 255 ? 0 : 3 - axis; };
+    size_t axes[] = {0, 1, 2};
+    std::sort(axes, axes + 3, [&](size_t a, size_t b) {
+      return share(a) != share(b) ? share(a) > share(b) : step(a) < step(b);
+    });
+    int corner[] = {red(p) / 17, green(p) / 17, blue(p) / 17};
+    double sums[3] = {};
+    for (size_t i = 0; i < 4; ++i) {
+      if (i > 0) corner[axes[i - 1]] = std::min(corner[axes[i - 1]] + 1, 15);
+      const double weight = (i > 0 ? share(axes[i - 1]) : 17) - (i < 3 ? share(axes[i]) : 0);
+      for (size_t x = 0; x < 3; ++x)
+        sums[x] += weight * table[tableIndex(corner[0], corner[1], corner[2]) + x];
+    }
+    const auto color = [&](double sum) {
+      return sum >= 17 * 255 ? 255 : sum > 0 ? static_cast<int>(sum / 17) : 0;
+    };
+    return rgb(color(sums[0]), color(sums[1]), color(sums[2]));
+  });
+}
+
 const std::map<std::string, void (*)(Outcome&)> kModels = {
+    {"PictureSepiaZVR", sepia},
+    {"PictureLut3DZVR", lookUpInCube},
     {"InvertZVR", invert<inverted, 1>},
     {"InvertGrayZVR", invert<withGrayInverted, 0>},
     {"MergePictureZVR", merge},
@@ -555,13 +636,14 @@ std::vector<std::string> modelledMethods() {
 }
 
 std::optional<Outcome> promised(const Call& call) {
-  if (readsPadding(call)) return {};
+  const auto model = kModels.find(call.member.definition());
+  if (model == kModels.end() || readsPadding(call)) return {};
   Outcome outcome{call.arguments, {}, {}};
   for (Value& argument : outcome.arguments) {
     if (auto* picture = std::get_if<Pixels>(&argument)) *picture = asHeld(*picture);
   }
   if (call.member.kind == Member::Kind::assign)
     return setEmbeddedMask(outcome) ? std::optional(outcome) : std::nullopt;
-  kModels.at(call.name())(outcome);
+  model->second(outcome);
   return outcome;
 }

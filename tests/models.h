@@ -5,8 +5,9 @@
 
 #include "tests/calls.h"
 
-// The promised outcome of a call of a method, on hosts of version 2013.03 of the kind that is played. Nullopt
-// where nothing is promised: bytes beyond a smaller mask's rows, or of the padding of RGB24 rows.
+// The promised outcome of a call of a method, or of a class's Run, on hosts of version 2013.03 of the kind
+// that is played. Nullopt where nothing is promised: other members of classes, bytes beyond a smaller mask's
+// rows, or of the padding of RGB24 rows.
 std::optional<Outcome> promised(const Call& call);
 // The names of all methods that have a definition.
 std::vector<std::string> modelledMethods();

@@ -1,4 +1,4 @@
-// Declarations of the dialect, a person's words as values, and calls of functions by declaration.
+// Declarations of the dialect, and a person's words as values.
 
 #include <fstream>
 #include <sstream>
@@ -9,8 +9,6 @@
 namespace {
 
 using namespace host;
-
-// ---- Declarations and words, in lines of declarations.txt ----
 
 // What an attempt answers, or its complaint.
 template <typename Attempt>
@@ -51,17 +49,6 @@ TEST(Declarations, AndWordsAreReadOrRefused) {
                    line.substr(bar + 3));
     }
   }
-}
-
-// ---- Calls ----
-
-uint32_t answersFalse(REALobjectStruct*) { return 0xABCDEF00; }
-
-TEST(Calls, ABooleanIsOneByte) {
-  Method method;
-  method.declaration = parseDeclaration("M as boolean");
-  method.function = reinterpret_cast<void*>(answersFalse);
-  EXPECT_EQ(zvr::valueText(call(method, nullptr, {}).result), "false");
 }
 
 }  // namespace

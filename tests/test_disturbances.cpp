@@ -96,7 +96,8 @@ struct Trial {
 struct Tried {
   Call call;
   Outcome before;
-  Trial sound;  // in a sound host, with the plug-in loaded afresh
+  Trial sound;   // in a sound host, with the plug-in loaded afresh
+  bool isFirst;  // of its member
 };
 
 // Whether a call has something to answer although no pixels can be had.
@@ -297,7 +298,8 @@ class Disturbances : public ::testing::Test {
       load(sound);
       for (const Call& call : callsToTry()) {
         load(sound);
-        calls.push_back({call, Scene(call).outcome(), attempt(call, sound)});
+        const bool isFirst = calls.empty() || !(calls.back().call.member == call.member);
+        calls.push_back({call, Scene(call).outcome(), attempt(call, sound), isFirst});
       }
     }
     load(host);
@@ -359,6 +361,7 @@ TEST_F(Disturbances, EveryUseOfEveryServiceAndOfTheHeapFailing) {
     host.settings.version = version;
     tryEach(host, [&](Tried& tried) {
       List list;
+      if (version != 2013.03 && !tried.isFirst) return list;
       allocations += tried.sound.uses[kHeap];
       for (const auto& [where, uses] : tried.sound.uses) {
         // Whether these counted up can't be seen.
@@ -372,7 +375,7 @@ TEST_F(Disturbances, EveryUseOfEveryServiceAndOfTheHeapFailing) {
     });
   }
   EXPECT_GE(allocations, 25) << "most calls need no memory";
-  expectTried(7000);
+  expectTried(5000);
 }
 
 // Members may be missing then; those that are there work.
@@ -389,7 +392,7 @@ TEST_F(Disturbances, EveryFaultWhileRegistering) {
         registering.where = fault == host::Fault::none ? kHeap : isVersion ? kVersion : kAnyService;
         load(registering);
         if ((fault == host::Fault::none ? governed_->uses : host::uses()) < registering.nth) break;
-        tryEach(registering);
+        tryEach(registering, [&](Tried& tried) { return tried.isFirst ? List{registering} : List{}; });
       }
     }
   }

@@ -91,4 +91,34 @@ TEST_F(Hosts, PicturesThatAreUsedTwice) {
   EXPECT_EQ(colorsOf(result).at(3, 2), source.at(3, 2) ^ 0xFFFFFF);
 }
 
+// ---- Instances ----
+
+TEST_F(Hosts, TheTableOfAClassHasBounds) {
+  const host::ObjectRef lut = host::newInstance("PictureLut3DZVR");
+  const host::Method& element = host::members().classes.at(1).methods.at(2);
+  const auto* table = reinterpret_cast<const double*>(host::instanceData(lut.get()) + kTableOffset);
+  using Place = std::vector<host::Value>;
+  host::assign(element, lut.get(), Place{1, 2, 17, 2}, 4.5);
+  EXPECT_EQ(table[tableIndex(1, 2, 17) + 2], 4.5);
+  for (const Place& place : {Place{18, 0, 0, 0}, Place{0, 18, 0, 0}, Place{0, 0, 18, 0}, Place{0, 0, 0, 3},
+                             Place{0xFFFFFFFF, 0, 0, 0}}) {
+    host::assign(element, lut.get(), place, 7.0);
+    EXPECT_EQ(std::get<double>(host::call(element, lut.get(), place).result), 0);
+  }
+  EXPECT_EQ(std::count(table, table + kTableEntries * 3, 0.0), kTableEntries * 3 - 1) << "0 at first";
+}
+
+TEST_F(Hosts, ToningKeepsNoOldDestination) {
+  const host::ObjectRef sepia = host::newInstance("PictureSepiaZVR");
+  for (const auto& [factor, weight] :
+       {std::pair("FactorRed", 0.299), {"FactorBlue", 0.587}, {"FactorGreen", 0.114}})
+    EXPECT_EQ(std::get<double>(host::getProperty(sepia.get(), factor)), weight) << "at first";
+  const auto old = makePicture({3, 2, Rgb{1}});
+  for (const char* property : {"SourcePicture", "DestinationPicture"})
+    host::setProperty(sepia.get(), property, old);
+  host::call(host::members().classes.at(0).methods.at(1), sepia.get(), {});
+  EXPECT_EQ(host::references(old.get()), 3) << "ours, the source, and one that is lost on purpose";
+  leaves.objects = 1;
+}
+
 }  // namespace

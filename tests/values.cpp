@@ -148,11 +148,7 @@ Value parsed(const host::Parameter& parameter, const std::string& word) {
     const Bytes bytes = parsedBytes(word);
     return std::string(bytes.begin(), bytes.end());
   }
-  const auto plain = [](const auto& scalar) -> Value {
-    if constexpr (std::is_constructible_v<Value, decltype(scalar)>) return scalar;
-    return {};
-  };
-  return std::visit(plain, host::parseValue(parameter, word));
+  return scalarOf<Value>(host::parseValue(parameter, word));
 }
 
 std::string encoded(const Pixels& pixels) {

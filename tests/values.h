@@ -60,6 +60,17 @@ inline bool isObject(const Value& value) {
 bool areSame(const Value& a, const Value& b);
 inline bool isNil(const Value& value) { return value.index() == 0; }
 
+// What a variant holds, if the other kind can hold it too; else its first alternative.
+template <typename To, typename From>
+To scalarOf(const From& value) {
+  return std::visit(
+      [](const auto& held) -> To {
+        if constexpr (std::is_constructible_v<To, decltype(held)>) return held;
+        return {};
+      },
+      value);
+}
+
 // As case lines have them (tests/cases/README.md); long ones are cut short.
 std::string written(const Value& value);
 void PrintTo(const Pixels& pixels, std::ostream* out);
