@@ -42,12 +42,12 @@ void expectSame(const Picture& a, const Picture& b, int tolerance) {
 void show(const Picture& picture, const std::vector<std::string>& places) {
   std::printf("%u x %u", picture.image.width, picture.image.height);
   for (size_t i = 0; i + 1 < places.size(); i += 2) {
-    const size_t pixel = std::stoul(places[i + 1]) * picture.image.width + std::stoul(places[i]);
-    std::printf(" #");
-    for (size_t channel = 0; channel < (picture.hasAlpha ? 4 : 3); ++channel)
-      std::printf("%02x", picture.bytes.at(pixel * 4 + channel));
+    const size_t at = (std::stoul(places[i + 1]) * picture.image.width + std::stoul(places[i])) * 4;
+    const auto& b = picture.bytes;
+    std::printf(picture.hasAlpha ? " #%02x%02x%02x%02x" : " #%02x%02x%02x", b.at(at), b[at + 1], b[at + 2],
+                b[at + 3]);
   }
-  std::printf("\n");
+  std::puts("");
 }
 
 }  // namespace

@@ -127,16 +127,16 @@ TEST_F(Frame, ArraysOfEveryType) {
 
 // ---- Errors ----
 
-TEST_F(Frame, ExceptionsInEveryForm) {
+TEST_F(Frame, ExceptionsAndLinesInEveryForm) {
+  testing::internal::CaptureStderr();
+  DebugLog(host::newString("caf\xE9 %s", kEncodingWindows).get());
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "caf\xC3\xA9 %s\n");
   RaiseException("NilObjectException", "one ", "two ", "three", kEncodingASCII);
   EXPECT_EQ(raised(), "NilObjectException: one two three");
   RaiseException("NoSuchException", "text", kEncodingASCII);
   EXPECT_EQ(raised(), "RuntimeException: text");
   host::failAt("PluginNewInstance", 2);
   RaiseException("NoSuchException", static_cast<const char*>(nullptr), kEncodingASCII);
-}
-
-TEST_F(Frame, OutOfBoundsSaysTheRange) {
   const std::string parameter(3000, 'p'), method(3000, 'm');
   RaiseOutOfBoundsException(10, 10, INT64_MIN, parameter.c_str(), method.c_str());
   EXPECT_EQ(raised(), "OutOfBoundsException: Parameter " + parameter + " to method " + method +
@@ -158,12 +158,6 @@ TEST_F(Frame, MemoryBlocksFromBytes) {
   host::failAt("newMemoryBlock", 1);
   EXPECT_EQ(REALBuildMemoryblock("0123", 4), nullptr);
   EXPECT_EQ(raised(), "OutOfMemoryException: Failed to allocate a memoryblock with 4 bytes in size.");
-}
-
-TEST_F(Frame, DebugLogIsALineOfUtf8) {
-  testing::internal::CaptureStderr();
-  DebugLog(host::newString("caf\xE9 %s", kEncodingWindows).get());
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "caf\xC3\xA9 %s\n");
 }
 
 }  // namespace

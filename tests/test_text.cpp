@@ -99,10 +99,9 @@ TEST_F(Text, EveryEncodingOnEveryHost) {
 }
 
 TEST_F(Text, AFailedConversionIsAnEmptyText) {
-  const auto string = host::newString("text");
   for (auto [version, service] : {std::pair(2011.0, "REALConvertString"), {2013.03, kData}}) {
     rbversion_rbversion = version;
-    rbText text(string.get());
+    rbText text(host::newString("text").get());
     host::failAt(service, 1);
     EXPECT_EQ(text.LengthUTF32(), 0) << service;
     EXPECT_STREQ(text.GetUTF8(), "text") << "another encoding still converts";
@@ -110,15 +109,10 @@ TEST_F(Text, AFailedConversionIsAnEmptyText) {
 }
 
 TEST_F(Text, CopiesWrapTheSameString) {
-  const auto first = host::newString("first"), second = host::newString("second");
-  rbText text(first.get());
-  text.GetUTF8();
-  rbText copy(text);
-  text = rbText(second.get());
-  auto& same = text;
+  rbText text(host::newString("first").get()), copy(text), &same = text;
+  text = rbText(host::newString("second").get());
   text = same;
-  EXPECT_STREQ(text.GetUTF8(), "second");
-  EXPECT_STREQ(copy.GetUTF8(), "first");
+  EXPECT_EQ(text.GetUTF8() + " and "s + copy.GetUTF8(), "second and first");
 }
 
 TEST_F(Text, FourCharacterCodes) {
@@ -179,16 +173,16 @@ TEST_F(Text, ChainsFindWhatTheyWrapAndAreFreedAtOnce) {
   rbversion_rbversion = 2012.0;  // where data holds the string itself
   const auto string = host::newString("a"), other = host::newString("a");
   const auto block = host::newMemoryBlock("b", 1);
-  auto *ofString = new rbData(string.get()), *ofBlock = new rbData(block.get());
+  rbData *ofString = new rbData(string.get()), *ofBlock = new rbData(block.get()), *none = nullptr;
   rbData* data = nullptr;
-  for (rbData* item : {ofString, ofBlock, static_cast<rbData*>(nullptr)}) AddDataChain(data, item);
+  for (rbData* item : {ofString, ofBlock, none}) AddDataChain(data, item);
   EXPECT_EQ(RecylceData(data, string.get()), ofString);
   EXPECT_EQ(RecylceData(data, block.get()), ofBlock);
   EXPECT_EQ(RecylceData(data, other.get()), nullptr);
   FreeDataChain(data);
   rbText* texts = nullptr;
-  for (int items = 0; items < 2; ++items) AddTextChain(texts, new rbText(string.get()));
-  AddTextChain(texts, nullptr);
+  for (rbText* item : {new rbText(string.get()), new rbText(string.get()), static_cast<rbText*>(nullptr)})
+    AddTextChain(texts, item);
   FreeTextChain(texts);
   EXPECT_TRUE(!texts && !data);
 }
@@ -202,7 +196,7 @@ void expectBuilt(REALstringStruct* built, const std::string& bytes, uint32_t enc
   EXPECT_EQ(host::stringEncoding(string.get()), encoding) << bytes;
 }
 
-TEST_F(Text, StringsAreBuiltInTheirEncoding) {
+TEST_F(Text, StringsAreBuiltInTheirEncodingAndNoneOfNothing) {
   expectBuilt(REALBuildUnicodeString("\0\xFF", 2, kEncodingUTF8), "\0\xFF"s, kEncodingUTF8);
   // Upper halves go, and so does an unfinished unit. Short texts are narrowed on the stack, longer ones on
   // the heap.
@@ -218,16 +212,13 @@ TEST_F(Text, StringsAreBuiltInTheirEncoding) {
   const uint16_t units[] = {'a', 0x20AC, 0};
   expectBuilt(UnicodeCString2RB(units), "a\0\xAC\x20"s, kEncodingUTF16);
   expectBuilt(UnicodeCString2RB(L"a\u20AC"), "a\0\xAC\x20"s, kEncodingUTF16);
-}
-
-TEST_F(Text, NothingIsBuiltOfNothing) {
-  for (auto* built :
+  for (auto* nothing :
        {REALBuildUnicodeString("text", 0, kEncodingUTF32),
         REALBuildUnicodeString("text", 0x7FFFFFFF, kEncodingUTF32),
         REALBuildUnicodeString(nullptr, 4, kEncodingASCII), CString2RBmax(nullptr, 5, kEncodingASCII),
         CString2RBmax("text", 0, kEncodingASCII), UnicodeCString2RB(static_cast<const uint16_t*>(nullptr)),
         UnicodeCString2RB(static_cast<const wchar_t*>(nullptr))})
-    EXPECT_EQ(built, nullptr);
+    EXPECT_EQ(nothing, nullptr);
 }
 
 }  // namespace
