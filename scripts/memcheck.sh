@@ -4,8 +4,7 @@
 
 # Programs and which of their tests, the longest first. Left out are tests of code that computes in long double, which
 # valgrind rounds to double (tint and waveforms), and those that take minutes there.
-kMemcheckTests=('test_methods:rectangles*:masks*:channels*:counts*:scrolling*:strings*:hosts*'
-  'test_classes:-*.AnySettings*'
+kMemcheckTests=('test_methods:rectangles*:masks*:channels*:counts*:scrolling*:strings*:hosts*:classes*'
   test_hosts:'*')
 
 runMemcheck() {

@@ -3,6 +3,8 @@
 
 #include "kernels/channel_tables.h"
 
+#include <csignal>
+
 #include "kernels/kernels.h"
 #include "tests/support.h"
 
@@ -40,6 +42,12 @@ TEST(Sets, TheBestOfThisProcessorIsUsed) {
   const kernels::Tables sets = kernels::supported();
   for (int i = 0; i < sets.count; ++i) std::cout << "instruction set: " << sets.table[i]->name << '\n';
   EXPECT_EQ(&kernels::best(), sets.table[sets.count - 1]);
+}
+
+// For old_processor.sh: the first instructions that came after SSE2 are illegal there indeed.
+TEST(Sets, DISABLED_OldProcessorHasOnlySse2) {
+  EXPECT_EXIT(__asm__ volatile("haddps %xmm0, %xmm0"), testing::KilledBySignal(SIGILL), "");
+  EXPECT_EQ(kernels::supported().count, 1);
 }
 
 TEST(Lines, AreFoundForBrightnessAndContrast) {
