@@ -19,7 +19,8 @@ struct TextCase {
   std::string utf8, ascii, windows, macRoman, utf16;
 };
 const TextCase kTexts[] = {
-    {"\xC3\xA9t", kEncodingUTF8, "\xC3\xA9t", "?t", "\xE9t", "\x8Et", "\xE9\0t\0"s},
+    {"\xC3\xA9\xE2\x82\xACt", kEncodingUTF8, "\xC3\xA9\xE2\x82\xACt", "??t", "\xE9\x80t", "\x8E\xDBt",
+     "\xE9\0\xAC\x20t\0"s},
     {"\x80 1", kEncodingWindows, "\xE2\x82\xAC 1", "? 1", "\x80 1", "\xDB 1", "\xAC\x20 \0001\0"s},
     {"a\0\xE9\0"s, kEncodingUTF16, "a\xC3\xA9", "a?", "a\xE9", "a\x8E", "a\0\xE9\0"s},
     {"a\xE9", kEncodingNone, "a\xC3\xA9", "a?", "a\xE9", "a\x8E", "a\0\xE9\0"s},
