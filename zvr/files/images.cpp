@@ -398,6 +398,7 @@ Bytes encode(const Image& image, const Writing& writing, const Copied& copied) {
 }
 
 std::string formatFor(const std::string& path, const std::string& format) {
+  if (path == kStandardStream && format.empty()) return "png";
   const std::string extension = std::filesystem::path(path).extension();
   return writtenFormat(!format.empty() ? format : extension.empty() ? "" : extension.substr(1));
 }

@@ -67,8 +67,4 @@ class OutputPlan {
   std::map<std::string, User> users_;         // by the output's identity
 };
 
-// The one picture of a plan of its own, given by -o; `others` are files that are read besides the input.
-std::string planOutput(const std::string& input, const std::string& pattern, const std::string& label,
-                       const PictureOptions& options, const std::vector<std::string>& others = {});
-
 }  // namespace zvr
