@@ -45,11 +45,12 @@ Outputs planAll(const Chain& chain, const ApplyOptions& own) {
   for (const Step& step : chain.steps) label += (label.empty() ? "" : "-") + step.name;
   OutputPlan plan(filesRead(chain), own.pictures);
   Outputs outputs;
-  outputs.results = chain.left == Kind::data ? plan.data(chain.inputs, "-o", own.output, label)
-                                             : plan.pictures(chain.inputs, "-o", own.output, label);
+  using Content = OutputPlan::Content;
+  const Content content = chain.left == Kind::data ? Content::data : Content::picture;
+  outputs.results = plan.add(content, chain.inputs, "-o", own.output, label);
   for (const BlockOutput& block : chain.blocks) {
     const std::string& name = chain.steps[block.step].declaration.parameters[block.parameter].name;
-    outputs.blocks.push_back(plan.data(chain.inputs, "--out " + name, block.pattern, name));
+    outputs.blocks.push_back(plan.add(Content::data, chain.inputs, "--out " + name, block.pattern, name));
   }
   return outputs;
 }

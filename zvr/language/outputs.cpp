@@ -161,15 +161,4 @@ void addPictureOptions(CLI::App& command, PictureOptions& options) {
   command.add_flag("--in-place", options.isInPlace, "Write a result over its input");
 }
 
-std::vector<std::string> OutputPlan::pictures(const std::vector<std::string>& inputs,
-                                              const std::string& option, const std::string& pattern,
-                                              const std::string& label) {
-  return add(Content::picture, inputs, option, pattern, label);
-}
-
-std::vector<std::string> OutputPlan::data(const std::vector<std::string>& inputs, const std::string& option,
-                                          const std::string& pattern, const std::string& label) {
-  return add(Content::data, inputs, option, pattern, label);
-}
-
 }  // namespace zvr

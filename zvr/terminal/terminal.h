@@ -27,7 +27,7 @@ void setQuiet();
 void print(const std::string& line);
 // The same to standard error.
 void printAside(const std::string& line);
-// "wrote PATH" to standard error.
+// "wrote PATH" to standard error; nothing for -, standard output.
 void printWritten(const std::string& path);
 // A line to standard error with "zvr: " before it, and further lines; escaped.
 void complain(const std::string& problem, const std::vector<std::string>& further = {});
