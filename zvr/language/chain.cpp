@@ -90,7 +90,8 @@ class StepWords {
   }
   void take(const std::string& word) {
     if (beginsStep(word))
-      throw UsageError(name() + ": write + before " + word + ", or ./" + word + " for a file");
+      throw UsageError(name() + ": write + before " + word +
+                       (isLook(word) ? "" : ", or ./" + word + " for a file"));
     const Named given = namedOf(word);
     const auto isMeant = [&](const host::Parameter& p) { return host::equalNames(p.name, given.name); };
     const bool isClass = candidates[0].type;
@@ -141,7 +142,8 @@ std::optional<Step> withArguments(Step step, const StepWords& words) {
     }
   }
   const auto isKept = [&](const Named& given) {
-    return std::any_of(kept.begin(), kept.end(), [&](const auto& p) { return host::equalNames(p.name, given.name); });
+    return std::any_of(kept.begin(), kept.end(),
+                       [&](const auto& p) { return host::equalNames(p.name, given.name); });
   };
   if (plain < words.plain.size() || !std::all_of(words.named.begin(), words.named.end(), isKept))
     return std::nullopt;
@@ -177,7 +179,7 @@ std::optional<Step> withArguments(Step step, const StepWords& words) {
 
 Step parseStep(const Words& given) {
   if (isLook(given[0])) {
-    if (given.size() > 1) throw UsageError(given[0] + ": write + before " + given[1]);
+    if (given.size() > 1) throw UsageError("expected + after " + given[0] + ", found '" + given[1] + "'");
     return lookStep(given[0]);
   }
   const StepWords words(given);
