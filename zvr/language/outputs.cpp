@@ -118,7 +118,8 @@ std::vector<std::string> OutputPlan::add(Content content, const std::vector<std:
   return outputs;
 }
 
-void addWriting(CLI::App& command, Writing& writing) {
+void addPictureOptions(CLI::App& command, PictureOptions& options) {
+  Writing& writing = options.writing;
   command
       .add_option_function<std::string>(
           "--format",
@@ -127,7 +128,7 @@ void addWriting(CLI::App& command, Writing& writing) {
             if (writing.format.empty())
               throw UsageError("--format: '" + word + "' is not a format that zvr writes");
           },
-          "png, jpeg, tiff, bmp or webp; else by the extension")
+          "png, jpeg, tiff, bmp or webp; else by the extension, png to standard output")
       ->type_name("FORMAT");
   command.add_option("--quality", writing.quality, "Quality of written JPEG and WebP files")
       ->type_name("1...100")
@@ -142,10 +143,6 @@ void addWriting(CLI::App& command, Writing& writing) {
       ->type_name("0...9")
       ->check(CLI::Range(0, 9).description(""))
       ->capture_default_str();
-}
-
-void addPictureOptions(CLI::App& command, PictureOptions& options) {
-  addWriting(command, options.writing);
   const std::map<std::string, Alpha> ways = {
       {"keep", Alpha::keep}, {"drop", Alpha::drop}, {"premultiplied", Alpha::premultiplied}};
   command

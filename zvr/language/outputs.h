@@ -27,9 +27,7 @@ struct PictureOptions {
   bool upright = true;     // pictures are turned as their orientation tags say
   bool isInPlace = false;  // a result may replace its input
 };
-// --format, --quality, --subsampling and --compression.
-void addWriting(CLI::App& command, Writing& writing);
-// The same, with what is for commands that read pictures: --alpha, --strip, --no-autorotate and --in-place.
+// --format, --quality, --subsampling, --compression, --alpha, --strip, --no-autorotate and --in-place.
 void addPictureOptions(CLI::App& command, PictureOptions& options);
 
 // Output files that coincide neither with one another nor with what is read: files are compared, not names.
