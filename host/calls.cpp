@@ -355,26 +355,6 @@ std::vector<const Method*> findMethods(const std::string& name) {
   return found;
 }
 
-std::vector<std::string> nearestNames(const std::string& name) {
-  constexpr size_t kMost = 3;
-  std::vector<std::pair<size_t, std::string>> near;
-  for (const auto* group : {&members().globals, &members().pictureMethods}) {
-    for (const Method& method : *group) {
-      const size_t distance = nameDistance(name, method.declaration.name);
-      if (distance <= std::max<size_t>(2, name.size() / 3))
-        near.emplace_back(distance, method.declaration.name);
-    }
-  }
-  std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-  std::vector<std::string> names;
-  for (const auto& [distance, other] : near) {
-    if (names.size() < kMost && std::find(names.begin(), names.end(), other) == names.end()) {
-      names.push_back(other);
-    }
-  }
-  return names;
-}
-
 bool takesReceiver(const Method& method) { return !contains(members().globals, method); }
 
 }  // namespace host

@@ -45,8 +45,6 @@ void setProperty(REALobjectStruct* instance, const std::string& name, const Valu
 
 // Registered methods by name (any case): globals and Picture methods, overloads in registered order.
 std::vector<const Method*> findMethods(const std::string& name);
-// The registered method names closest to a mistyped one, nearest first: at most three, none when all are far.
-std::vector<std::string> nearestNames(const std::string& name);
 // Whether the first argument of a registered function is a host object.
 bool takesReceiver(const Method& method);
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <stdexcept>
 
 namespace host {
@@ -183,6 +184,21 @@ size_t nameDistance(std::string_view typed, std::string_view name) {
   const bool isPart = typed.size() >= kPart && part != name.end();
   const std::string_view base = name.substr(0, name.size() - std::min(kSuffix, name.size()));
   return isPart ? 1 : std::min(editDistance(typed, name), editDistance(typed, base));
+}
+
+std::vector<std::string> nearestNames(const std::string& typed, const std::vector<std::string>& names) {
+  constexpr size_t kMost = 3;
+  std::set<std::string> told;
+  std::vector<std::pair<size_t, std::string>> near;
+  for (const std::string& name : names) {
+    const size_t distance = nameDistance(typed, name);
+    if (distance <= std::max<size_t>(2, typed.size() / 3) && told.insert(name).second)
+      near.emplace_back(distance, name);
+  }
+  std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  std::vector<std::string> nearest;
+  for (size_t i = 0; i < std::min(kMost, near.size()); ++i) nearest.push_back(near[i].second);
+  return nearest;
 }
 
 }  // namespace host

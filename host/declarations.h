@@ -38,5 +38,7 @@ bool equalNames(std::string_view a, std::string_view b);
 // How far a typed name is from a member's: the letters to add, drop or replace, in any case, with or without
 // the three letters of the common suffix; 1 when it is a part of the name.
 size_t nameDistance(std::string_view typed, std::string_view name);
+// The names closest to a mistyped one, each once, nearest first: at most three, none when all are far.
+std::vector<std::string> nearestNames(const std::string& typed, const std::vector<std::string>& names);
 
 }  // namespace host

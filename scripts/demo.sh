@@ -43,7 +43,7 @@ fetchSpeech() {
 show() {
   local file=$1 started=${EPOCHREALTIME/[.,]/} took word words=''
   shift
-  build/release/zvr "$@" -o "out/demo/$file" > /dev/null
+  build/release/zvr "$@" --quiet -o "out/demo/$file" > /dev/null
   took=$(((${EPOCHREALTIME/[.,]/} - started) / 1000))
   for word in "$@"; do
     case $word in apply | "$photo" | "${speech:-}") ;; *) words+=" $word" ;; esac
@@ -56,7 +56,7 @@ show() {
 invertOn() {
   local display=() started=${EPOCHREALTIME/[.,]/}
   if [[ $1 == gdk ]]; then display=(withDisplay); fi
-  "${display[@]}" build/release/zvr apply "$photo" InvertZVR -o "out/demo/invert-$1.png" --host "$1" > /dev/null
+  "${display[@]}" build/release/zvr apply "$photo" InvertZVR --quiet -o "out/demo/invert-$1.png" --host "$1"
   took=$(((${EPOCHREALTIME/[.,]/} - started) / 1000))
 }
 
@@ -82,13 +82,13 @@ runDemo() {
   show night.jpg apply "$photo" ChangeContrastBrightnessLinearZVR 0.2 0.2 0.4 -120 -100 -40
   show scrolled.jpg apply "$photo" ScrollZVR 700 0 true false
   say 'The two filter classes, one as sepia and one with a film look:'
-  show sepia.jpg run PictureSepiaZVR "$photo" SepiaRed=40 SepiaGreen=20
+  show sepia.jpg run "$photo" PictureSepiaZVR SepiaRed=40 SepiaGreen=20
   show look.jpg lut "$photo" docs/manual/looks/sunset.cube
   if [[ -n ${speech:-} ]]; then
     say "RenderSamplesZVR on $speech:"
-    show wave.png wave "$speech" --smooth 3 --outline 1 --auto-scale
+    show wave.png wave "$speech" Smooth=3 outlinewidth=1 AutoScale=true
   fi
-  build/release/zvr gallery "$photo" ${speech:+--sound "$speech"} -o out/demo/gallery > /dev/null
+  build/release/zvr gallery "$photo" ${speech:+--sound "$speech"} -o out/demo/gallery
   say 'Every effect on one page, for a browser: gallery/index.html'
   say "The times are of whole runs of zvr, reading and writing the pictures included; GDK's includes starting Xvfb."
 }

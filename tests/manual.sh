@@ -4,8 +4,9 @@
 source "$(dirname -- "${BASH_SOURCE[0]}")/pages.sh"
 
 manual=$root/docs/manual
-sections=("$manual"/[a-z]*.md)
-pages=("$root/README.md" "$manual/README.md" "${sections[@]}")
+shopt -s extglob
+sections=("$manual"/!(README|zvr).md)
+pages=("$root/README.md" "$manual/README.md" "$manual/zvr.md" "${sections[@]}")
 
 # ---- Members: a line [CLASS ]SECTION: DECLARATION, console-safe (yes or no) ----
 

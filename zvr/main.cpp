@@ -86,9 +86,6 @@ int main(const std::vector<std::string>& words) {
   addList(program, options, run);
   addShow(program, options, run);
   addApply(program, options, run);
-  addWave(program, options, run);
-  addRun(program, options, run);
-  addLut(program, options, run);
   addGallery(program, options, run);
   program.footer(
       "Examples:\n"

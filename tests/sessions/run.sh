@@ -9,7 +9,7 @@
 #   # TEXT        a comment
 #
 # All that is printed has to be as the lines say; only standard output may have none where the command succeeds, and then
-# isn't looked at. … stands for any text, of several lines too. An empty line ends a session; the next begins in a fresh
+# isn't looked at, nor are lines of standard error that begin with "wrote" unless some are wanted. … stands for any text, of several lines too. An empty line ends a session; the next begins in a fresh
 # folder with photo.png, 23 x 9 pixels. A step that fails ends its session.
 set -euo pipefail
 here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
@@ -33,6 +33,7 @@ step() {
   (cd "$temporary/session" && exec sh -c "$2") < /dev/null > "$temporary/output" 2> "$temporary/errors" || status=$?
   output=$(< "$temporary/output")
   errors=$(< "$temporary/errors")
+  if [[ $5 != *wrote* ]]; then errors=$(sed '/^wrote /d' "$temporary/errors"); fi
   if [[ $status -eq $3 ]] && matches "$output" "$wanted" && matches "$errors" "$5"; then return 0; fi
   printf '%s: $ %s\n' "$1" "$2"
   printf -- '--- %s: exit %s, standard output:\n%s\n--- standard error:\n%s\n' wanted "$3" "$wanted" "$5" \

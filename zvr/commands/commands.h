@@ -16,10 +16,8 @@ namespace zvr {
 using Run = std::function<int()>;
 void addList(CLI::App& program, const Options& options, Run& run);
 void addShow(CLI::App& program, const Options& options, Run& run);
+// apply, and the short words for it: run, lut and wave.
 void addApply(CLI::App& program, const Options& options, Run& run);
-void addWave(CLI::App& program, const Options& options, Run& run);
-void addRun(CLI::App& program, const Options& options, Run& run);
-void addLut(CLI::App& program, const Options& options, Run& run);
 void addGallery(CLI::App& program, const Options& options, Run& run);
 
 }  // namespace zvr

@@ -105,22 +105,21 @@ constexpr const char* kLook =
     "0.04 0.16 0.86\n0.92 0.20 0.80\n0.16 0.86 0.92\n1.00 0.96 0.86\n";
 
 // Some syllables: a tone with a swelling envelope.
-Sound tone() {
+Bytes tone() {
   constexpr int kCount = 12000;
-  Sound sound;
-  sound.bits = 15;
+  Bytes samples;
   for (int i = 0; i < kCount; ++i) {
     const double envelope = std::sin(i * 3.14159 / kCount) * (0.25 + 0.75 * std::pow(std::sin(i / 900.0), 2));
     const auto sample = static_cast<uint16_t>(std::lrint(23000 * envelope * std::sin(i * 0.7)));
-    sound.bytes.push_back(static_cast<uint8_t>(sample));
-    sound.bytes.push_back(static_cast<uint8_t>(sample >> 8));
+    samples.push_back(static_cast<uint8_t>(sample));
+    samples.push_back(static_cast<uint8_t>(sample >> 8));
   }
-  return sound;
+  return samples;
 }
 
 // Every column has two samples of its own.
-int columnsFor(const Sound& sound) {
-  return static_cast<int>(std::clamp<size_t>(sound.count() / 2, 1, gallery::kShownSide));
+int columnsFor(const Bytes& samples) {
+  return static_cast<int>(std::clamp<size_t>(samples.size() / 4, 1, gallery::kShownSide));
 }
 
 // The files of a gallery. None is one that it is made from.
@@ -146,7 +145,7 @@ struct Files {
 
 // Scales the photograph down when it is too large, and writes the files that the calls take.
 Material prepare(const GalleryOptions& own, const Files& files, std::string& notes) {
-  const Sound sound = own.sound.empty() ? tone() : loadSound(own.sound);
+  const Bytes sound = own.sound.empty() ? tone() : loadSound(own.sound);
   Material material;
   material.photo = loadImage(own.input);
   material.photoPath = inputWord(own.input);
@@ -171,7 +170,7 @@ Material prepare(const GalleryOptions& own, const Files& files, std::string& not
   saveImage(turned(material.photo), files.other, {});
   saveImage(partOf(material.photo), files.part, {});
   writeFile(files.table, posterTable());
-  writeFile(files.samples, sound.bytes);
+  writeFile(files.samples, sound);
   writeFile(material.lookPath, Bytes(look.begin(), look.end()));
   material.fields = {{"photo", material.photoPath},
                      {"other", files.other},
@@ -181,7 +180,7 @@ Material prepare(const GalleryOptions& own, const Files& files, std::string& not
                      {"look", files.look},
                      {"common", commonColor(material.photo)},
                      {"columns", std::to_string(columnsFor(sound))},
-                     {"bits", std::to_string(sound.bits)}};
+                     {"bits", "15"}};
   return material;
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
 #include <new>
 
 #include "zvr/files/files.h"
@@ -253,43 +252,6 @@ Cube::Color throughSpace(const Cube::Table& space, const Cube::Color& input) {
   return color;
 }
 
-// Files that people take for .cube files, by extension or by how they begin.
-struct Format {
-  std::string_view extension, start, name;
-};
-constexpr Format kFormats[] = {
-    {"3dl", "3DMESH", "a 3DL look"},
-    {"csp", "CSPLUTV100", "a cineSpace look"},
-    {"look", "<look", "a LOOK file"},
-    {"clf", "<ProcessList", "a Common LUT Format look"},
-    {"ctf", "", "a CTF look"},
-    {"mga", "", "a Pandora look"},
-    {"m3d", "", "a Pandora look"},
-    {"vlt", "# panasonic vlt", "a VLT look"},
-    {"spi1d", "Version 1", "an SPI 1D look"},
-    {"spi3d", "SPILUT", "an SPI 3D look"},
-    {"cub", "# Truelight Cube", "a Truelight look"},
-    {"lut", "", "a LUT file of an unknown kind"},
-    {"icc", "", "an ICC profile"},
-    {"icm", "", "an ICC profile"},
-    {"png", "\x89PNG", "a picture, perhaps a Hald look"},
-    {"jpg", "\xFF\xD8\xFF", "a picture, perhaps a Hald look"},
-};
-
-// The name of the format, or nothing for a .cube file and for others that are not known.
-std::string_view formatOf(const std::string& path, std::string_view text) {
-  std::string extension = std::filesystem::path(path).extension();
-  for (char& c : extension) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  for (const Format& format : kFormats) {
-    const bool begins = !format.start.empty() && text.substr(0, format.start.size()) == format.start;
-    if (begins || extension == "." + std::string(format.extension)) return format.name;
-  }
-  constexpr size_t kProfileMark = 36;
-  return text.size() > kProfileMark && text.substr(kProfileMark, 4) == "acsp" ? "an ICC profile" : "";
-}
-
 }  // namespace
 
 Cube::Color Cube::at(const Color& input) const {
@@ -305,13 +267,12 @@ Cube loadCube(const std::string& path) {
   try {
     Cube cube = parseCube(text);
     for (const auto& [keyword, line] : cube.ignored) {
-      terminal::complain(path + ": line " + std::to_string(line) + ": warning: the unknown keyword " +
-                         keyword + " is ignored");
+      terminal::note(path + ": line " + std::to_string(line) + ": the unknown keyword " + keyword +
+                     " is ignored");
     }
     return cube;
   } catch (const Failure& failure) {
-    const std::string format(formatOf(path, text));
-    throw Failure(path + ": " + (format.empty() ? failure.what() : format + "; zvr reads .cube files"));
+    throw Failure(path + ": " + failure.what());
   } catch (const std::bad_alloc&) {
     throw Failure(path + ": not enough memory for the table");
   }

@@ -30,8 +30,7 @@ struct Cube {
 
 // Reads the text of a .cube file. Throws Failure with "line 7: what is wrong".
 Cube parseCube(std::string_view text);
-// The same for a file; the message begins with its path. Standard error tells of what is ignored. Files of
-// other formats are refused by the format's name.
+// The same for a file; the message begins with its path. Standard error tells of what is ignored.
 Cube loadCube(const std::string& path);
 
 }  // namespace zvr

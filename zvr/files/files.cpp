@@ -5,19 +5,28 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <utility>
 
 #include "zvr/terminal/failures.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr {
 namespace {
 
 namespace fs = std::filesystem;
 
+bool isStandard(const std::string& path) { return path == kStandardStream; }
+
 [[noreturn]] void fail(const std::string& path, int error) {
-  throw Failure(path + ": " + std::strerror(error));
+  std::vector<std::string> names;
+  std::error_code none;
+  const fs::path folder = fs::absolute(path, none).parent_path();
+  for (fs::directory_iterator file(folder, none), end; error == ENOENT && file != end; file.increment(none))
+    names.push_back(file->path().filename());
+  throw Failure(path + ": " + std::strerror(error) + terminal::didYouMean(fs::path(path).filename(), names));
 }
 
 // A file descriptor that closes itself.
@@ -30,6 +39,15 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   int number() const { return number_; }
+  // Answers false with errno set.
+  bool write(const std::vector<uint8_t>& bytes) const {
+    for (size_t written = 0; written < bytes.size();) {
+      const ssize_t count = ::write(number_, bytes.data() + written, bytes.size() - written);
+      if (count < 0 && errno != EINTR) return false;
+      if (count > 0) written += static_cast<size_t>(count);
+    }
+    return true;
+  }
   bool closes() { return close(std::exchange(number_, -1)) == 0; }
 
  private:
@@ -50,15 +68,8 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  // Answers false with errno set.
-  bool write(const std::vector<uint8_t>& bytes) const {
-    for (size_t written = 0; written < bytes.size();) {
-      const ssize_t count = ::write(descriptor_.number(), bytes.data() + written, bytes.size() - written);
-      if (count < 0 && errno != EINTR) return false;
-      if (count > 0) written += static_cast<size_t>(count);
-    }
-    return true;
-  }
+  // Both answer false with errno set.
+  bool write(const std::vector<uint8_t>& bytes) const { return descriptor_.write(bytes); }
   // `old` describes the file that is replaced; null when there is none.
   bool becomes(const fs::path& target, const struct stat64* old) {
     if (!takesModeOf(old) || !descriptor_.closes()) return false;
@@ -98,11 +109,18 @@ fs::path followed(const fs::path& path) {
   return target;
 }
 
+void writeToOutput(const std::vector<uint8_t>& bytes) {
+  if (isatty(STDOUT_FILENO))
+    throw UsageError("a terminal shows no pictures or bytes; name a file with -o, or redirect");
+  std::fflush(stdout);
+  if (!Descriptor(dup(STDOUT_FILENO)).write(bytes)) fail("standard output", errno);
+}
+
 }  // namespace
 
 std::vector<uint8_t> readFile(const std::string& path) {
   constexpr size_t kLargest = size_t{512} << 20, kPiece = size_t{1} << 18;
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  const Descriptor file(isStandard(path) ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
   // Past 2 GB a 32-bit program can't open a file at all.
   if (file.number() < 0) fail(path, errno == EOVERFLOW ? EFBIG : errno);
   struct stat about;
@@ -122,6 +140,7 @@ std::vector<uint8_t> readFile(const std::string& path) {
 }
 
 void writeFile(const std::string& path, const std::vector<uint8_t>& bytes) {
+  if (isStandard(path)) return writeToOutput(bytes);
   const fs::path target = followed(path);
   struct stat64 old = {};
   const bool exists = stat64(target.c_str(), &old) == 0;

@@ -45,7 +45,8 @@ Image loadImage(const std::string& path, bool upright = true);
 Image decodeImage(const std::string& path, const std::vector<uint8_t>& file, bool upright = true);
 
 struct Writing {
-  std::string format;  // "png", "jpeg", "tiff", "bmp" or "webp"; empty: by the file's extension
+  std::string format;  // "png", "jpeg", "tiff", "bmp" or "webp"; empty: by the file's extension, png to
+                       // standard output
   int quality = 92;    // of JPEG and WebP, 1 to 100
   std::string
       subsampling;      // of JPEG: "4:4:4", "4:2:2" or "4:2:0"; empty: 4:4:4 from quality 90 on, else 4:2:0

@@ -7,17 +7,8 @@
 
 namespace zvr {
 
-// The samples of a sound file, its channels mixed down to one.
-struct Sound {
-  // As RenderSamplesZVR names them: 8 (unsigned, a byte each) for files of 8 bits, else 15 (signed, two bytes
-  // each).
-  int bits = 0;
-  std::vector<uint8_t> bytes;
-
-  size_t count() const { return bytes.size() / (bits == 8 ? 1 : 2); }
-};
-
-// Reads any format that libsndfile knows. Throws Failure with "PATH: what is wrong".
-Sound loadSound(const std::string& path);
+// The samples of a sound file, its channels mixed down to one, as signed 16-bit numbers (Bits 15 in the terms
+// of RenderSamplesZVR). Reads any format that libsndfile knows. Throws Failure with "PATH: what is wrong".
+std::vector<uint8_t> loadSound(const std::string& path);
 
 }  // namespace zvr

@@ -6,9 +6,6 @@
 #include "zvr/files/host_pictures.h"
 #include "zvr/gallery/scaling.h"
 #include "zvr/gallery/words.h"
-#include "zvr/language/causes.h"
-#include "zvr/language/filters.h"
-#include "zvr/language/look_table.h"
 #include "zvr/language/signatures.h"
 #include "zvr/terminal/failures.h"
 
@@ -23,13 +20,7 @@ struct Call {
   std::vector<host::Value> arguments;
   host::Value assigned;
 
-  host::Outcome run() const {
-    const host::Method& method = *step.method;
-    host::Outcome outcome = step.assigned ? host::assign(method, receiver.get(), arguments, assigned)
-                                          : host::call(method, receiver.get(), arguments);
-    if (!outcome.exception) return outcome;
-    throw Failure(outcome.exception->className + ": " + outcome.exception->message);
-  }
+  host::Outcome run() const { return callStep(step, receiver, arguments, assigned); }
 };
 
 // The current @: a picture or bytes.
@@ -45,8 +36,8 @@ struct Now {
   }
 
   Call prepare(const Step& step) const {
-    const host::Declaration& declaration = step.method->declaration;
-    Call call{step, host::takesReceiver(*step.method) ? picture : host::PictureRef(), {}, {}};
+    const host::Declaration& declaration = step.declaration;
+    Call call{step, step.takesReceiver() ? picture : host::PictureRef(), {}, {}};
     for (size_t i = 0; i < step.arguments.size(); ++i) {
       call.arguments.push_back(valueOf(step.arguments[i], declaration.parameters[i].type));
     }
@@ -168,7 +159,7 @@ std::optional<Chain> Stage::parse(const Example& example) const {
   const std::vector<std::string> words = wordsOf(example.words);
   const auto isStep = [](const std::string& word) { return !host::findMethods(word).empty(); };
   if (std::none_of(words.begin() + 1, words.end(), isStep)) return std::nullopt;
-  return parseChain(words, {}, {});
+  return parseChain(words, {});
 }
 
 void Stage::run(const Chain& chain, Card& card) {
@@ -186,7 +177,6 @@ void Stage::run(const Chain& chain, Card& card) {
   const host::Outcome outcome = call.run();
   addAnswers(declaration, outcome, card);
   if (const auto* picture = std::get_if<host::PictureRef>(&outcome.result); picture && !call.step.assigned) {
-    if (!*picture) throw Failure(nilText(declaration, call.receiver, outcome.arguments));
     addPicture(*picture, before_, card);
     card.isComparable = card.isComparable && isPhoto;
   } else if (call.receiver && !(fromPicture(call.receiver.get()) == before_)) {
@@ -229,25 +219,19 @@ Card Stage::show(const host::Class& type, const Example* example) {
   settings.erase(settings.begin());
   const bool isLook = settings == std::vector<std::string>{material_.lookPath};
   if (isLook) settings.clear();
-  std::vector<std::string> words;
-  if (!isLook) words.push_back(type.name);
-  words.push_back(material_.photoPath);
-  if (isLook) words.push_back(material_.lookPath);
+  std::vector<std::string> words = {material_.photoPath, isLook ? material_.lookPath : type.name};
   words.insert(words.end(), settings.begin(), settings.end());
-  card.zvrLine = shellLine(isLook ? "lut" : "run", words, "out.png");
+  card.zvrLine = shellLine("apply", words, "out.png");
   card.basicLines = {"Dim filter As New " + type.name, "filter.SourcePicture = photo"};
   for (const std::string& setting : settings) card.basicLines.push_back(propertyLine(setting));
   if (isLook)
     card.basicLines.emplace_back("// filter.Table(r, g, b, channel) = …, for r, g and b from 0 to 15");
   card.basicLines.emplace_back("If filter.Run Then photo = filter.DestinationPicture");
   try {
-    Filter filter(type.name);
-    if (isLook) fillTable(filter, loadCube(material_.lookPath));
-    for (const std::string& setting : settings) {
-      const size_t sign = setting.find('=');
-      filter.set(setting.substr(0, sign), setting.substr(sign + 1));
-    }
-    addPicture(filter.run(toPicture(material_.photo)), before_, card);
+    Now now;
+    now.picture = toPicture(material_.photo);
+    now.become(now.prepare(parseChain(words, {}).steps[0]).run().result);
+    addPicture(now.picture, before_, card);
   } catch (const Failure& failure) {
     card.problem = failure.what();
   }

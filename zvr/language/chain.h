@@ -1,28 +1,12 @@
-// The words of `zvr apply`: inputs, and methods one after another with their arguments.
+// The words of `zvr apply`: inputs, and steps one after another with their arguments.
 #pragma once
 
-#include <optional>
 #include <string>
-#include <variant>
 #include <vector>
 
-#include "host/calls.h"
+#include "zvr/language/step.h"
 
 namespace zvr {
-
-// The result of the step before, or the input; written @.
-struct Current {};
-// A file that becomes what the parameter is: a picture, or the bytes of a memory block or string.
-struct ArgumentFile {
-  std::string path;
-};
-using Argument = std::variant<host::Value, Current, ArgumentFile>;
-
-struct Step {
-  const host::Method* method = nullptr;
-  std::vector<Argument> arguments;   // one for each parameter
-  std::optional<Argument> assigned;  // the value of METHOD ... = VALUE
-};
 
 // A memory block by reference that goes to a file.
 struct BlockOutput {
@@ -34,27 +18,26 @@ struct BlockOutput {
 enum class Kind { input, picture, data };
 
 struct Chain {
-  std::vector<std::string> inputs;
+  std::vector<std::string> inputs;  // - is standard input
   std::vector<Step> steps;
   std::vector<BlockOutput> blocks;
   Kind left = Kind::input;  // of what the last step leaves
 };
 
-// Every file that a chain reads: its inputs, and those among the arguments.
+// Every file that a chain reads: its inputs, looks, and those among the arguments.
 std::vector<std::string> filesRead(const Chain& chain);
-// Whether a step is about transparency or masks: then the picture goes through the library as a host has it.
+// Whether a step is about transparency or masks.
 bool concernsTransparency(const Chain& chain);
-// A path as a word among the inputs, which a method's name or a + would end.
+// Whether a word begins a step: a method's or class's name in any case, or a look.
+bool beginsStep(const std::string& word);
+// A path as a word among the inputs, which a step or a + would end.
 std::string inputWord(const std::string& path);
 
-// Whether arguments of this type are files.
-bool isFileType(host::Type type);
-
-// Reads the words. The first word that names a registered method, in any case, ends the inputs; + stands
-// between steps. Parameters by reference take no word, nor do those that `ins` (words NAME=PATH) names;
-// `outs` names the blocks by reference that go to files. Of overloads the first, in registered order, whose
-// number and types fit is taken. Throws UsageError with what is expected.
-Chain parseChain(const std::vector<std::string>& words, const std::vector<std::string>& ins,
-                 const std::vector<std::string>& outs);
+// Reads the words. The first that begins a step ends the inputs; + stands between steps. A word NAME=VALUE
+// gives the argument of that name, or a class's property; others fill the rest in order, but for parameters
+// by reference. `outs` (words NAME=PATH) name the blocks by reference that go to files. Of overloads the
+// first, in registered order, whose number and types fit is taken. Looks are read. Throws UsageError with
+// what is expected, and Failure for a look.
+Chain parseChain(const std::vector<std::string>& words, const std::vector<std::string>& outs);
 
 }  // namespace zvr

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "zvr/files/files.h"
@@ -22,6 +23,7 @@ std::string writableExtension(const fs::path& input, const std::string& format) 
 
 // The input's name without its extension. That of "...png" would be the folder above.
 std::string nameOf(const fs::path& input) {
+  if (input == kStandardStream) return "stdin";
   const std::string stem = input.stem();
   return stem == "." || stem == ".." ? input.filename() : input.stem();
 }
@@ -42,8 +44,12 @@ std::string filled(const std::string& option, const std::string& pattern, const 
       result += extension;
     } else if (field == "{n}") {
       result += std::to_string(number);
+    } else if (field.size() == 6 && field.compare(0, 4, "{n:0") == 0 && field[4] >= '1' && field[4] <= '9') {
+      const std::string digits = std::to_string(number);
+      const auto width = static_cast<size_t>(field[4] - '0');
+      result += std::string(width - std::min(width, digits.size()), '0') + digits;
     } else {
-      throw UsageError(option + ": " + field + " is unknown (known are {name}, {ext} and {n})");
+      throw UsageError(option + ": " + field + " is unknown (known are {name}, {ext}, {n} and {n:03})");
     }
     i = end;
   }
@@ -59,11 +65,13 @@ bool isFolder(const std::string& path) {
 
 OutputPlan::OutputPlan(const std::vector<std::string>& reads, const PictureOptions& options)
     : options_(options) {
-  for (const std::string& path : reads) reads_.emplace(fileIdentity(path), path);
+  for (const std::string& path : reads) {
+    if (path != kStandardStream) reads_.emplace(fileIdentity(path), path);
+  }
 }
 
 void OutputPlan::claim(const std::string& output, const std::string& option, const std::string& input) {
-  const std::string identity = fileIdentity(output);
+  const std::string identity = output == kStandardStream ? output : fileIdentity(output);
   const auto read = reads_.find(identity);
   const bool isOwn = options_.isInPlace && identity == fileIdentity(input);
   if (read != reads_.end() && !isOwn) {
@@ -90,6 +98,11 @@ std::vector<std::string> OutputPlan::add(Content content, const std::vector<std:
     const std::string& format = options_.writing.format;
     const std::string extension = isPicture ? writableExtension(input, format) : "bin";
     const bool replaces = pattern.empty() && isPicture && options_.isInPlace;
+    if (pattern == kStandardStream || (pattern.empty() && given == kStandardStream)) {
+      claim(kStandardStream, option, given);
+      outputs.emplace_back(kStandardStream);
+      continue;
+    }
     fs::path output = pattern.empty()
                           ? input.parent_path()
                           : fs::path(filled(option, pattern, input, extension, outputs.size() + 1));
@@ -105,7 +118,8 @@ std::vector<std::string> OutputPlan::add(Content content, const std::vector<std:
   return outputs;
 }
 
-void addWriting(CLI::App& command, Writing& writing) {
+void addPictureOptions(CLI::App& command, PictureOptions& options) {
+  Writing& writing = options.writing;
   command
       .add_option_function<std::string>(
           "--format",
@@ -114,7 +128,7 @@ void addWriting(CLI::App& command, Writing& writing) {
             if (writing.format.empty())
               throw UsageError("--format: '" + word + "' is not a format that zvr writes");
           },
-          "png, jpeg, tiff, bmp or webp; else by the extension")
+          "png, jpeg, tiff, bmp or webp; else by the extension, png to standard output")
       ->type_name("FORMAT");
   command.add_option("--quality", writing.quality, "Quality of written JPEG and WebP files")
       ->type_name("1...100")
@@ -129,10 +143,6 @@ void addWriting(CLI::App& command, Writing& writing) {
       ->type_name("0...9")
       ->check(CLI::Range(0, 9).description(""))
       ->capture_default_str();
-}
-
-void addPictureOptions(CLI::App& command, PictureOptions& options) {
-  addWriting(command, options.writing);
   const std::map<std::string, Alpha> ways = {
       {"keep", Alpha::keep}, {"drop", Alpha::drop}, {"premultiplied", Alpha::premultiplied}};
   command
@@ -146,24 +156,6 @@ void addPictureOptions(CLI::App& command, PictureOptions& options) {
       "--no-autorotate", [&options] { options.upright = false; },
       "Leave pictures turned as they lie in the file");
   command.add_flag("--in-place", options.isInPlace, "Write a result over its input");
-}
-
-std::vector<std::string> OutputPlan::pictures(const std::vector<std::string>& inputs,
-                                              const std::string& option, const std::string& pattern,
-                                              const std::string& label) {
-  return add(Content::picture, inputs, option, pattern, label);
-}
-
-std::vector<std::string> OutputPlan::data(const std::vector<std::string>& inputs, const std::string& option,
-                                          const std::string& pattern, const std::string& label) {
-  return add(Content::data, inputs, option, pattern, label);
-}
-
-std::string planOutput(const std::string& input, const std::string& pattern, const std::string& label,
-                       const PictureOptions& options, const std::vector<std::string>& others) {
-  std::vector<std::string> reads = others;
-  reads.push_back(input);
-  return OutputPlan(reads, options).pictures({input}, "-o", pattern, label)[0];
 }
 
 }  // namespace zvr

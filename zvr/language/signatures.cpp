@@ -113,13 +113,13 @@ std::string signatureText(const host::Declaration& declaration) {
 std::string valueText(const host::Value& value) { return std::visit(ToText{}, value); }
 
 std::string nearestText(const std::string& name) {
-  std::string text;
-  const std::vector<std::string> names = host::nearestNames(name);
-  for (size_t i = 0; i < names.size(); ++i) {
-    text += i == 0 ? "; did you mean " : i + 1 < names.size() ? ", " : " or ";
-    text += names[i];
+  std::vector<std::string> names;
+  for (const auto* methods : {&host::members().globals, &host::members().pictureMethods}) {
+    for (const host::Method& method : *methods) names.push_back(method.declaration.name);
   }
-  return text.empty() ? "; `zvr list` shows every method" : text + "?";
+  for (const host::Class& type : host::members().classes) names.push_back(type.name);
+  const std::string text = terminal::didYouMean(name, names);
+  return text.empty() ? "; `zvr list` shows every method" : text;
 }
 
 std::vector<std::string> methodLines(const std::vector<const host::Method*>& methods) {

@@ -1,65 +1,27 @@
 #include "zvr/language/walk.h"
 
-#include <algorithm>
-
-#include "zvr/language/causes.h"
-#include "zvr/language/signatures.h"
-#include "zvr/terminal/failures.h"
-#include "zvr/terminal/terminal.h"
-
 namespace zvr {
 
-Walk::Walk(const std::string& input, std::string label, const PictureOptions& options, bool asOnHost)
-    : input_(input),
-      label_(std::move(label)),
-      data_(readBytes(input)),
-      options_(options),
-      asOnHost_(asOnHost) {}
-
-std::map<size_t, Bytes> Walk::take(const Step& step, const std::vector<size_t>& kept) {
-  const host::Method& method = *step.method;
-  const host::Declaration& declaration = method.declaration;
-  const host::PictureRef receiver = host::takesReceiver(method) ? currentPicture() : host::PictureRef();
+host::Outcome Walk::take(const Step& step) {
+  const host::PictureRef receiver = step.takesReceiver() ? currentPicture() : host::PictureRef();
   std::vector<host::Value> arguments;
   for (size_t i = 0; i < step.arguments.size(); ++i) {
-    arguments.push_back(valueOf(step.arguments[i], declaration.parameters[i].type));
+    arguments.push_back(valueOf(step.arguments[i], step.declaration.parameters[i].type));
   }
-  host::Outcome outcome = step.assigned ? host::assign(method, receiver.get(), std::move(arguments),
-                                                       valueOf(*step.assigned, declaration.result))
-                                        : host::call(method, receiver.get(), std::move(arguments));
-  if (outcome.exception) {
-    throw Failure(declaration.name + ": " + outcome.exception->className + ": " + outcome.exception->message);
-  }
-  if (!step.assigned) become(declaration, receiver, outcome);
-  return report(declaration, outcome.arguments, kept);
-}
-
-std::map<size_t, Bytes> Walk::report(const host::Declaration& declaration,
-                                     const std::vector<host::Value>& arguments,
-                                     const std::vector<size_t>& kept) const {
-  std::map<size_t, Bytes> blocks;
-  for (size_t i = 0; i < arguments.size(); ++i) {
-    const host::Parameter& parameter = declaration.parameters[i];
-    if (!parameter.byRef) continue;
-    if (std::find(kept.begin(), kept.end(), i) == kept.end()) {
-      print(parameter.name, arguments[i]);
-      continue;
-    }
-    blocks[i] = bytesOf(arguments[i]);
-    if (blocks[i].empty()) throw Failure(declaration.name + " left no bytes in " + parameter.name);
-  }
-  return blocks;
-}
-
-bool Walk::hasResult() const {
-  return hasAnswered_ || (picture_ && fingerprintOf(picture_.get()) != before_);
+  const host::Value assigned =
+      step.assigned ? valueOf(*step.assigned, step.declaration.result) : host::Value{};
+  const bool mayChange = receiver && !step.makesCurrent();
+  const size_t before = mayChange ? fingerprintOf(receiver.get()) : 0;
+  host::Outcome outcome = callStep(step, receiver, std::move(arguments), assigned);
+  hasResult_ = step.makesCurrent() || (mayChange && fingerprintOf(receiver.get()) != before);
+  if (step.makesCurrent()) become(outcome.result);
+  return outcome;
 }
 
 host::PictureRef Walk::currentPicture() {
   if (!picture_) {
-    original_ = Original(input_, data_, options_, asOnHost_);
+    original_ = Original(path_, data_, options_, asOnHost_);
     picture_ = original_.takePicture();
-    before_ = fingerprintOf(picture_.get());
     data_ = {};  // no step takes it as bytes any more
   }
   return picture_;
@@ -75,27 +37,13 @@ host::Value Walk::valueOf(const Argument& argument, host::Type type) {
   return std::get<host::Value>(argument);
 }
 
-// Pictures and strings become @; everything else is printed.
-void Walk::become(const host::Declaration& declaration, const host::PictureRef& receiver,
-                  const host::Outcome& outcome) {
-  const auto* picture = std::get_if<host::PictureRef>(&outcome.result);
-  const auto* string = std::get_if<host::StringRef>(&outcome.result);
-  if (!picture && !string) {
-    if (declaration.result != host::Type::none) print(declaration.name, outcome.result);
-    return;
-  }
-  if (picture ? !*picture : !*string) throw Failure(nilText(declaration, receiver, outcome.arguments));
-  hasAnswered_ = true;
-  if (picture) {
+void Walk::become(const host::Value& result) {
+  if (const auto* picture = std::get_if<host::PictureRef>(&result)) {
     picture_ = *picture;
   } else {
-    const std::string bytes = host::stringBytes(string->get());
+    const std::string bytes = host::stringBytes(std::get<host::StringRef>(result).get());
     data_.assign(bytes.begin(), bytes.end());
   }
-}
-
-void Walk::print(const std::string& name, const host::Value& value) const {
-  terminal::print(terminal::escaped(label_ + name + " = " + valueText(value)));
 }
 
 }  // namespace zvr

@@ -1,7 +1,6 @@
 // One input on its way through a chain.
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -13,16 +12,15 @@ namespace zvr {
 
 class Walk {
  public:
-  // `label` begins every line that is printed. `asOnHost` as for Original. Throws Failure for an input that
-  // can't be read.
-  Walk(const std::string& input, std::string label, const PictureOptions& options, bool asOnHost);
+  // `data` are the input's bytes, `path` is for messages. `asOnHost` as for Original.
+  Walk(std::string path, Bytes data, const PictureOptions& options, bool asOnHost)
+      : path_(std::move(path)), data_(std::move(data)), options_(options), asOnHost_(asOnHost) {}
 
-  // Calls the method and prints its answer, except pictures and strings, and the arguments by
-  // reference. Blocks whose parameter index is in `kept` are handed back instead. Throws Failure.
-  std::map<size_t, Bytes> take(const Step& step, const std::vector<size_t>& kept);
+  // Takes one step; its result becomes @ where it is a picture or string. Throws Failure.
+  host::Outcome take(const Step& step);
 
-  // Whether a step has answered a picture or string, or changed the picture in place.
-  bool hasResult() const;
+  // Whether the last step answered a picture or string, or changed the picture in place.
+  bool hasResult() const { return hasResult_; }
   // The picture, with what the input adds to it.
   Image picture() const { return original_.finished(fromPicture(picture_.get())); }
   const Bytes& data() const { return data_; }
@@ -30,21 +28,14 @@ class Walk {
  private:
   host::PictureRef currentPicture();
   host::Value valueOf(const Argument& argument, host::Type type);
-  std::map<size_t, Bytes> report(const host::Declaration& declaration,
-                                 const std::vector<host::Value>& arguments,
-                                 const std::vector<size_t>& kept) const;
-  void become(const host::Declaration& declaration, const host::PictureRef& receiver,
-              const host::Outcome& outcome);
-  void print(const std::string& name, const host::Value& value) const;
+  void become(const host::Value& result);
 
-  std::string input_, label_;
+  std::string path_;
   Bytes data_;  // of the input until a step takes it as a picture, then of the string that a step answered
   host::PictureRef picture_;
   PictureOptions options_;
-  bool asOnHost_;
+  bool asOnHost_, hasResult_ = false;
   Original original_;  // the input, once it was taken as a picture
-  size_t before_ = 0;  // its fingerprint
-  bool hasAnswered_ = false;
 };
 
 }  // namespace zvr

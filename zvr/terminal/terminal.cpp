@@ -6,10 +6,12 @@
 #include <cstdlib>
 #include <set>
 
+#include "host/declarations.h"
+
 namespace zvr::terminal {
 namespace {
 
-bool isColorOn = false, isErrorColorOn = false, isBarShown = false;
+bool isColorOn = false, isErrorColorOn = false, isBarShown = false, isQuiet = false;
 
 const char* codeOf(Style style) {
   switch (style) {
@@ -38,6 +40,12 @@ std::string paint(bool isOn, Style style, const std::string& text) {
 void clearBar() {
   if (isBarShown) std::fputs("\r\x1b[K", stderr);
   isBarShown = false;
+}
+
+void printTo(std::FILE* stream, const std::string& line) {
+  clearBar();
+  std::fwrite(line.data(), 1, line.size(), stream);
+  std::fputc('\n', stream);
 }
 
 // Bytes of the UTF-8 character that begins at a place; 0 for a control character and for what is no UTF-8.
@@ -84,13 +92,25 @@ std::string escaped(const std::string& text) {
   return shown;
 }
 
-void print(const std::string& line) {
-  clearBar();
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
+std::string didYouMean(const std::string& typed, const std::vector<std::string>& names) {
+  std::string text;
+  const std::vector<std::string> near = host::nearestNames(typed, names);
+  for (size_t i = 0; i < near.size(); ++i) {
+    text += i == 0 ? "; did you mean " : i + 1 < near.size() ? ", " : " or ";
+    text += near[i];
+  }
+  return text.empty() ? text : text + "?";
 }
 
-void printWritten(const std::string& path) { print("wrote " + escaped(path)); }
+void setQuiet() { isQuiet = true; }
+
+void print(const std::string& line) { printTo(stdout, line); }
+
+void printAside(const std::string& line) { printTo(stderr, line); }
+
+void printWritten(const std::string& path) {
+  if (!isQuiet && path != "-") printAside("wrote " + escaped(path));
+}
 
 void complain(const std::string& problem, const std::vector<std::string>& further) {
   std::fflush(stdout);
@@ -102,7 +122,7 @@ void complain(const std::string& problem, const std::vector<std::string>& furthe
 
 void note(const std::string& text) {
   static std::set<std::string> told;
-  if (told.insert(text).second) complain("note: " + text);
+  if (!isQuiet && told.insert(text).second) complain("note: " + text);
 }
 
 Progress::Progress(size_t total) : total_(total) { draw(); }
@@ -115,7 +135,7 @@ void Progress::advance() {
 }
 
 void Progress::draw() const {
-  if (total_ < 2 || !isatty(STDERR_FILENO)) return;
+  if (isQuiet || total_ < 2 || !isatty(STDERR_FILENO)) return;
   std::fflush(stdout);
   constexpr size_t kWidth = 30;
   const size_t filled = kWidth * done_ / total_;

@@ -18,9 +18,16 @@ std::string styled(Style style, const std::string& text);
 // \x1B and the like, so that they do nothing to a terminal.
 std::string escaped(const std::string& text);
 
+// "; did you mean photo.png or phone.png?": the names that are near a mistyped one; empty when none is.
+std::string didYouMean(const std::string& typed, const std::vector<std::string>& names);
+
+// From now on notes, what was written and progress are left unsaid.
+void setQuiet();
 // One line to standard output, as it is. A progress bar makes room.
 void print(const std::string& line);
-// "wrote PATH".
+// The same to standard error.
+void printAside(const std::string& line);
+// "wrote PATH" to standard error; nothing for -, standard output.
 void printWritten(const std::string& path);
 // A line to standard error with "zvr: " before it, and further lines; escaped.
 void complain(const std::string& problem, const std::vector<std::string>& further = {});

@@ -1,0 +1,185 @@
+#include "zvr/language/step.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <new>
+
+#include "zvr/files/cube.h"
+#include "zvr/language/arguments.h"
+#include "zvr/language/causes.h"
+#include "zvr/language/signatures.h"
+#include "zvr/terminal/failures.h"
+
+namespace zvr {
+namespace {
+
+using host::Type;
+
+constexpr const char *kSource = "SourcePicture", *kDestination = "DestinationPicture", *kRun = "Run",
+                     *kTable = "Table";
+constexpr int64_t kTableSide = 16;  // entries along an axis of the table that the class uses
+constexpr double kFull = 255;
+
+bool isFixed(const host::Property& property) {
+  return host::equalNames(property.name, kSource) || host::equalNames(property.name, kDestination);
+}
+
+// Null for a class that lacks it.
+const host::Method* findMethod(const host::Class& type, const char* name) {
+  for (const host::Method& method : type.methods) {
+    if (host::equalNames(method.declaration.name, name)) return &method;
+  }
+  return nullptr;
+}
+
+bool filtersPictures(const host::Class& type) {
+  return findMethod(type, kRun) &&
+         std::count_if(type.properties.begin(), type.properties.end(), isFixed) == 2;
+}
+
+Step classStep(const host::Class& type) {
+  Step step;
+  step.name = step.declaration.name = type.name;
+  step.declaration.result = Type::picture;
+  step.type = &type;
+  for (const host::Property& property : type.properties) {
+    if (isFixed(property)) continue;
+    host::Parameter parameter;
+    parameter.name = property.name;
+    parameter.type = host::parseDeclaration(property.name + " as " + property.type).result;
+    parameter.hasDefault = true;
+    step.declaration.parameters.push_back(parameter);
+  }
+  return step;
+}
+
+// ---- Looks ----
+
+// Three curves, which TransformColorsZVR applies exactly, in the order red, blue, green.
+std::vector<Argument> curvesOf(const Cube& cube) {
+  std::array<Bytes, 3> curves;
+  for (int value = 0; value <= kFull; ++value) {
+    const double input = value / kFull;
+    const Cube::Color color = cube.at({input, input, input});
+    for (size_t x = 0; x < 3; ++x) {
+      curves[x].push_back(static_cast<uint8_t>(std::lround(std::clamp(color[x], 0.0, 1.0) * kFull)));
+    }
+  }
+  const auto block = [&](size_t x) { return valueOfBytes(curves[x], Type::memoryBlock); };
+  return {block(0), block(2), block(1), host::Value{}};
+}
+
+std::vector<double> tableOf(const Cube& cube) {
+  constexpr double kLast = kTableSide - 1;
+  constexpr double kHalf = 0.5;  // the class truncates: with it, results are rounded
+  std::vector<double> table;
+  for (int r = 0; r < kTableSide; ++r) {
+    for (int g = 0; g < kTableSide; ++g) {
+      for (int b = 0; b < kTableSide; ++b) {
+        for (const double channel : cube.at({r / kLast, g / kLast, b / kLast}))
+          table.push_back(channel * kFull + kHalf);
+      }
+    }
+  }
+  return table;
+}
+
+// ---- Calls ----
+
+host::Outcome checked(const std::string& name, host::Outcome outcome) {
+  if (!outcome.exception) return outcome;
+  throw Failure(name + ": " + outcome.exception->className + ": " + outcome.exception->message);
+}
+
+void fillTable(const Step& step, REALobjectStruct* instance) {
+  int64_t i = 0;
+  for (const double value : step.table) {
+    const int64_t entry = i / 3, side = kTableSide;
+    host::assign(*findMethod(*step.type, kTable), instance,
+                 {entry / side / side, entry / side % side, entry % side, i++ % 3}, value);
+  }
+}
+
+host::Outcome runFilter(const Step& step, const host::PictureRef& source,
+                        std::vector<host::Value> arguments) {
+  const host::ObjectRef instance = host::newInstance(step.type->name);
+  if (!instance) throw std::bad_alloc();
+  for (size_t i = 0; i < arguments.size(); ++i) {
+    host::setProperty(instance.get(), step.declaration.parameters[i].name, arguments[i]);
+  }
+  fillTable(step, instance.get());
+  host::setProperty(instance.get(), kSource, source);
+  const std::string run = step.type->name + "." + kRun;
+  const host::Outcome outcome = checked(run, host::call(*findMethod(*step.type, kRun), instance.get(), {}));
+  if (const bool* done = std::get_if<bool>(&outcome.result); done && !*done) {
+    throw Failure(run + " answered false for SourcePicture = " + valueText(source) + "." +
+                  manualOnFailure(step.type->name));
+  }
+  return {host::getProperty(instance.get(), kDestination), std::move(arguments), {}};
+}
+
+}  // namespace
+
+bool Step::hasTable() const { return type && findMethod(*type, kTable); }
+
+bool Step::isConsoleSafe() const {
+  return method ? method->consoleSafe() : (type->flags & kFlagConsoleSafe) != 0;
+}
+
+bool Step::concernsTransparency() const {
+  const auto isMaskScrolled = [](const host::Parameter& p) { return host::equalNames(p.name, "scrollmask"); };
+  return name == "EmbeddedMaskZVR" || name == "HasMaskZVR" ||
+         std::any_of(declaration.parameters.begin(), declaration.parameters.end(), isMaskScrolled);
+}
+
+bool Step::makesCurrent() const {
+  return !assigned && (declaration.result == Type::picture || declaration.result == Type::string);
+}
+
+bool isLook(const std::string& word) {
+  return host::equalNames(std::filesystem::path(word).extension().string(), ".cube");
+}
+
+std::vector<Step> stepsNamed(const std::string& word) {
+  std::vector<Step> steps;
+  for (const host::Method* method : host::findMethods(word)) {
+    steps.emplace_back();
+    steps.back().name = method->declaration.name;
+    steps.back().declaration = method->declaration;
+    steps.back().method = method;
+  }
+  for (const host::Class& type : host::members().classes) {
+    if (host::equalNames(type.name, word) && filtersPictures(type)) steps.push_back(classStep(type));
+  }
+  return steps;
+}
+
+Step lookStep(const std::string& path) {
+  const Cube cube = loadCube(path);
+  const bool isCurves = cube.space.size == 0;
+  Step step = stepsNamed(isCurves ? "TransformColorsZVR" : "PictureLut3DZVR").at(0);
+  step.name = std::filesystem::path(path).stem();
+  step.look = path;
+  if (isCurves) {
+    step.arguments = curvesOf(cube);
+  } else {
+    step.declaration.parameters.clear();
+    step.table = tableOf(cube);
+  }
+  return step;
+}
+
+host::Outcome callStep(const Step& step, const host::PictureRef& receiver, std::vector<host::Value> arguments,
+                       const host::Value& assigned) {
+  host::Outcome outcome = step.type ? runFilter(step, receiver, std::move(arguments))
+                          : step.assigned
+                              ? host::assign(*step.method, receiver.get(), std::move(arguments), assigned)
+                              : host::call(*step.method, receiver.get(), std::move(arguments));
+  outcome = checked(step.declaration.name, std::move(outcome));
+  if (step.makesCurrent() && valueText(outcome.result) == "nil")
+    throw Failure(nilText(step.declaration, receiver, outcome.arguments));
+  return outcome;
+}
+
+}  // namespace zvr
