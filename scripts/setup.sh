@@ -6,7 +6,7 @@
 kTreeVersion=4
 kTreePackages=(libgtk2.0-dev libcairo2-dev libgtest-dev libbenchmark-dev libffi-dev libpng-dev
   libgraphicsmagick1-dev libsndfile1-dev libcli11-dev nlohmann-json3-dev libkainjow-mustache-dev libcmark-gfm-dev
-  libcmark-gfm-extensions-dev)
+  libcmark-gfm-extensions-dev libopencolorio-dev)
 # Left out of the tree: the C library and the compiler's run time, which must be those of this machine's
 # own `g++ -m32` because the tree lies on our programs' run path; and packages that only these packages' tools
 # and unused parts need.

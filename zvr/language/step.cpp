@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <new>
 
-#include "zvr/files/cube.h"
+#include "zvr/files/look.h"
 #include "zvr/language/arguments.h"
 #include "zvr/language/causes.h"
 #include "zvr/language/signatures.h"
@@ -57,11 +57,11 @@ Step classStep(const host::Class& type) {
 // ---- Looks ----
 
 // Three curves, which TransformColorsZVR applies exactly, in the order red, blue, green.
-std::vector<Argument> curvesOf(const Cube& cube) {
+std::vector<Argument> curvesOf(const Look& look) {
   std::array<Bytes, 3> curves;
   for (int value = 0; value <= kFull; ++value) {
     const double input = value / kFull;
-    const Cube::Color color = cube.at({input, input, input});
+    const Look::Color color = look.map({input, input, input});
     for (size_t x = 0; x < 3; ++x) {
       curves[x].push_back(static_cast<uint8_t>(std::lround(std::clamp(color[x], 0.0, 1.0) * kFull)));
     }
@@ -70,14 +70,14 @@ std::vector<Argument> curvesOf(const Cube& cube) {
   return {block(0), block(2), block(1), host::Value{}};
 }
 
-std::vector<double> tableOf(const Cube& cube) {
+std::vector<double> tableOf(const Look& look) {
   constexpr double kLast = kTableSide - 1;
-  constexpr double kHalf = 0.5;  // the class truncates: with it, results are rounded
+  constexpr double kHalf = 0.5001;  // the class truncates: with it, results are rounded, and halves always up
   std::vector<double> table;
   for (int r = 0; r < kTableSide; ++r) {
     for (int g = 0; g < kTableSide; ++g) {
       for (int b = 0; b < kTableSide; ++b) {
-        for (const double channel : cube.at({r / kLast, g / kLast, b / kLast}))
+        for (const double channel : look.map({r / kLast, g / kLast, b / kLast}))
           table.push_back(channel * kFull + kHalf);
       }
     }
@@ -156,16 +156,15 @@ std::vector<Step> stepsNamed(const std::string& word) {
 }
 
 Step lookStep(const std::string& path) {
-  const Cube cube = loadCube(path);
-  const bool isCurves = cube.space.size == 0;
-  Step step = stepsNamed(isCurves ? "TransformColorsZVR" : "PictureLut3DZVR").at(0);
+  const Look look = loadLook(path);
+  Step step = stepsNamed(look.isCurves ? "TransformColorsZVR" : "PictureLut3DZVR").at(0);
   step.name = std::filesystem::path(path).stem();
   step.look = path;
-  if (isCurves) {
-    step.arguments = curvesOf(cube);
+  if (look.isCurves) {
+    step.arguments = curvesOf(look);
   } else {
     step.declaration.parameters.clear();
-    step.table = tableOf(cube);
+    step.table = tableOf(look);
   }
   return step;
 }
