@@ -1,10 +1,13 @@
 #include "zvr/terminal/terminal.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
+#include <sstream>
 
 #include "host/declarations.h"
 
@@ -60,6 +63,24 @@ size_t printableLength(const std::string& text, size_t at) {
   return lead == 0xC2 && byte(at + 1) < 0xA0 ? 0 : length;  // U+0080 to U+009F
 }
 
+size_t columnsOf(int file) {
+  constexpr size_t kUsual = 80, kLeast = 40;
+  const char* told = std::getenv("COLUMNS");
+  size_t columns = told ? std::strtoul(told, nullptr, 10) : 0;
+  winsize size{};
+  if (columns == 0 && ioctl(file, TIOCGWINSZ, &size) == 0) columns = size.ws_col;
+  return std::max(columns == 0 ? kUsual : columns, kLeast);
+}
+
+// Messages in a file stay whole, so that one can search for them.
+void printError(const std::string& line, const std::string& indent) {
+  std::vector<std::string> words;
+  std::istringstream text(line);
+  for (std::string word; std::getline(text, word, ' ');) words.push_back(word);
+  const size_t width = isatty(STDERR_FILENO) ? columnsOf(STDERR_FILENO) : line.size();
+  for (const std::string& part : filled(words, width, indent)) std::fprintf(stderr, "%s\n", part.c_str());
+}
+
 std::string duration(double seconds) {
   const auto whole = static_cast<long>(seconds + 0.5);
   if (whole < 60) return std::to_string(whole) + " s";
@@ -102,9 +123,54 @@ std::string didYouMean(const std::string& typed, const std::vector<std::string>&
   return text.empty() ? text : text + "?";
 }
 
+size_t width() { return columnsOf(STDOUT_FILENO); }
+
+std::string withoutStyles(const std::string& text) {
+  std::string plain;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\x1b') {
+      i = std::min(text.find('m', i), text.size());
+    } else {
+      plain += text[i];
+    }
+  }
+  return plain;
+}
+
+size_t widthOf(const std::string& text) {
+  const std::string seen = withoutStyles(text);
+  return static_cast<size_t>(
+      std::count_if(seen.begin(), seen.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+std::vector<std::string> filled(const std::vector<std::string>& words, size_t width,
+                                const std::string& indent) {
+  std::vector<std::string> lines;
+  bool isNew = true;
+  size_t used = 0;
+  for (const std::string& word : words) {
+    const size_t needed = widthOf(word);
+    if (word == "\n") {
+      isNew = true;
+    } else if (isNew || used + 1 + needed > width) {
+      lines.push_back((lines.empty() ? "" : indent) + word);
+      used = widthOf(lines.back());
+      isNew = false;
+    } else {
+      lines.back() += ' ' + word;
+      used += 1 + needed;
+    }
+  }
+  return lines;
+}
+
 void setQuiet() { isQuiet = true; }
 
 void print(const std::string& line) { printTo(stdout, line); }
+
+void printLines(const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) print(line);
+}
 
 void printAside(const std::string& line) { printTo(stderr, line); }
 
@@ -115,9 +181,8 @@ void printWritten(const std::string& path) {
 void complain(const std::string& problem, const std::vector<std::string>& further) {
   std::fflush(stdout);
   clearBar();
-  std::fprintf(stderr, "%s %s\n", paint(isErrorColorOn, Style::error, "zvr:").c_str(),
-               escaped(problem).c_str());
-  for (const std::string& line : further) std::fprintf(stderr, "%s\n", escaped(line).c_str());
+  printError(paint(isErrorColorOn, Style::error, "zvr:") + ' ' + escaped(problem), "     ");
+  for (const std::string& line : further) printError(escaped(line), "    ");
 }
 
 void note(const std::string& text) {
