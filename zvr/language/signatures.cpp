@@ -64,39 +64,32 @@ struct ToText {
   std::string operator()(const host::ObjectRef& object) const { return object ? "Object" : "nil"; }
 };
 
-std::string parameterText(const host::Parameter& parameter) {
-  std::string text = parameter.byRef ? "byref " : "";
-  text += parameter.name + " as " + host::typeName(parameter.type);
-  if (parameter.hasDefault) text += " = " + parameter.defaultText;
-  return text;
-}
-
-// The first parameter stands with the name where the width allows it.
-std::vector<std::string> wordsOf(const host::Declaration& declaration, Style nameStyle, size_t width) {
-  std::vector<std::string> words{styled(nameStyle, declaration.name)};
-  const std::vector<host::Parameter>& parameters = declaration.parameters;
-  if (!parameters.empty()) words[0] += '(';
-  for (size_t i = 0; i < parameters.size(); ++i) {
-    const std::string text = parameterText(parameters[i]) + (i + 1 < parameters.size() ? "," : ")");
-    if (i == 0 && terminal::widthOf(words[0] + text) <= width) {
-      words[0] += text;
-    } else {
-      words.push_back(text);
-    }
+// In a narrow terminal lines end within parameters, too.
+std::string signature(const host::Declaration& declaration, Style nameStyle, size_t width) {
+  constexpr size_t kNarrow = 70;
+  std::string text, separator = "(";
+  for (const host::Parameter& parameter : declaration.parameters) {
+    if (text.empty() && declaration.name.size() + 1 + parameter.name.size() > width) separator = "( ";
+    std::string own = (parameter.byRef ? "byref " : "") + parameter.name + " as " + host::typeName(parameter.type) +
+                      (parameter.hasDefault ? " = " + parameter.defaultText : "");
+    if (width >= kNarrow) std::replace(own.begin(), own.end(), ' ', terminal::kHardSpace);
+    text += separator + own;
+    separator = ", ";
   }
-  if (declaration.result != host::Type::none) words.push_back("as " + host::typeName(declaration.result));
-  return words;
+  if (!text.empty()) text += ')';
+  if (declaration.result != host::Type::none) text += " as " + host::typeName(declaration.result);
+  return styled(nameStyle, declaration.name) + text;
 }
 
 }  // namespace
 
 std::vector<std::string> signatureLines(const host::Declaration& declaration, size_t width) {
-  return terminal::filled(wordsOf(declaration, Style::name, width), width, "  ");
+  return terminal::filled(signature(declaration, Style::name, width), width, "  ");
 }
 
 std::string signatureText(const host::Declaration& declaration) {
   constexpr size_t kAny = std::string::npos;
-  return terminal::filled(wordsOf(declaration, Style::plain, kAny), kAny)[0];
+  return terminal::filled(signature(declaration, Style::plain, kAny), kAny)[0];
 }
 
 std::string classTitle(const host::Class& type) {

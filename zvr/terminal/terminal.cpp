@@ -16,28 +16,12 @@ namespace {
 
 bool isColorOn = false, isErrorColorOn = false, isBarShown = false, isQuiet = false;
 
-const char* codeOf(Style style) {
-  switch (style) {
-    case Style::plain:
-      return "";
-    case Style::heading:
-      return "\x1b[1;4m";
-    case Style::name:
-      return "\x1b[1m";
-    case Style::type:
-      return "\x1b[36m";
-    case Style::good:
-      return "\x1b[32m";
-    case Style::faint:
-      return "\x1b[2m";
-    case Style::error:
-      return "\x1b[31m";
-  }
-  return "";
-}
+constexpr const char* kPlain = "\x1b[0m";
+// By Style.
+constexpr const char* kCodes[] = {"", "\x1b[1;4m", "\x1b[1m", "\x1b[36m", "\x1b[32m", "\x1b[2m", "\x1b[31m"};
 
 std::string paint(bool isOn, Style style, const std::string& text) {
-  return isOn && style != Style::plain && !text.empty() ? codeOf(style) + text + "\x1b[0m" : text;
+  return isOn && style != Style::plain && !text.empty() ? kCodes[static_cast<size_t>(style)] + text + kPlain : text;
 }
 
 void clearBar() {
@@ -74,11 +58,8 @@ size_t columnsOf(int file) {
 
 // Messages in a file stay whole, so that one can search for them.
 void printError(const std::string& line, const std::string& indent) {
-  std::vector<std::string> words;
-  std::istringstream text(line);
-  for (std::string word; std::getline(text, word, ' ');) words.push_back(word);
-  const size_t width = isatty(STDERR_FILENO) ? columnsOf(STDERR_FILENO) : line.size();
-  for (const std::string& part : filled(words, width, indent)) std::fprintf(stderr, "%s\n", part.c_str());
+  const size_t width = isatty(STDERR_FILENO) ? columnsOf(STDERR_FILENO) : std::string::npos;
+  for (const std::string& part : filled(line, width, indent)) std::fprintf(stderr, "%s\n", part.c_str());
 }
 
 std::string duration(double seconds) {
@@ -143,23 +124,33 @@ size_t widthOf(const std::string& text) {
       std::count_if(seen.begin(), seen.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
 
-std::vector<std::string> filled(const std::vector<std::string>& words, size_t width,
-                                const std::string& indent) {
+std::vector<std::string> split(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream stream(text);
+  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+  return parts;
+}
+
+std::vector<std::string> filled(const std::string& text, size_t width, const std::string& indent) {
   std::vector<std::string> lines;
-  bool isNew = true;
   size_t used = 0;
-  for (const std::string& word : words) {
-    const size_t needed = widthOf(word);
-    if (word == "\n") {
-      isNew = true;
-    } else if (isNew || used + 1 + needed > width) {
-      lines.push_back((lines.empty() ? "" : indent) + word);
-      used = widthOf(lines.back());
-      isNew = false;
-    } else {
+  std::string style;  // that a line leaves to the next
+  for (const std::string& word : split(text, ' ')) {
+    const size_t needed = widthOf(word), code = word.rfind('\x1b');
+    if (!lines.empty() && used + 1 + needed <= width) {
       lines.back() += ' ' + word;
       used += 1 + needed;
+    } else {
+      if (!style.empty()) lines.back() += kPlain;
+      lines.push_back((lines.empty() ? "" : indent) + style + word);
+      used = widthOf(lines.back());
     }
+    if (code != std::string::npos) style = word.substr(code, word.find('m', code) + 1 - code);
+    if (style == kPlain) style.clear();
+  }
+  for (std::string& line : lines) {
+    line.erase(line.find_last_not_of(' ') + 1);
+    std::replace(line.begin(), line.end(), kHardSpace, ' ');
   }
   return lines;
 }

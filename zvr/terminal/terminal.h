@@ -26,10 +26,11 @@ size_t width();
 // Text without its colour codes, and the characters of UTF-8 text that are seen of it.
 std::string withoutStyles(const std::string& text);
 size_t widthOf(const std::string& text);
-// Styled words in lines of at most `width` characters; a longer word has a line of its own, and the word "\n"
-// ends one. All lines but the first begin with the indent.
-std::vector<std::string> filled(const std::vector<std::string>& words, size_t width,
-                                const std::string& indent = "");
+std::vector<std::string> split(const std::string& text, char separator);
+// Styled text in lines of at most `width` characters, those after the first with the indent; broken at spaces,
+// and where it has kHardSpace, a space that isn't.
+constexpr char kHardSpace = '\x1F';
+std::vector<std::string> filled(const std::string& text, size_t width, const std::string& indent = "");
 
 // From now on notes, what was written and progress are left unsaid.
 void setQuiet();
