@@ -12,6 +12,7 @@ if(ZVR_BUILD_HOST)
   install(TARGETS zvr RUNTIME DESTINATION bin)
   install(CODE "file(RPATH_REMOVE FILE \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/bin/zvr\")")
   install(FILES zvr/commands/completion.bash DESTINATION share/bash-completion/completions RENAME zvr)
+  install(FILES zvr/commands/completion.zsh DESTINATION share/zsh/vendor-completions RENAME _zvr)
 
   set(documents "${CMAKE_BINARY_DIR}/documents")
   file(READ LICENSE copyright)

@@ -34,7 +34,7 @@ Outcome call(const Method& method, REALobjectStruct* receiver, std::vector<Value
 Outcome assign(const Method& method, REALobjectStruct* receiver, std::vector<Value> arguments, Value value);
 
 // Converts a word of a command line to a value: integers (also &hFF), doubles ("0.2", "inf", "nan"; never by
-// locale), booleans (true/false/yes/no/1/0), colours (&cRRGGBB, #rrggbb, CSS names), nil. Throws
+// locale), booleans (true/false/yes/no/1/0), colours (&cRRGGBB, #rrggbb, #rgb, CSS names), nil. Throws
 // std::invalid_argument that names the parameter, what was given and what is expected.
 Value parseValue(const Parameter& parameter, const std::string& word);
 

@@ -67,8 +67,12 @@ std::optional<Color> color(std::string_view word) {
     const auto named = namedColor(word);
     return named ? std::optional(Color{*named}) : std::nullopt;
   }
-  if (word.size() != prefix + 6 || word[prefix] == '-') return std::nullopt;
-  const auto rgb = wholeNumber(word.substr(prefix), 16);
+  std::string digits(word.substr(prefix));
+  if (digits.size() == 3 && prefix == 1) {  // #rgb
+    digits = {digits[0], digits[0], digits[1], digits[1], digits[2], digits[2]};
+  }
+  if (digits.size() != 6 || digits[0] == '-') return std::nullopt;
+  const auto rgb = wholeNumber(digits, 16);
   if (!rgb) return std::nullopt;
   return Color{static_cast<RBColor>(*rgb)};
 }
@@ -95,8 +99,9 @@ Value parseValue(const Parameter& parameter, const std::string& word) {
     case Type::boolean:
       return valueOr(boolean(word), parameter, word, "a Boolean (true or false)");
     case Type::color:
-      return valueOr(color(word), parameter, word,
-                     "a Color ('&cRRGGBB', '#rrggbb' or a CSS name such as teal; quote & and # in a shell)");
+      return valueOr(
+          color(word), parameter, word,
+          "a Color ('&cRRGGBB', '#rrggbb', '#rgb' or a CSS name such as teal; quote & and # in a shell)");
     case Type::string:
       return newString(word);
     case Type::picture:

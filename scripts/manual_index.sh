@@ -19,20 +19,24 @@ awk '
   pass == "members" && /"(globalMethods|pictureMethods|classes)"/ {
     on = /global/ ? "global" : /picture/ ? "Picture" : ""
   }
-  pass == "members" && on != "" && /"declaration"/ {
-    split($0, quoted, "\"")
-    name = quoted[4]
-    result = match($0, /"result": "[^"]*"/) ? substr($0, RSTART + 11, RLENGTH - 12) : "by reference"
+  pass == "members" { split($0, quoted, "\"") }
+  quoted[2] == "name" { named = quoted[4] }
+  quoted[2] == "declaration" { name = named }
+  quoted[2] == "result" { result = quoted[4] == "" ? "by reference" : quoted[4] }
+  quoted[2] == "consoleSafe" { safe = (/true/ ? "yes" : "no") }
+  quoted[2] == "consoleSafe" && on != "" {
     ++forms[name]
     before[name] = on
-    after[name] = result " | " (/"consoleSafe": true/ ? "yes" : "no")
+    after[name] = result " | " safe
   }
-  pass == "members" && /"properties": \[$/ {
-    split($0, quoted, "\"")
-    forms[quoted[4]] = "class"
-    after[quoted[4]] = (/"consoleSafe": true/ ? "yes" : "no")
+  quoted[2] == "properties" {
+    forms[named] = "class"
+    after[named] = safe
   }
-  pass == "sections" && FNR == 1 { page = FILENAME }
+  pass == "sections" && FNR == 1 {
+    page = FILENAME
+    delete quoted
+  }
   pass == "sections" && /^##? / { name = $2 }
   pass == "sections" && /^<!-- index .* -->$/ && name in forms {
     names[++count] = name

@@ -23,7 +23,7 @@ checkPage() {
   [[ $(wc -c < page.html) -le 3000000 ]] || complain 'the page is too large'
 
   # Everything that is registered, each method with a line that runs it; every result that is a picture.
-  zvr list --json | sed '/"classes"/,$d' | awk -F'"' '$6 == "declaration" { print $8 }' > wanted
+  zvr list --json | sed '/"classes"/,$d' | awk -F'"' '$2 == "declaration" { print $4 }' > wanted
   printf '%s\n' 'Class PictureSepiaZVR' 'Class PictureLut3DZVR' 'count = 1050' >> wanted
   [[ $(wc -l < lines) -eq $(grep -c '^<article' tags) ]] || complain 'a card without a line for zvr'
   [[ $(grep -c 'data:image/[a-z]*;base64,[^")]' tags) -gt $(grep -c 'out\.png' lines) ]] || complain 'a picture is missing'

@@ -12,10 +12,16 @@ pages=("$root/README.md" "$manual/README.md" "$manual/zvr.md" "${sections[@]}")
 
 registered() {
   zvr list --json | awk -F'"' '
-    { safe = ", console-safe " (/"consoleSafe": true/ ? "yes" : "no") }
-    $2 == "name" && $6 == "consoleSafe" { class = $4 " " }
-    $2 == "name" && $6 == "declaration" { print class $4 ": " $8 safe }
-    $2 == "name" && $6 == "type" { print class "Properties: " $4 " as " $8 safe }
+    $2 == "name" { name = $4; type = "" }
+    $2 == "type" { type = $4 }
+    $2 == "declaration" { section = class name; declaration = $4 }
+    $2 == "consoleSafe" {
+      safe = ", console-safe " (/true/ ? "yes" : "no")
+      if (declaration != "") print section ": " declaration safe
+      else if (type != "") print class "Properties: " name " as " type safe
+      else class = name " "
+      declaration = ""
+    }
   '
 }
 

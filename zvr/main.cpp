@@ -7,7 +7,8 @@
 #include <sstream>
 
 #include "zvr/commands/commands.h"
-#include "zvr/commands/self.h"
+#include "zvr/commands/completion.h"
+#include "zvr/commands/help.h"
 #include "zvr/language/command_line.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
@@ -16,28 +17,46 @@ namespace zvr {
 namespace {
 
 void addOptions(CLI::App& program, Options& options) {
-  program
-      .add_option("--host", options.host,
-                  "The host that is played: cairo, gdk or console; without it cairo, or console where there "
-                  "is no cairo")
-      ->check(CLI::IsMember({"cairo", "gdk", "console"}));
-  program.add_option("--host-version", options.hostVersion, "Its version, or none for one that reports none")
-      ->capture_default_str();
-  program.add_option("--plugin", options.plugin,
-                     "The plug-in; without it libpicturezvr.so beside zvr, then in ../" ZVR_PLUGIN_FOLDER);
-  program.add_option("--color", options.color, "auto, always or never; auto heeds NO_COLOR")
+  program.set_version_flag("-V,--version", "zvr " ZVR_VERSION, "The version");
+  program.add_option("--color", options.color, "Colours; auto: on a terminal, unless NO_COLOR is set")
       ->check(CLI::IsMember({"auto", "always", "never"}))
       ->capture_default_str();
-  program.add_flag("--ledger", options.ledger, "At the end, say on standard error what is still held");
+  program
+      .add_option("--host", options.host, "Its kind; without it cairo, or console where there is no cairo")
+      ->check(CLI::IsMember({"cairo", "gdk", "console"}))
+      ->group(kHostOptions);
+  program.add_option("--host-version", options.hostVersion, "Its version, or none for one that reports none")
+      ->type_name("VERSION")
+      ->capture_default_str()
+      ->group(kHostOptions);
+  program
+      .add_option("--plugin", options.plugin,
+                  "The plug-in; without it the one beside zvr, or the installed one")
+      ->type_name("FILE")
+      ->group(kHostOptions);
+  program.add_flag("--ledger", options.ledger, "Say at the end what of its objects is still held")
+      ->group(kHostOptions);
 }
 
-// The help of a subcommand lists its own options only.
-void mentionSharedOptions(CLI::App& program) {
-  for (CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
-    command->footer(command->get_footer() +
-                    "\nOptions of every subcommand (--host, --host-version, --plugin, --color, --ledger):\n"
-                    "`zvr --help`\n");
-  }
+// `zvr help` and `zvr version`.
+void addAnswers(CLI::App& program, const Options& options, Run& run) {
+  CLI::App* help = program.add_subcommand("help", "Explain a command, or what zvr show explains");
+  const auto topic = std::make_shared<std::string>();
+  help->add_option("NAME", *topic, "Of a command, a method, a class or a topic");
+  help->callback([&, topic] {
+    run = [&, topic] {
+      const CLI::App* command = topic->empty() ? &program : findCommand(program, *topic);
+      if (!command) return show(options, *topic);
+      std::fputs(command->help().c_str(), stdout);
+      return kDone;
+    };
+  });
+  program.add_subcommand("version", "Print the version")->callback([&run] {
+    run = [] {
+      terminal::print("zvr " ZVR_VERSION);
+      return kDone;
+    };
+  });
 }
 
 // zvr has released everything of its own: anything held now was lost.
@@ -79,49 +98,35 @@ int main(const std::vector<std::string>& words) {
   terminal::setColor(options.color);
   CLI::App program("Shows what the plug-in's picture methods do: lists them, explains them, runs them.",
                    "zvr");
-  program.set_version_flag("--version", "zvr " ZVR_VERSION);
-  program.set_help_all_flag("--help-all", "Help for every subcommand");
+  program.formatter_fn(
+      [](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return helpText(*app); });
+  program.set_help_flag("-h,--help", "This help");
   program.fallthrough();
   addOptions(program, options);
-  addList(program, options, run);
-  addShow(program, options, run);
   addApply(program, options, run);
   addGallery(program, options, run);
-  program.footer(
-      "Examples:\n"
-      "  zvr list\n"
-      "  zvr show InvertZVR\n"
-      "  zvr apply photo.png InvertZVR -o out.png\n"
-      "  zvr wave speech.wav -o wave.png\n"
-      "  zvr lut photo.png film.cube -o out.png\n"
-      "  zvr gallery photo.jpg -o gallery\n"
-      "\n"
-      "A file whose name begins with a dash is given behind --, with all options before that:\n"
-      "`zvr gallery -o gallery -- -photo.jpg`.\n"
-      "\n"
-      "`zvr COMMAND --help` says more. Exit status: 0 done; 1 a method failed, answered nil or raised an\n"
-      "exception, or a file can't be read or written; 2 the command line is wrong.\n");
+  addList(program, options, run);
+  addShow(program, options, run);
+  addAnswers(program, options, run);
   // For the package and for shells, not for people.
   if (words == std::vector<std::string>{"--man-page"}) {
-    std::fputs(manualPage(program, ZVR_VERSION).c_str(), stdout);
+    std::fputs(manualPage(program).c_str(), stdout);
     return kDone;
   }
   if (!words.empty() && words[0] == "--complete") {
-    for (const std::string& word : completions(program, {words.begin() + 1, words.end()}))
-      terminal::print(word);
+    terminal::printLines(completions(program, {words.begin() + 1, words.end()}));
     return kDone;
   }
-  mentionSharedOptions(program);
+  const CommandLine line = readCommandLine(program, words);
   try {
-    std::vector<std::string> sorted = sortWords(program, words);
+    std::vector<std::string> sorted = sortedWords(program, line);
     std::reverse(sorted.begin(), sorted.end());
     program.parse(sorted);
   } catch (const CLI::Success& help) {
     return program.exit(help);
   } catch (const CLI::ParseError& error) {
-    const std::vector<CLI::App*> chosen = program.get_subcommands();
-    const std::string command = chosen.empty() ? "" : chosen[0]->get_name() + " ";
-    terminal::complain(std::string(error.what()) + "; see `zvr " + command + "--help`");
+    const std::string command = line.command ? line.command->get_name() + ' ' : "";
+    terminal::complain(explained(error, line) + "; see `zvr " + command + "--help`");
     return kUsage;
   } catch (const UsageError& error) {
     terminal::complain(error.what(), error.further);

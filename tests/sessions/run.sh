@@ -13,7 +13,7 @@
 # folder with photo.png, 23 x 9 pixels. A step that fails ends its session.
 set -euo pipefail
 here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
-export PATH=${ZVR_PROGRAMS:-${here%/tests/sessions}/build/release}:$PATH photos=${here%/*}/photographs LC_ALL=C
+export PATH=${ZVR_PROGRAMS:-${here%/tests/sessions}/build/release}:$PATH photos=${here%/*}/photographs LC_ALL=C COLUMNS=
 umask 022
 temporary=$(mktemp -d)
 trap 'rm -rf "$temporary"' EXIT

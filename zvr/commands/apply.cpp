@@ -12,7 +12,6 @@
 #include "zvr/language/outputs.h"
 #include "zvr/language/walk.h"
 #include "zvr/terminal/failures.h"
-#include "zvr/terminal/manual.h"
 #include "zvr/terminal/terminal.h"
 
 namespace zvr {
@@ -230,19 +229,17 @@ void addCommand(CLI::App& program, const Command& command, const Options& option
       name, std::string(command.purpose) + ":\n  zvr " + name + " " + command.words + " [-o OUT]");
   const auto own = std::make_shared<ApplyOptions>();
   added->add_option(command.words, own->words)->required()->option_text(" ");
-  added->add_option("-o,--output", own->output,
-                    "File, folder, pattern with {name}, {ext} and {n}, or - for standard output;\n"
-                    "without it NAME-STEP.png beside the input (.bin for a String)");
+  added
+      ->add_option("-o,--output", own->output,
+                   "File, folder, pattern with {name}, {ext} and {n}, or - for standard output;\n"
+                   "without it NAME-STEP.png beside the input (.bin for a String)")
+      ->type_name("OUT");
   added->add_option("--out", own->outs, "Where a MemoryBlock by reference goes; PATH as for -o")
       ->allow_extra_args(false)
       ->type_name("NAME=PATH");
   addPictureOptions(*added, own->pictures);
   added->add_flag("--json", own->isJson, "Answers as a JSON object for each input, in a line of its own");
   added->add_flag("-q,--quiet", own->isQuiet, "Say nothing of what is written, noted or under way");
-  std::string notes;
-  constexpr size_t kPageWidth = 80;
-  for (const std::string& line : manualLines("zvr " + name, kPageWidth)) notes += line + "\n";
-  added->footer(notes);
   added->callback([&, own] { run = [&command, &options, own] { return apply(command, options, *own); }; });
 }
 

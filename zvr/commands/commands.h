@@ -20,4 +20,7 @@ void addShow(CLI::App& program, const Options& options, Run& run);
 void addApply(CLI::App& program, const Options& options, Run& run);
 void addGallery(CLI::App& program, const Options& options, Run& run);
 
+// `zvr show NAME`. Throws UsageError for a name of nothing.
+int show(const Options& options, const std::string& name);
+
 }  // namespace zvr

@@ -1,7 +1,16 @@
-# Completion of zvr's command lines in bash. zvr itself lists what may follow; where it lists nothing, files do.
+# Completion of zvr's command lines in bash. zvr lists what may follow; its last line is @files where files may, too.
 _zvr() {
-  local IFS=$'\n'
-  # shellcheck disable=SC2207 # split at line ends only
-  COMPREPLY=($("${COMP_WORDS[0]}" --complete "${COMP_WORDS[@]:1:COMP_CWORD}" 2> /dev/null))
-}
-complete -o default -F _zvr zvr
+  # shellcheck disable=SC2034 # _init_completion sets prev
+  local cur prev words cword
+  _init_completion -n '=:@&' || return
+  mapfile -t COMPREPLY < <("${words[0]}" --complete "${words[@]:1:cword}" 2> /dev/null)
+  case ${COMPREPLY[*]: -1} in
+    @files)
+      compopt -o filenames
+      unset 'COMPREPLY[-1]'
+      mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -f -- "${cur#*=}")
+      ;;
+    *=) compopt -o nospace ;;
+  esac
+} &&
+  complete -F _zvr zvr

@@ -259,20 +259,14 @@ int show(const Options& options, const GalleryOptions& own) {
 
 void addGallery(CLI::App& program, const Options& options, Run& run) {
   CLI::App* command = program.add_subcommand(
-      "gallery", "One HTML page that shows every method on a photograph:\n  zvr gallery INPUT [-o FOLDER]");
+      "gallery",
+      "Make one HTML page that shows every method on a photograph:\n  zvr gallery INPUT [-o FOLDER]");
   const auto own = std::make_shared<GalleryOptions>();
   command->add_option("INPUT", own->input, "Picture file")->required();
-  command->add_option("-o,--output", own->output, "Folder; without it NAME-gallery beside the input");
-  command->add_option("--sound", own->sound, "A sound file to draw; without it a made-up tone");
-  command->footer(
-      "FOLDER/index.html needs nothing beside itself: each call with its lines for a shell and a program,\n"
-      "before and after, histograms, answers, and times measured in the same run. FOLDER/files has the\n"
-      "files that the calls take, so that the lines can be run. Photographs above 12 megapixels are scaled\n"
-      "down first.\n"
-      "\n"
-      "Examples:\n"
-      "  zvr gallery photo.jpg -o gallery\n"
-      "  zvr gallery photo.jpg --sound speech.wav -o gallery\n");
+  command->add_option("-o,--output", own->output, "Folder; without it NAME-gallery beside the input")
+      ->type_name("FOLDER");
+  command->add_option("--sound", own->sound, "A sound file to draw; without it a made-up tone")
+      ->type_name("FILE");
   command->callback([&run, &options, own] { run = [&options, own] { return show(options, *own); }; });
 }
 

@@ -1,6 +1,9 @@
 // zvr list: everything that the plug-in registered.
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <set>
 
 #include "zvr/commands/commands.h"
 #include "zvr/language/signatures.h"
@@ -11,99 +14,104 @@ namespace zvr {
 namespace {
 
 using terminal::print;
+using terminal::Style;
+using terminal::styled;
 
-void printAll(const std::vector<std::string>& lines) {
-  for (const std::string& line : lines) print(line);
+bool isSafe(uint32_t flags) { return (flags & kFlagConsoleSafe) != 0; }
+
+// ---- For people ----
+
+void printMember(uint32_t flags, const std::vector<std::string>& lines) {
+  const std::string mark = isSafe(flags) ? styled(Style::good, "c") : styled(Style::faint, "-");
+  for (const std::string& line : lines) print((&line == &lines.front() ? "  " + mark + " " : "    ") + line);
+}
+
+// Overloads stand together.
+void printMethods(const std::vector<host::Method>& methods) {
+  std::set<std::string> names;
+  for (const host::Method& first : methods) {
+    if (!names.insert(first.declaration.name).second) continue;
+    for (const host::Method& method : methods) {
+      if (method.declaration.name != first.declaration.name) continue;
+      printMember(method.flags, signatureLines(method.declaration, terminal::width() - 4));
+      if (method.setter) print(styled(Style::faint, "      can be assigned to"));
+    }
+  }
   print("");
 }
 
-void printGroup(const std::string& title, const std::vector<host::Method>& methods) {
-  std::vector<const host::Method*> pointers;
-  for (const host::Method& method : methods) pointers.push_back(&method);
-  print(terminal::styled(terminal::Style::heading, title));
-  printAll(methodLines(pointers));
-}
-
-// ---- JSON ----
-
-std::string quoted(const std::string& text) {
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string json = "\"";
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) < ' ') {
-      json += std::string("\\u00") + kDigits[c >> 4] + kDigits[c & 15];
-      continue;
-    }
-    if (c == '"' || c == '\\') json += '\\';
-    json += c;
+void printAll(const host::Members& members) {
+  print(styled(Style::heading, "Global methods"));
+  printMethods(members.globals);
+  print(styled(Style::heading, "Methods of Picture"));
+  printMethods(members.pictureMethods);
+  for (const host::Class& type : members.classes) {
+    print(classTitle(type));
+    for (const host::Property& property : type.properties)
+      printMember(property.flags, {styled(Style::name, property.name) + " as " + property.type});
+    printMethods(type.methods);
   }
-  return json + '"';
+  print("c: console-safe, -: for desktops only");
 }
 
-std::string truth(bool flag) { return flag ? "true" : "false"; }
+// ---- For scripts ----
+
+using Json = nlohmann::ordered_json;
 
 template <typename Item>
-std::string array(const std::vector<Item>& items, std::string (*json)(const Item&), const char* between) {
-  std::string text = "[";
-  for (const Item& item : items) text += (text.size() == 1 ? "" : ",") + std::string(between) + json(item);
-  return text + "]";
+Json array(const std::vector<Item>& items, Json (*json)(const Item&)) {
+  Json all = Json::array();
+  for (const Item& item : items) all.push_back(json(item));
+  return all;
 }
 
-std::string parameterJson(const host::Parameter& parameter) {
-  return "{\"name\": " + quoted(parameter.name) + ", \"type\": " + quoted(host::typeName(parameter.type)) +
-         ", \"byref\": " + truth(parameter.byRef) +
-         (parameter.hasDefault ? ", \"default\": " + quoted(parameter.defaultText) : "") + "}";
+Json parameterJson(const host::Parameter& parameter) {
+  Json json{{"name", parameter.name}, {"type", host::typeName(parameter.type)}, {"byref", parameter.byRef}};
+  if (parameter.hasDefault) json["default"] = parameter.defaultText;
+  return json;
 }
 
-std::string methodJson(const host::Method& method) {
-  const host::Declaration& declaration = method.declaration;
-  const bool hasResult = declaration.result != host::Type::none;
-  return "{\"name\": " + quoted(declaration.name) + ", \"declaration\": " + quoted(method.text) +
-         ", \"parameters\": " + array(declaration.parameters, parameterJson, "") +
-         ", \"result\": " + (hasResult ? quoted(host::typeName(declaration.result)) : "null") +
-         ", \"consoleSafe\": " + truth(method.consoleSafe()) +
-         ", \"assignable\": " + truth(method.setter != nullptr) + "}";
+Json methodJson(const host::Method& method) {
+  const auto& [name, parameters, result] = method.declaration;
+  return {{"name", name},
+          {"declaration", method.text},
+          {"parameters", array(parameters, parameterJson)},
+          {"result", result == host::Type::none ? Json() : Json(host::typeName(result))},
+          {"consoleSafe", method.consoleSafe()},
+          {"assignable", method.setter != nullptr}};
 }
 
-std::string propertyJson(const host::Property& property) {
-  return "{\"name\": " + quoted(property.name) + ", \"type\": " + quoted(property.type) +
-         ", \"consoleSafe\": " + truth((property.flags & kFlagConsoleSafe) != 0) + "}";
+Json propertyJson(const host::Property& property) {
+  return {{"name", property.name}, {"type", property.type}, {"consoleSafe", isSafe(property.flags)}};
 }
 
-std::string classJson(const host::Class& type) {
-  return "{\"name\": " + quoted(type.name) +
-         ", \"consoleSafe\": " + truth((type.flags & kFlagConsoleSafe) != 0) +
-         ", \"properties\": " + array(type.properties, propertyJson, "\n    ") +
-         ", \"methods\": " + array(type.methods, methodJson, "\n    ") + "}";
+Json classJson(const host::Class& type) {
+  return {{"name", type.name},
+          {"consoleSafe", isSafe(type.flags)},
+          {"properties", array(type.properties, propertyJson)},
+          {"methods", array(type.methods, methodJson)}};
 }
 
 int list(const Options& options, bool asJson) {
   const Session session(forMembersOnly(options));
   const host::Members& members = host::members();
   if (asJson) {
-    print("{\"globalMethods\": " + array(members.globals, methodJson, "\n  ") +
-          ",\n\"pictureMethods\": " + array(members.pictureMethods, methodJson, "\n  ") +
-          ",\n\"classes\": " + array(members.classes, classJson, "\n  ") + "}");
-    return kDone;
+    const Json json{{"globalMethods", array(members.globals, methodJson)},
+                    {"pictureMethods", array(members.pictureMethods, methodJson)},
+                    {"classes", array(members.classes, classJson)}};
+    print(json.dump(2, ' ', false, Json::error_handler_t::replace));
+  } else {
+    printAll(members);
   }
-  printGroup("Global methods", members.globals);
-  printGroup("Methods of Picture", members.pictureMethods);
-  for (const host::Class& type : members.classes) printAll(classLines(type));
-  print("c: console-safe, usable in console and web applications too");
   return kDone;
 }
 
 }  // namespace
 
 void addList(CLI::App& program, const Options& options, Run& run) {
-  CLI::App* command = program.add_subcommand("list", "Every method and class as registered");
+  CLI::App* command = program.add_subcommand("list", "List every method and class as registered");
   const auto asJson = std::make_shared<bool>(false);
   command->add_flag("--json", *asJson, "As one JSON object, for scripts");
-  command->footer(
-      "Examples:\n"
-      "  zvr list\n"
-      "  zvr list --json | jq -r '.pictureMethods[].declaration'\n"
-      "  zvr list --host-version 2009     what a host of 2009 is told\n");
   command->callback(
       [&run, &options, asJson] { run = [&options, asJson] { return list(options, *asJson); }; });
 }

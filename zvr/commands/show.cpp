@@ -1,4 +1,4 @@
-// zvr show: one method or class as registered, and what the manual says about it.
+// zvr show: a method or class as registered, and what the manual says about it; or a topic of the manual.
 
 #include <CLI/CLI.hpp>
 
@@ -12,64 +12,48 @@ namespace zvr {
 namespace {
 
 using terminal::print;
-using terminal::Style;
-using terminal::styled;
-
-constexpr size_t kPageWidth = 80;
-
-void printLines(const std::vector<std::string>& lines) {
-  for (const std::string& line : lines) print(line);
-}
-
-void printManual(const std::string& name) {
-  const std::vector<std::string> lines = manualLines(name, kPageWidth);
-  print("");
-  printLines(lines.empty() ? std::vector<std::string>{"The manual has nothing about it yet."} : lines);
-}
+using terminal::printLines;
 
 void printSignature(const host::Method& method) {
-  const std::string kind = host::takesReceiver(method) ? "method of Picture" : "global method";
-  const std::string& name = method.declaration.name;
-  const std::vector<std::string> lines = signatureLines(method.declaration, kPageWidth - name.size() - 1);
-  print(styled(Style::name, name) + (method.declaration.parameters.empty() ? " " : "") + lines[0]);
-  for (size_t i = 1; i < lines.size(); ++i) print(std::string(name.size(), ' ') + lines[i]);
-  print("  " + kind + (method.consoleSafe() ? ", console-safe" : ", not console-safe") +
+  printLines(signatureLines(method.declaration, terminal::width()));
+  print(std::string("  ") + (host::takesReceiver(method) ? "method of Picture" : "global method") +
+        (method.consoleSafe() ? ", console-safe" : ", not console-safe") +
         (method.setter ? ", can be assigned to" : ""));
 }
 
-int show(const Options& options, const std::string& name) {
-  const Session session(forMembersOnly(options));
-  for (const host::Class& type : host::members().classes) {
-    if (!host::equalNames(type.name, name)) continue;
-    print(classLines(type)[0]);  // the manual has the others
-    printManual(type.name);
-    return kDone;
-  }
-  const std::vector<const host::Method*> methods = host::findMethods(name);
-  if (methods.empty()) {
-    const std::vector<std::string> topic = manualLines(name, kPageWidth);
-    if (topic.empty()) throw UsageError("no method or class '" + name + "'" + nearestText(name));
-    printLines(topic);
-    return kDone;
-  }
-  for (const host::Method* method : methods) printSignature(*method);
-  printManual(methods[0]->declaration.name);
-  return kDone;
+[[noreturn]] void refuse(const std::string& name) {
+  const std::vector<std::string> topics = manualTopics();
+  std::vector<std::string> names = memberNames();
+  names.insert(names.end(), topics.begin(), topics.end());
+  std::string text;
+  for (const std::string& topic : topics) text += (text.empty() ? "Topics: " : ", ") + topic;
+  if (name.empty())
+    throw UsageError("expected a method, class or topic; `zvr list` shows every method", {text});
+  throw UsageError("no method, class or topic '" + name + "'" + terminal::didYouMean(name, names), {text});
 }
 
 }  // namespace
 
+int show(const Options& options, const std::string& name) {
+  const Session session(forMembersOnly(options));
+  const std::vector<std::string> text = manualLines(name, terminal::width());
+  const std::vector<host::Class>& classes = host::members().classes;
+  const auto type = std::find_if(classes.begin(), classes.end(),
+                                 [&](const host::Class& one) { return host::equalNames(one.name, name); });
+  const std::vector<const host::Method*> methods = host::findMethods(name);
+  const bool isMember = type != classes.end() || !methods.empty();
+  if (!isMember && text.empty()) refuse(name);
+  if (type != classes.end()) print(classTitle(*type));  // the manual has the members
+  for (const host::Method* method : methods) printSignature(*method);
+  if (isMember) print("");
+  printLines(text.empty() ? std::vector<std::string>{"The manual has nothing about it yet."} : text);
+  return kDone;
+}
+
 void addShow(CLI::App& program, const Options& options, Run& run) {
-  CLI::App* command =
-      program.add_subcommand("show", "One method or class: its signatures, and the manual's text");
+  CLI::App* command = program.add_subcommand("show", "Explain a method, a class or a topic of the manual");
   const auto name = std::make_shared<std::string>();
-  command->add_option("METHOD", *name, "Name of a method, class or topic of the manual, in any case")
-      ->required();
-  command->footer(
-      "Examples:\n"
-      "  zvr show InvertZVR\n"
-      "  zvr show picturesepiazvr\n"
-      "  zvr show rectangles\n");
+  command->add_option("NAME", *name, "Of a method, a class or a topic, in any case");
   command->callback([&run, &options, name] { run = [&options, name] { return show(options, *name); }; });
 }
 

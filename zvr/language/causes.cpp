@@ -4,6 +4,7 @@
 #include "zvr/language/arguments.h"
 #include "zvr/language/signatures.h"
 #include "zvr/terminal/manual.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr {
 namespace {
@@ -54,7 +55,8 @@ std::string nilText(const host::Declaration& declaration, const host::PictureRef
 std::string manualOnFailure(const std::string& name) {
   constexpr size_t kOneLine = 10000;
   const std::string mark = "Failure. ";
-  for (const std::string& line : manualLines(name, kOneLine)) {
+  for (const std::string& styled : manualLines(name, kOneLine)) {
+    const std::string line = terminal::withoutStyles(styled);
     if (const size_t at = line.find(mark); at != std::string::npos) {
       return " Memory ran out, or as the manual says: " + line.substr(at + mark.size());
     }

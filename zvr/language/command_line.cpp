@@ -5,9 +5,12 @@
 #include <charconv>
 
 #include "zvr/terminal/failures.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr {
 namespace {
+
+using Words = std::vector<std::string>;
 
 bool isNumber(const std::string& word) {
   double number = 0;
@@ -16,58 +19,125 @@ bool isNumber(const std::string& word) {
   return error != std::errc::invalid_argument && stop == end;
 }
 
-const CLI::App* findCommand(const CLI::App& program, const std::string& name) {
-  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
-    if (command->get_name() == name) return command;
+const CLI::Option* findOption(const CLI::App& program, const CLI::App* command, const std::string& name) {
+  const CLI::Option* option = command ? command->get_option_no_throw(name) : nullptr;
+  return option ? option : program.get_option_no_throw(name);
+}
+
+// The option that a word begins with, and the value in the same word: --quality=85, -oout.png. -output isn't
+// -o.
+GivenOption optionIn(const std::string& word, const CLI::App& program, const CLI::App* command) {
+  GivenOption given;
+  const bool isShort = word[1] != '-';
+  const size_t end = isShort ? 2 : std::min(word.find('='), word.size());
+  given.typed = word.substr(0, end);
+  given.words = {word};
+  const bool lacksDash = isShort && word.size() > 3 && findOption(program, command, '-' + word);
+  given.option = lacksDash ? nullptr : findOption(program, command, given.typed);
+  if (!given.option) given.typed = word;
+  const bool takesValue = given.option && given.option->get_expected_min() > 0;
+  given.lacksValue = takesValue && end == word.size();
+  if (takesValue && end < word.size()) given.value = word.substr(end + (isShort ? 0 : 1));
+  return given;
+}
+
+[[noreturn]] void refuse(const GivenOption& given, const CLI::App& program, const CLI::App* command) {
+  Words names;
+  for (const CLI::Option* option : optionsOf(program, command)) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
   }
-  return nullptr;
+  const std::string near = terminal::didYouMean(given.typed, names);
+  const std::string help = command ? command->get_name() + " --help`" : "--help`";
+  throw UsageError("no option " + given.typed + (near.empty() ? "; see `zvr " + help : near));
 }
 
 [[noreturn]] void refuseCommand(const CLI::App& program, const std::string& name) {
-  std::string names;
-  for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
-    names += (names.empty() ? "" : ", ") + command->get_name();
+  Words names;
+  for (const CLI::App* command : program.get_subcommands({})) names.push_back(command->get_name());
+  std::string near = terminal::didYouMean(name, names);
+  if (near.empty()) {
+    for (const std::string& one : names) near += (near.empty() ? "; there are " : ", ") + one;
   }
-  throw UsageError("no subcommand '" + name + "'; there are " + names);
-}
-
-// Does the next word belong to this option?
-bool takesNextWord(const CLI::App& program, const CLI::App* command, const std::string& word) {
-  const bool isShort = word[1] != '-';
-  if (isShort ? word.size() > 2 : word.find('=') != std::string::npos) return false;
-  const CLI::Option* option = command ? command->get_option_no_throw(word) : nullptr;
-  if (!option) option = program.get_option_no_throw(word);
-  return option && option->get_expected_min() > 0;
+  throw UsageError("no command '" + name + "'" + near);
 }
 
 }  // namespace
 
 bool readsAsOption(const std::string& word) { return word.size() > 1 && word[0] == '-' && !isNumber(word); }
 
-std::vector<std::string> sortWords(const CLI::App& program, const std::vector<std::string>& words) {
-  std::vector<std::string> sorted, plain;
-  const CLI::App* command = nullptr;
+const CLI::App* findCommand(const CLI::App& program, const std::string& name) {
+  const std::vector<const CLI::App*> commands =
+      program.get_subcommands([&](const CLI::App* one) { return one->get_name() == name; });
+  return commands.empty() ? nullptr : commands[0];
+}
+
+CommandLine readCommandLine(const CLI::App& program, const std::vector<std::string>& words) {
+  CommandLine line;
   for (size_t i = 0; i < words.size(); ++i) {
     if (words[i] == "--") {
-      plain.insert(plain.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1, words.end());
+      line.words.insert(line.words.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1, words.end());
       break;
     }
-    if (readsAsOption(words[i])) {
-      sorted.push_back(words[i]);
-      if (!takesNextWord(program, command, words[i])) continue;
-      if (i + 1 == words.size()) throw UsageError(words[i] + ": the value is missing");
-      sorted.push_back(words[++i]);
-    } else if (!command) {
-      command = findCommand(program, words[i]);
-      if (!command) refuseCommand(program, words[i]);
-      sorted.push_back(words[i]);
-    } else {
-      plain.push_back(words[i]);
+    if (!readsAsOption(words[i])) {
+      if (!line.command && line.words.empty() && (line.command = findCommand(program, words[i]))) continue;
+      line.words.push_back(words[i]);
+      continue;
     }
+    GivenOption given = optionIn(words[i], program, line.command);
+    if (given.lacksValue && i + 1 < words.size()) {
+      given.value = words[++i];
+      given.words.push_back(given.value);
+      given.lacksValue = false;
+    }
+    line.options.push_back(given);
   }
-  if (!plain.empty()) sorted.emplace_back("--");
-  sorted.insert(sorted.end(), plain.begin(), plain.end());
+  return line;
+}
+
+std::vector<std::string> sortedWords(const CLI::App& program, const CommandLine& line) {
+  if (!line.command && !line.words.empty()) refuseCommand(program, line.words[0]);
+  Words sorted;
+  if (line.command) sorted.push_back(line.command->get_name());
+  for (const GivenOption& given : line.options) {
+    if (!given.option) refuse(given, program, line.command);
+    if (given.lacksValue)
+      throw UsageError(given.typed + ": the value is missing; expected " + valuesOf(*given.option));
+    sorted.insert(sorted.end(), given.words.begin(), given.words.end());
+  }
+  if (!line.words.empty()) sorted.emplace_back("--");
+  sorted.insert(sorted.end(), line.words.begin(), line.words.end());
   return sorted;
+}
+
+std::vector<const CLI::Option*> optionsOf(const CLI::App& program, const CLI::App* command) {
+  const auto all = [](const CLI::Option*) { return true; };
+  std::vector<const CLI::Option*> options;
+  if (command) options = command->get_options(all);
+  const std::vector<const CLI::Option*> own = program.get_options(all);
+  options.insert(options.end(), own.begin(), own.end());
+  return options;
+}
+
+std::string valuesOf(const CLI::Option& option) {
+  if (option.get_expected_min() == 0) return "";
+  std::string values = option.get_type_name();
+  const size_t set = values.find('{');
+  if (set == std::string::npos) return values;
+  values = values.substr(set + 1, values.find('}') - set - 1);
+  std::replace(values.begin(), values.end(), ',', '|');
+  return values;
+}
+
+std::string explained(const CLI::ParseError& error, const CommandLine& line) {
+  const std::string text = error.what();
+  const auto isOf = [&](CLI::ExitCodes kind) { return error.get_exit_code() == static_cast<int>(kind); };
+  if (isOf(CLI::ExitCodes::ExtrasError)) return "unexpected: " + text.substr(text.find(": ") + 2);
+  for (const GivenOption& given : line.options) {
+    if (!given.option || text.find(given.option->get_name()) == std::string::npos) continue;
+    if (isOf(CLI::ExitCodes::ArgumentMismatch)) return given.typed + " is given twice";
+    return given.typed + ": '" + given.value + "' given, expected " + valuesOf(*given.option);
+  }
+  return text;
 }
 
 }  // namespace zvr

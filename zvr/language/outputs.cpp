@@ -128,16 +128,14 @@ void addPictureOptions(CLI::App& command, PictureOptions& options) {
             if (writing.format.empty())
               throw UsageError("--format: '" + word + "' is not a format that zvr writes");
           },
-          "png, jpeg, tiff, bmp or webp; else by the extension, png to standard output")
-      ->type_name("FORMAT");
+          "Of the pictures that are written; without it by the extension, png to standard output")
+      ->type_name("png|jpeg|tiff|bmp|webp");
   command.add_option("--quality", writing.quality, "Quality of written JPEG and WebP files")
       ->type_name("1...100")
       ->check(CLI::Range(1, 100).description(""))
       ->capture_default_str();
-  command
-      .add_option("--subsampling", writing.subsampling,
-                  "Of JPEG files: 4:4:4, 4:2:2 or 4:2:0; by the quality")
-      ->type_name("J:A:B")
+  command.add_option("--subsampling", writing.subsampling, "Of JPEG files; without it by the quality")
+      ->type_name("4:4:4|4:2:2|4:2:0")
       ->check(CLI::IsMember({"4:4:4", "4:2:2", "4:2:0"}).description(""));
   command.add_option("--compression", writing.compression, "Of PNG files, 9 for the smallest")
       ->type_name("0...9")

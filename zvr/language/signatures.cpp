@@ -13,9 +13,6 @@ namespace {
 using terminal::Style;
 using terminal::styled;
 
-constexpr size_t kPageWidth = 100;
-constexpr size_t kNameColumn = 4;
-
 // A block by its size, and its bytes as 32-bit counts where there are four to a count.
 std::string blockText(REALmemoryBlockStruct* block) {
   const size_t size = host::memoryBlockSize(block);
@@ -67,93 +64,54 @@ struct ToText {
   std::string operator()(const host::ObjectRef& object) const { return object ? "Object" : "nil"; }
 };
 
-// The column of marks, then the name (or as much room), then the signature over several lines.
-void addMember(std::vector<std::string>& lines, const host::Method& method, const std::string& name,
-               size_t nameWidth) {
-  const size_t column = kNameColumn + nameWidth + 1;
-  const std::vector<std::string> parts = signatureLines(method.declaration, kPageWidth - column);
-  const std::string padding(parts[0].empty() ? 0 : nameWidth - name.size() + 1, ' ');
-  const std::string mark = method.consoleSafe() ? styled(Style::good, "c") : styled(Style::faint, "-");
-  lines.push_back("  " + mark + " " + styled(Style::name, name) + padding + parts[0]);
-  for (size_t i = 1; i < parts.size(); ++i) lines.push_back(std::string(column, ' ') + parts[i]);
-  if (method.setter) lines.push_back(std::string(column, ' ') + styled(Style::faint, "can be assigned to"));
+// In a narrow terminal lines end within parameters, too.
+std::string signature(const host::Declaration& declaration, Style nameStyle, size_t width) {
+  constexpr size_t kNarrow = 70;
+  std::string text, separator = "(";
+  for (const host::Parameter& parameter : declaration.parameters) {
+    if (text.empty() && declaration.name.size() + 1 + parameter.name.size() > width) separator = "( ";
+    std::string own = (parameter.byRef ? "byref " : "") + parameter.name + " as " + host::typeName(parameter.type) +
+                      (parameter.hasDefault ? " = " + parameter.defaultText : "");
+    if (width >= kNarrow) std::replace(own.begin(), own.end(), ' ', terminal::kHardSpace);
+    text += separator + own;
+    separator = ", ";
+  }
+  if (!text.empty()) text += ')';
+  if (declaration.result != host::Type::none) text += " as " + host::typeName(declaration.result);
+  return styled(nameStyle, declaration.name) + text;
 }
 
 }  // namespace
 
-std::string parameterText(const host::Parameter& parameter) {
-  std::string text = parameter.byRef ? "byref " : "";
-  text += parameter.name + " as " + host::typeName(parameter.type);
-  if (parameter.hasDefault) text += " = " + parameter.defaultText;
-  return text;
-}
-
 std::vector<std::string> signatureLines(const host::Declaration& declaration, size_t width) {
-  std::vector<std::string> words;
-  for (const host::Parameter& parameter : declaration.parameters) {
-    words.push_back((words.empty() ? "(" : "") + parameterText(parameter) + ",");
-  }
-  if (!words.empty()) words.back().back() = ')';
-  if (declaration.result != host::Type::none) words.push_back("as " + host::typeName(declaration.result));
-  std::vector<std::string> lines(1);
-  for (const std::string& word : words) {
-    const bool fits = lines.back().empty() || width == 0 || lines.back().size() + 1 + word.size() <= width;
-    if (!fits) lines.emplace_back(" ");
-    if (!lines.back().empty() && lines.back() != " ") lines.back() += ' ';
-    lines.back() += word;
-  }
-  return lines;
+  return terminal::filled(signature(declaration, Style::name, width), width, "  ");
 }
 
 std::string signatureText(const host::Declaration& declaration) {
-  const std::string rest = signatureLines(declaration, 0)[0];
-  return declaration.name + (declaration.parameters.empty() && !rest.empty() ? " " : "") + rest;
+  constexpr size_t kAny = std::string::npos;
+  return terminal::filled(signature(declaration, Style::plain, kAny), kAny)[0];
+}
+
+std::string classTitle(const host::Class& type) {
+  const bool isConsoleSafe = (type.flags & kFlagConsoleSafe) != 0;
+  return styled(Style::heading, "Class " + type.name) +
+         (isConsoleSafe ? ", console-safe" : ", not console-safe");
 }
 
 std::string valueText(const host::Value& value) { return std::visit(ToText{}, value); }
 
-std::string nearestText(const std::string& name) {
+std::vector<std::string> memberNames() {
   std::vector<std::string> names;
   for (const auto* methods : {&host::members().globals, &host::members().pictureMethods}) {
     for (const host::Method& method : *methods) names.push_back(method.declaration.name);
   }
   for (const host::Class& type : host::members().classes) names.push_back(type.name);
-  const std::string text = terminal::didYouMean(name, names);
+  return names;
+}
+
+std::string nearestText(const std::string& name) {
+  const std::string text = terminal::didYouMean(name, memberNames());
   return text.empty() ? "; `zvr list` shows every method" : text;
-}
-
-std::vector<std::string> methodLines(const std::vector<const host::Method*>& methods) {
-  size_t width = 0;
-  for (const host::Method* method : methods) width = std::max(width, method->declaration.name.size());
-  std::vector<std::string> lines;
-  std::vector<const host::Method*> left = methods;
-  while (!left.empty()) {
-    const std::string name = left.front()->declaration.name;
-    const auto others = std::stable_partition(left.begin(), left.end(), [&](const host::Method* m) {
-      return host::equalNames(m->declaration.name, name);
-    });
-    for (auto method = left.begin(); method != others; ++method) {
-      addMember(lines, **method, method == left.begin() ? name : "", width);
-    }
-    left.erase(left.begin(), others);
-  }
-  return lines;
-}
-
-std::vector<std::string> classLines(const host::Class& type) {
-  const bool isConsoleSafe = (type.flags & kFlagConsoleSafe) != 0;
-  std::vector<std::string> lines{styled(Style::heading, "Class " + type.name) +
-                                 (isConsoleSafe ? ", console-safe" : ", not console-safe")};
-  for (const host::Property& property : type.properties) {
-    const bool isSafe = (property.flags & kFlagConsoleSafe) != 0;
-    lines.push_back("  " + (isSafe ? styled(Style::good, "c") : styled(Style::faint, "-")) + " " +
-                    styled(Style::name, property.name) + " as " + property.type);
-  }
-  std::vector<const host::Method*> methods;
-  for (const host::Method& method : type.methods) methods.push_back(&method);
-  const std::vector<std::string> more = methodLines(methods);
-  lines.insert(lines.end(), more.begin(), more.end());
-  return lines;
 }
 
 }  // namespace zvr

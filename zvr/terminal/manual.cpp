@@ -1,11 +1,11 @@
 #include "zvr/terminal/manual.h"
 
 #include <algorithm>
+#include <cctype>
 #include <set>
 #include <sstream>
-#include <string_view>
 
-#include "host/declarations.h"
+#include "zvr/terminal/markdown.h"
 
 namespace zvr {
 
@@ -14,116 +14,95 @@ extern const char* const kManual;
 
 namespace {
 
-using Lines = std::vector<std::string>;
+using markdown::Section;
 
-constexpr std::string_view kCommentBegin = "<!-- ", kCommentEnd = " -->";
-
-bool isComment(const std::string& line) { return line.compare(0, kCommentBegin.size(), kCommentBegin) == 0; }
-
-Lines manualText() {
-  Lines lines;
-  std::istringstream text(kManual);
-  const std::string wayBack = "[All methods](README.md)";  // a link that leads nowhere in a terminal
-  for (std::string line; std::getline(text, line);) {
-    if (isComment(line)) continue;
-    if (const size_t at = line.find(wayBack); at != std::string::npos) line.erase(at, wayBack.size());
-    lines.push_back(line);
-  }
-  return lines;
+const std::vector<Section>& manual() {
+  static const std::vector<Section> sections = markdown::sections(kManual);
+  return sections;
 }
 
-bool isFence(const std::string& line) { return line.compare(0, 3, "```") == 0; }
-
-size_t levelOf(const std::string& line) {
-  const size_t level = line.find_first_not_of('#');
-  return level != std::string::npos && line[level] == ' ' ? level : 0;
-}
-
-// The line of the next heading of at most this level; code may hold comments that look like one.
-size_t endOf(const Lines& lines, size_t from, size_t level) {
-  bool isCode = false;
-  for (size_t i = from; i < lines.size(); ++i) {
-    if (isFence(lines[i])) isCode = !isCode;
-    const size_t other = isCode ? 0 : levelOf(lines[i]);
-    if (other > 0 && other <= level) return i;
-  }
-  return lines.size();
-}
-
-std::string asAnchor(std::string heading) {
-  std::replace(heading.begin(), heading.end(), ' ', '-');
+std::string asTyped(std::string heading) {
+  std::transform(heading.begin(), heading.end(), heading.begin(),
+                 [](unsigned char c) { return c == ' ' ? '-' : static_cast<char>(std::tolower(c)); });
   return heading;
 }
 
-Lines slice(const Lines& lines, size_t begin, size_t end) {
-  return {lines.begin() + static_cast<std::ptrdiff_t>(begin),
-          lines.begin() + static_cast<std::ptrdiff_t>(end)};
+// Without the first block of code: the declarations, which are told as registered.
+std::string withoutDeclarations(std::string text) {
+  const std::string begin = "\n```basic\n", end = "\n```\n";
+  const size_t at = text.find("\n```");
+  if (text.compare(std::min(at, text.size()), begin.size(), begin) == 0)
+    text.erase(at, text.find(end, at + begin.size()) + end.size() - at);
+  return text;
 }
 
 // The page's words on all its methods: what follows its first paragraph.
-Lines sharedRules(const Lines& lines, size_t title) {
-  const size_t end = endOf(lines, title + 1, 2);
-  size_t i = title + 2;
-  while (i < end && !lines[i].empty()) ++i;
-  return slice(lines, std::min(i, end), end);
-}
-
-// Without the first block of code: the declarations, which are told as registered.
-Lines withoutDeclarations(const Lines& lines) {
-  const auto begin = std::find_if(lines.begin(), lines.end(), isFence);
-  if (begin == lines.end() || *begin != "```basic") return lines;
-  const auto end = std::find_if(begin + 1, lines.end(), isFence);
-  Lines rest(lines.begin(), begin);
-  rest.insert(rest.end(), end == lines.end() ? end : end + 1, lines.end());
-  return rest;
+std::string sharedRules(const Section& title) {
+  const size_t end = title.body.find("\n\n", 1);
+  return end == std::string::npos ? "" : title.body.substr(end);
 }
 
 // The topics of the manual's first page that the text refers to.
-std::string topicsIn(const Lines& lines) {
+std::string topicsIn(const std::string& text) {
   const std::string link = "(README.md#";
   std::set<std::string> topics;
-  for (const std::string& line : lines) {
-    for (size_t at = 0; (at = line.find(link, at)) != std::string::npos;) {
-      at += link.size();
-      topics.insert(line.substr(at, line.find(')', at) - at));
-    }
+  for (size_t at = 0; (at = text.find(link, at)) != std::string::npos;) {
+    at += link.size();
+    topics.insert(text.substr(at, text.find(')', at) - at));
   }
-  std::string text;
+  std::string line;
   for (const std::string& topic : topics)
-    text += (text.empty() ? "See also `zvr show " : "`, `zvr show ") + topic;
-  return text.empty() ? text : text + "`.";
+    line += (line.empty() ? "\nSee also `zvr show " : "`, `zvr show ") + topic;
+  return line.empty() ? line : line + "`.\n";
 }
 
 }  // namespace
 
-std::vector<std::string> manualLines(const std::string& heading, size_t width) {
-  const Lines lines = manualText();
-  size_t title = 0;
-  for (size_t i = 0; i < lines.size(); i = endOf(lines, i + 1, 6)) {
-    const size_t level = levelOf(lines[i]);
-    if (level == 0) continue;
-    if (level == 1) title = i;
-    if (!host::equalNames(asAnchor(lines[i].substr(level + 1)), asAnchor(heading))) continue;
-    Lines text = slice(lines, i + 1, endOf(lines, i + 1, level));
-    if (level == 2) {
-      text = withoutDeclarations(text);
-      const Lines shared = sharedRules(lines, title);
-      text.insert(text.end(), shared.begin(), shared.end());
-    }
-    if (const std::string topics = topicsIn(text); !topics.empty()) text.insert(text.end(), {"", topics});
-    return renderMarkdown(text, width);
+std::string manualText(const std::string& heading) {
+  const auto& sections = manual();
+  const auto title = std::find_if(sections.begin(), sections.end(), [&](const Section& section) {
+    return asTyped(section.title) == asTyped(heading);
+  });
+  if (title == sections.end()) return "";
+  std::string text = title->body;
+  auto next = title + 1;
+  for (; next != sections.end() && next->level > title->level; ++next)
+    text += std::string(static_cast<size_t>(next->level), '#') + ' ' + next->title + '\n' + next->body;
+  if (title->level == 2) {
+    const auto page = std::find_if(std::make_reverse_iterator(title), sections.rend(),
+                                   [](const Section& section) { return section.level == 1; });
+    text = withoutDeclarations(text) + sharedRules(*page);
   }
-  return {};
+  const std::string wayBack = "[All methods](README.md)";  // leads nowhere in a terminal
+  for (size_t at; (at = text.find(wayBack)) != std::string::npos;) text.erase(at, wayBack.size());
+  return text + topicsIn(text);
+}
+
+std::vector<std::string> manualLines(const std::string& heading, size_t width) {
+  return markdown::rendered(manualText(heading), width);
+}
+
+std::vector<std::string> manualTopics() {
+  const auto isMember = [](const std::string& title) {
+    return title.size() > 3 && title.compare(title.size() - 3, 3, "ZVR") == 0;
+  };
+  std::vector<std::string> topics;
+  bool isClass = false;  // what the page is about
+  for (const Section& section : manual()) {
+    if (section.level == 1) isClass = isMember(section.title);
+    const bool isCommand = section.title.compare(0, 4, "zvr ") == 0;
+    if (!isClass && !isCommand && !isMember(section.title)) topics.push_back(asTyped(section.title));
+  }
+  return topics;
 }
 
 std::vector<std::string> manualNotes(const std::string& kind) {
-  Lines notes;
+  const std::string begin = "<!-- " + kind + ' ', end = " -->";
+  std::vector<std::string> notes;
   std::istringstream text(kManual);
-  const size_t before = kCommentBegin.size() + kind.size() + 1, around = before + kCommentEnd.size();
   for (std::string line; std::getline(text, line);) {
-    const bool isOfKind = isComment(line) && line.size() >= around &&
-                          line.compare(kCommentBegin.size(), kind.size() + 1, kind + ' ') == 0;
-    if (isOfKind) notes.push_back(line.substr(before, line.size() - around));
+    if (line.compare(0, begin.size(), begin) == 0 && line.size() >= begin.size() + end.size())
+      notes.push_back(line.substr(begin.size(), line.size() - begin.size() - end.size()));
   }
   return notes;
 }

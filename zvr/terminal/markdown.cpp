@@ -1,210 +1,171 @@
-// The manual's Markdown in a terminal.
+#include "zvr/terminal/markdown.h"
+
+#include <cmark-gfm-core-extensions.h>
 
 #include <algorithm>
-#include <cctype>
+#include <map>
+#include <memory>
+#include <numeric>
+#include <regex>
 
-#include "zvr/terminal/manual.h"
 #include "zvr/terminal/terminal.h"
 
-namespace zvr {
+namespace zvr::markdown {
 namespace {
 
+using terminal::filled;
 using terminal::Style;
 using terminal::styled;
+using terminal::widthOf;
 using Lines = std::vector<std::string>;
 using Row = std::vector<std::string>;  // cells of a table
+using Tree = std::unique_ptr<cmark_node, decltype(&cmark_node_free)>;
 
-constexpr size_t kGap = 2;  // before each column of a table
-
-// Characters that are seen of UTF-8 text without styles.
-size_t widthOf(const std::string& text) {
-  return static_cast<size_t>(std::count_if(
-      text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+Tree parsed(const std::string& text) {
+  cmark_gfm_core_extensions_ensure_registered();
+  const std::unique_ptr<cmark_parser, decltype(&cmark_parser_free)> parser(
+      cmark_parser_new(CMARK_OPT_DEFAULT), cmark_parser_free);
+  cmark_parser_attach_syntax_extension(parser.get(), cmark_find_syntax_extension("table"));
+  cmark_parser_feed(parser.get(), text.data(), text.size());
+  return {cmark_parser_finish(parser.get()), cmark_node_free};
 }
 
-// A word or a line.
-struct Piece {
-  std::string text;  // styled
-  size_t width = 0;  // as seen
-};
+std::vector<cmark_node*> partsOf(cmark_node* node) {
+  std::vector<cmark_node*> parts;
+  for (cmark_node* part = cmark_node_first_child(node); part; part = cmark_node_next(part))
+    parts.push_back(part);
+  return parts;
+}
 
-bool isMark(char c) { return std::ispunct(static_cast<unsigned char>(c)) != 0; }
+std::string typeOf(cmark_node* node) { return cmark_node_get_type_string(node); }
 
-// Words of a line of Markdown: bold and code are styled, links leave their text, a backslash protects a mark.
-class Words {
- public:
-  explicit Words(const std::string& line) {
-    for (size_t i = 0; i < line.size(); ++i) take(line, i);
-    endWord();
+// A paragraph, a heading or a cell in one line, except where a backslash breaks it.
+std::string textOf(cmark_node* node, Style style = Style::plain) {
+  const std::string type = typeOf(node);
+  if (type == "softbreak" || type == "linebreak") return type == "softbreak" ? " " : "\n";
+  if (type == "text") return styled(style, cmark_node_get_literal(node));
+  if (type == "code") return styled(Style::type, cmark_node_get_literal(node));
+  if (type == "image") return "";
+  std::string text;
+  for (cmark_node* part : partsOf(node))
+    text += textOf(part, type == "strong" ? Style::name : type == "emph" ? Style::type : style);
+  return text;
+}
+
+// Columns side by side, the last folded as needed; where too little would be left of it, the cells of each row below
+// the first one, after their headings if the first row has them.
+Lines tableOf(const std::vector<Row>& rows, bool hasHeadings, size_t width) {
+  constexpr size_t kGap = 2, kLeast = 20;
+  std::vector<size_t> columns(rows[0].size());
+  for (const Row& row : rows) {
+    for (size_t i = 0; i < row.size(); ++i) columns[i] = std::max(columns[i], kGap + widthOf(row[i]));
   }
-  std::vector<Piece> all;
-
- private:
-  void take(const std::string& line, size_t& i) {
-    if (line[i] == '`') {
-      isCode_ = turn(isCode_);
-    } else if (!isCode_ && line.compare(i, 2, "**") == 0) {
-      isBold_ = turn(isBold_);
-      ++i;
-    } else if (!isCode_ && line.compare(i, 2, "](") == 0) {
-      i = std::min(line.find(')', i), line.size() - 1);
-    } else if (line[i] == ' ') {
-      endWord();
-    } else if (isCode_ || line[i] != '[') {
-      if (!isCode_ && line[i] == '\\' && i + 1 < line.size() && isMark(line[i + 1])) ++i;
-      run_ += line[i];
+  const size_t left = std::accumulate(columns.begin(), columns.end() - 1, kGap);
+  const bool isWide = left + std::min(columns.back(), kLeast) <= width;
+  Lines lines;
+  const auto add = [&](const std::string& text, size_t indent) {
+    for (const std::string& line : filled(text, width, std::string(indent, ' '))) lines.push_back(line);
+  };
+  for (size_t y = hasHeadings && !isWide ? 1 : 0; y < rows.size(); ++y) {
+    std::string line;
+    for (size_t i = 0; i < columns.size(); ++i) {
+      if (isWide) {
+        line += "  " + rows[y][i];
+        if (i + 1 < columns.size()) line.append(columns[i] - kGap - widthOf(rows[y][i]), ' ');
+      } else if (!rows[y][i].empty()) {
+        add(std::string(i == 0 ? 2 : 6, ' ') + (hasHeadings && i > 0 ? rows[0][i] + ": " : "") + rows[y][i], 6);
+      }
     }
-  }
-  bool turn(bool flag) {
-    endRun();
-    return !flag;
-  }
-  void endRun() {
-    word_.width += widthOf(run_);
-    word_.text += styled(isCode_ ? Style::type : isBold_ ? Style::name : Style::plain, run_);
-    run_.clear();
-  }
-  void endWord() {
-    endRun();
-    if (word_.width > 0) all.push_back(word_);
-    word_ = {};
-  }
-
-  bool isBold_ = false, isCode_ = false;
-  std::string run_;
-  Piece word_;
-};
-
-std::vector<Piece> filled(const std::string& text, size_t width, const std::string& indent) {
-  std::vector<Piece> lines;
-  for (const Piece& word : Words(text).all) {
-    if (lines.empty() || lines.back().width + 1 + word.width > width) {
-      lines.push_back(lines.empty() ? Piece() : Piece{indent, indent.size()});
-    } else {
-      lines.back().text += ' ';
-      ++lines.back().width;
-    }
-    lines.back().text += word.text;
-    lines.back().width += word.width;
+    if (isWide) add(line, left);
   }
   return lines;
 }
 
-Row cellsOf(const std::string& line) {
-  Row cells;
-  std::string cell;
-  for (size_t i = 1; i < line.size(); ++i) {
-    if (line[i] == '|' && line[i - 1] != '\\') {
-      const size_t begin = cell.find_first_not_of(' '), end = cell.find_last_not_of(' ');
-      cells.push_back(begin == std::string::npos ? "" : cell.substr(begin, end - begin + 1));
-      cell.clear();
-    } else {
-      cell += line[i];
-    }
-  }
-  return cells;
-}
+Lines linesOf(cmark_node* block, size_t width);
 
-// Widths of a table's column: with each cell in one line, and folded as far as its words allow.
-struct Column {
-  size_t width = 0, narrowest = 0;
-};
-
-std::vector<Column> columnsFor(const std::vector<Row>& rows, size_t width) {
-  std::vector<Column> columns;
-  for (const Row& row : rows) {
-    columns.resize(std::max(columns.size(), row.size()));
-    for (size_t i = 0; i < row.size(); ++i) {
-      Column& column = columns[i];
-      for (const Piece& line : filled(row[i], std::string::npos / 2, ""))
-        column.width = std::max(column.width, line.width);
-      for (const Piece& word : Words(row[i]).all) column.narrowest = std::max(column.narrowest, word.width);
-    }
-  }
-  size_t sum = kGap * columns.size();
-  for (const Column& column : columns) sum += column.width;
-  for (; sum > width; --sum) {
-    Column* widest = nullptr;
-    for (Column& column : columns) {
-      if (column.width > column.narrowest && (!widest || column.width > widest->width)) widest = &column;
-    }
-    if (!widest) break;
-    --widest->width;
-  }
-  return columns;
-}
-
-// Columns side by side; where there is no room the widest ones are folded. Tables of pictures are left out.
-void addTable(const Lines& lines, size_t width, Lines& to) {
+// Tables of pictures are left out.
+Lines table(cmark_node* block, size_t width) {
   std::vector<Row> rows;
-  for (const std::string& line : lines) {
-    if (line.find("![") != std::string::npos) return;
-    if (line.find_first_not_of("|- ") != std::string::npos) rows.push_back(cellsOf(line));
+  for (cmark_node* row : partsOf(block)) {
+    const Style style = rows.empty() ? Style::name : Style::plain;
+    rows.emplace_back();
+    for (cmark_node* cell : partsOf(row)) {
+      if (!partsOf(cell).empty() && typeOf(cmark_node_first_child(cell)) == "image") return {};
+      rows.back().push_back(textOf(cell, style));
+    }
   }
-  const std::vector<Column> columns = columnsFor(rows, width);
-  for (const Row& row : rows) {
-    Lines folded;
-    size_t left = 0;
-    for (size_t i = 0; i < row.size(); ++i) {
-      const std::vector<Piece> cell = filled(row[i], columns[i].width, "");
-      if (folded.size() < cell.size()) folded.resize(cell.size(), std::string(left, ' '));
-      left += kGap + columns[i].width;
-      for (size_t y = 0; y < folded.size(); ++y) {
-        const Piece line = y < cell.size() ? cell[y] : Piece();
-        const bool isLast = i + 1 == row.size();
-        folded[y] += std::string(kGap, ' ') + line.text +
-                     std::string(isLast ? 0 : columns[i].width - std::min(columns[i].width, line.width), ' ');
+  return tableOf(rows, true, width);
+}
+
+// Items, or terms with their meanings.
+Lines list(cmark_node* block, size_t width) {
+  std::vector<Row> terms;
+  Lines lines;
+  for (cmark_node* item : partsOf(block)) {
+    const std::string text = textOf(cmark_node_first_child(item));
+    if (const size_t end = text.find('\n'); end != std::string::npos) {
+      terms.push_back({text.substr(0, end), text.substr(end + 1)});
+      continue;
+    }
+    std::string mark = "- ";
+    for (cmark_node* part : partsOf(item)) {
+      for (const std::string& line : linesOf(part, width - mark.size())) {
+        lines.push_back(mark + line);
+        mark = "  ";
       }
     }
-    for (std::string& line : folded) to.push_back(line.erase(line.find_last_not_of(' ') + 1));
   }
+  return terms.empty() ? lines : tableOf(terms, false, width);
 }
 
-bool isItem(const std::string& line) { return line.compare(0, 2, "- ") == 0; }
-bool isTable(const std::string& line) { return line.compare(0, 1, "|") == 0; }
-bool isFence(const std::string& line) { return line.compare(0, 3, "```") == 0; }
-bool isHeading(const std::string& line) { return line.compare(0, 1, "#") == 0; }
-bool endsParagraph(const std::string& line) {
-  return line.empty() || isItem(line) || isTable(line) || isFence(line) || isHeading(line);
-}
-
-// A block that begins at a line, and the line behind it.
-size_t addBlock(const Lines& lines, size_t i, size_t width, Lines& to) {
-  if (isFence(lines[i])) {
-    for (++i; i < lines.size() && !isFence(lines[i]); ++i) to.push_back("    " + lines[i]);
-    return i + 1;
+Lines linesOf(cmark_node* block, size_t width) {
+  const std::string type = typeOf(block);
+  if (type == "paragraph") return filled(textOf(block), width);
+  if (type == "heading") return {styled(Style::heading, textOf(block))};
+  if (type == "table") return table(block, width);
+  if (type == "list") return list(block, width);
+  Lines lines;
+  if (type == "code_block") {
+    for (const std::string& line : terminal::split(cmark_node_get_literal(block), '\n')) lines.push_back("    " + line);
   }
-  if (isTable(lines[i])) {
-    const auto begin = lines.begin() + static_cast<std::ptrdiff_t>(i);
-    const auto end = std::find_if_not(begin, lines.end(), isTable);
-    addTable(Lines(begin, end), width, to);
-    return i + static_cast<size_t>(end - begin);
+  bool isApart = false;
+  for (cmark_node* part : partsOf(block)) {
+    const Lines more = linesOf(part, width);
+    if (isApart && !more.empty()) lines.emplace_back();
+    lines.insert(lines.end(), more.begin(), more.end());
+    isApart = !lines.empty() && typeOf(part) != "heading";
   }
-  if (isHeading(lines[i])) {
-    to.push_back(styled(Style::heading, lines[i].substr(lines[i].find(' ') + 1)));
-    return i + 1;
-  }
-  std::string text = lines[i];
-  size_t next = i + 1;
-  for (; next < lines.size() && !endsParagraph(lines[next]); ++next) text += " " + lines[next];
-  for (const Piece& line : filled(text, width, isItem(text) ? "  " : "")) to.push_back(line.text);
-  return next;
+  return lines;
 }
 
 }  // namespace
 
-std::vector<std::string> renderMarkdown(const std::vector<std::string>& lines, size_t width) {
-  Lines rendered;
-  for (size_t i = 0; i < lines.size();) {
-    if (lines[i].empty()) {
-      if (!rendered.empty() && !rendered.back().empty()) rendered.emplace_back();
-      ++i;
-    } else {
-      i = addBlock(lines, i, width, rendered);
-    }
-  }
-  while (!rendered.empty() && rendered.back().empty()) rendered.pop_back();
-  return rendered;
+std::vector<std::string> rendered(const std::string& text, size_t width) {
+  return linesOf(parsed(text).get(), width);
 }
 
-}  // namespace zvr
+std::string manualPage(const std::string& text) {
+  const std::unique_ptr<char, decltype(&std::free)> roff(
+      cmark_render_man(parsed(text).get(), CMARK_OPT_DEFAULT, 0), std::free);
+  const std::regex term(R"(\.IP \\\[bu\] 2\n(.*)\.PD 0\n\.P\n\.PD\n)");
+  return std::regex_replace(roff.get(), term, ".TP\n$1\n");
+}
+
+std::vector<Section> sections(const std::string& text) {
+  std::vector<Section> all;
+  std::map<int, Section> headings;  // by line
+  const Tree tree = parsed(text);
+  for (cmark_node* block : partsOf(tree.get())) {
+    if (typeOf(block) == "heading")
+      headings[cmark_node_get_start_line(block)] = {cmark_node_get_heading_level(block), terminal::withoutStyles(textOf(block)), ""};
+  }
+  int number = 0;
+  for (const std::string& line : terminal::split(text, '\n')) {
+    const auto heading = headings.find(++number);
+    if (heading != headings.end()) all.push_back(heading->second);
+    else if (!all.empty()) all.back().body += line + '\n';
+  }
+  return all;
+}
+
+}  // namespace zvr::markdown

@@ -1,10 +1,13 @@
 #include "zvr/terminal/terminal.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
+#include <sstream>
 
 #include "host/declarations.h"
 
@@ -13,28 +16,12 @@ namespace {
 
 bool isColorOn = false, isErrorColorOn = false, isBarShown = false, isQuiet = false;
 
-const char* codeOf(Style style) {
-  switch (style) {
-    case Style::plain:
-      return "";
-    case Style::heading:
-      return "\x1b[1;4m";
-    case Style::name:
-      return "\x1b[1m";
-    case Style::type:
-      return "\x1b[36m";
-    case Style::good:
-      return "\x1b[32m";
-    case Style::faint:
-      return "\x1b[2m";
-    case Style::error:
-      return "\x1b[31m";
-  }
-  return "";
-}
+constexpr const char* kPlain = "\x1b[0m";
+// By Style.
+constexpr const char* kCodes[] = {"", "\x1b[1;4m", "\x1b[1m", "\x1b[36m", "\x1b[32m", "\x1b[2m", "\x1b[31m"};
 
 std::string paint(bool isOn, Style style, const std::string& text) {
-  return isOn && style != Style::plain && !text.empty() ? codeOf(style) + text + "\x1b[0m" : text;
+  return isOn && style != Style::plain && !text.empty() ? kCodes[static_cast<size_t>(style)] + text + kPlain : text;
 }
 
 void clearBar() {
@@ -58,6 +45,21 @@ size_t printableLength(const std::string& text, size_t at) {
     if ((byte(at + i) & 0xC0) != 0x80) return 0;
   }
   return lead == 0xC2 && byte(at + 1) < 0xA0 ? 0 : length;  // U+0080 to U+009F
+}
+
+size_t columnsOf(int file) {
+  constexpr size_t kUsual = 80, kLeast = 40;
+  const char* told = std::getenv("COLUMNS");
+  size_t columns = told ? std::strtoul(told, nullptr, 10) : 0;
+  winsize size{};
+  if (columns == 0 && ioctl(file, TIOCGWINSZ, &size) == 0) columns = size.ws_col;
+  return std::max(columns == 0 ? kUsual : columns, kLeast);
+}
+
+// Messages in a file stay whole, so that one can search for them.
+void printError(const std::string& line, const std::string& indent) {
+  const size_t width = isatty(STDERR_FILENO) ? columnsOf(STDERR_FILENO) : std::string::npos;
+  for (const std::string& part : filled(line, width, indent)) std::fprintf(stderr, "%s\n", part.c_str());
 }
 
 std::string duration(double seconds) {
@@ -102,9 +104,64 @@ std::string didYouMean(const std::string& typed, const std::vector<std::string>&
   return text.empty() ? text : text + "?";
 }
 
+size_t width() { return columnsOf(STDOUT_FILENO); }
+
+std::string withoutStyles(const std::string& text) {
+  std::string plain;
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\x1b') {
+      i = std::min(text.find('m', i), text.size());
+    } else {
+      plain += text[i];
+    }
+  }
+  return plain;
+}
+
+size_t widthOf(const std::string& text) {
+  const std::string seen = withoutStyles(text);
+  return static_cast<size_t>(
+      std::count_if(seen.begin(), seen.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+std::vector<std::string> split(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream stream(text);
+  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+  return parts;
+}
+
+std::vector<std::string> filled(const std::string& text, size_t width, const std::string& indent) {
+  std::vector<std::string> lines;
+  size_t used = 0;
+  std::string style;  // that a line leaves to the next
+  for (const std::string& word : split(text, ' ')) {
+    const size_t needed = widthOf(word), code = word.rfind('\x1b');
+    if (!lines.empty() && used + 1 + needed <= width) {
+      lines.back() += ' ' + word;
+      used += 1 + needed;
+    } else {
+      if (!style.empty()) lines.back() += kPlain;
+      lines.push_back((lines.empty() ? "" : indent) + style + word);
+      used = widthOf(lines.back());
+    }
+    if (code != std::string::npos) style = word.substr(code, word.find('m', code) + 1 - code);
+    if (style == kPlain) style.clear();
+  }
+  for (std::string& line : lines) {
+    line.erase(line.find_last_not_of(' ') + 1);
+    std::replace(line.begin(), line.end(), kHardSpace, ' ');
+  }
+  return lines;
+}
+
 void setQuiet() { isQuiet = true; }
 
 void print(const std::string& line) { printTo(stdout, line); }
+
+void printLines(const std::vector<std::string>& lines) {
+  for (const std::string& line : lines) print(line);
+}
 
 void printAside(const std::string& line) { printTo(stderr, line); }
 
@@ -115,9 +172,8 @@ void printWritten(const std::string& path) {
 void complain(const std::string& problem, const std::vector<std::string>& further) {
   std::fflush(stdout);
   clearBar();
-  std::fprintf(stderr, "%s %s\n", paint(isErrorColorOn, Style::error, "zvr:").c_str(),
-               escaped(problem).c_str());
-  for (const std::string& line : further) std::fprintf(stderr, "%s\n", escaped(line).c_str());
+  printError(paint(isErrorColorOn, Style::error, "zvr:") + ' ' + escaped(problem), "     ");
+  for (const std::string& line : further) printError(escaped(line), "    ");
 }
 
 void note(const std::string& text) {
