@@ -6,7 +6,7 @@ source "$(dirname -- "${BASH_SOURCE[0]}")/pages.sh"
 kNothingHeld='held: 0 objects, 0 strings, 0 locks, 0 string data; 0 errors'
 
 # plain: the text of HTML, without its tags.
-plain() { sed 's/<[^>]*>//g; s/&lt;/</g; s/&gt;/>/g; s/&quot;/"/g; s/&amp;/\&/g'; }
+plain() { sed 's/<[^>]*>//g; s/&lt;/</g; s/&gt;/>/g; s/&quot;/"/g; s/&apos;/'"'"'/g; s/&amp;/\&/g'; }
 
 checkPage() {
   sed 's/<[a-zA-Z/]/\n&/g' page.html > tags
@@ -25,7 +25,7 @@ checkPage() {
   # Everything that is registered, each method with a line that runs it; every result that is a picture.
   zvr list --json | sed '/"classes"/,$d' | awk -F'"' '$2 == "declaration" { print $4 }' > wanted
   printf '%s\n' 'Class PictureSepiaZVR' 'Class PictureLut3DZVR' 'count = 1050' >> wanted
-  [[ $(wc -l < lines) -eq $(grep -c '^<article' tags) ]] || complain 'a card without a line for zvr'
+  [[ $(wc -l < lines) -eq $(grep -c '^<div class="form"' tags) ]] || complain 'a form without a line for zvr'
   [[ $(grep -c 'data:image/[a-z]*;base64,[^")]' tags) -gt $(grep -c 'out\.png' lines) ]] || complain 'a picture is missing'
 
   # A part that was cut out at 2/5 and 3/10 of the sides; all the photograph's pixels; bars, not all of them empty.

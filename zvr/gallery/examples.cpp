@@ -1,7 +1,7 @@
 #include "zvr/gallery/examples.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <regex>
 #include <sstream>
 
 #include "zvr/terminal/manual.h"
@@ -9,14 +9,12 @@
 namespace zvr::gallery {
 
 std::vector<Example> examples() {
+  static const std::regex form(R"((\d+) ([^:(]+?)(?: \(([^)]*)\))?: (.*?) \| (.*))");
   std::vector<Example> all;
-  // "PLACE FAMILY: WORDS | SENTENCE"
   for (const std::string& note : manualNotes("gallery")) {
-    const size_t family = note.find(' ') + 1, words = note.find(": ", family),
-                 sentence = note.find(" | ", words);
-    if (family == 0 || words == std::string::npos || sentence == std::string::npos) continue;
-    all.push_back({std::atoi(note.c_str()), note.substr(family, words - family),
-                   note.substr(words + 2, sentence - words - 2), note.substr(sentence + 3)});
+    std::smatch parts;
+    if (std::regex_match(note, parts, form))
+      all.push_back({std::stoi(parts[1]), parts[2], parts[3], parts[4], parts[5]});
   }
   std::stable_sort(all.begin(), all.end(),
                    [](const Example& a, const Example& b) { return a.place < b.place; });

@@ -1,6 +1,7 @@
 // The gallery's examples: for each registered member a call with its arguments, and a sentence. They stand in
 // the manual's sections:
 //   <!-- gallery PLACE FAMILY: WORDS | SENTENCE -->
+//   <!-- gallery PLACE FAMILY (LABEL): WORDS | SENTENCE -->
 #pragma once
 
 #include <map>
@@ -10,12 +11,12 @@
 namespace zvr::gallery {
 
 struct Example {
-  int place;           // a number that orders the page
-  std::string family;  // methods that belong together; the heading of a group
-  // Words of `zvr apply`, the input first; the method is the last step's. {photo}, {other}, {part}, {table}
-  // and {samples} are files, {common} is a colour of the photograph, {x25} a quarter of its width and {y25}
-  // of its height. Of a class: its name and PROPERTY=VALUE, as in `zvr run`, or {look}, which fills its table
-  // as in `zvr lut`.
+  int place;           // a number that orders the page; those of one ten are forms of one card
+  std::string family;  // members that belong together; the heading of a group
+  std::string label;   // tells forms of one card apart
+  // Words of `zvr apply`, the input first; the last step is shown. {photo}, {scan}, {cutout}, {other},
+  // {part}, {table}, {samples} and {look} are files, {common} is a colour of the photograph, {x25} a quarter
+  // of its width and {y25} of its height.
   std::string words, says;
 };
 // By their places.

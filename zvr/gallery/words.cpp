@@ -36,18 +36,30 @@ bool isLeftOut(const Argument& argument, const host::Parameter& parameter) {
 }
 
 std::string basicCall(const Step& step) {
-  const host::Declaration& declaration = step.method->declaration;
+  const host::Declaration& declaration = step.declaration;
   size_t count = step.arguments.size();
   while (count > 0 && isLeftOut(step.arguments[count - 1], declaration.parameters[count - 1])) --count;
-  std::string text = (host::takesReceiver(*step.method) ? "photo." : "") + declaration.name;
+  std::string text = std::string(step.takesReceiver() ? "photo." : "") + declaration.name;
   for (size_t i = 0; i < count; ++i) {
     text += (i == 0 ? "(" : ", ") + variable(step.arguments[i], declaration.parameters[i]);
   }
   return text + (count > 0 ? ")" : "");
 }
 
+// Of a filter class.
+void addFilter(const Step& step, std::vector<std::string>& lines) {
+  lines.insert(lines.end(), {"Dim filter As New " + step.type->name, "filter.SourcePicture = photo"});
+  for (size_t i = 0; i < step.arguments.size(); ++i) {
+    const host::Parameter& property = step.declaration.parameters[i];
+    lines.push_back("filter." + property.name + " = " + variable(step.arguments[i], property));
+  }
+  if (step.hasTable())
+    lines.emplace_back("// filter.Table(r, g, b, channel) = …, for r, g and b from 0 to 15");
+  lines.emplace_back("If filter.Run Then photo = filter.DestinationPicture");
+}
+
 void addStatements(const Step& step, bool isLast, std::vector<std::string>& lines) {
-  const host::Declaration& declaration = step.method->declaration;
+  const host::Declaration& declaration = step.declaration;
   for (const host::Parameter& parameter : declaration.parameters) {
     if (parameter.byRef) lines.push_back("Dim " + parameter.name + " As " + host::typeName(parameter.type));
   }
@@ -65,30 +77,24 @@ void addStatements(const Step& step, bool isLast, std::vector<std::string>& line
 
 }  // namespace
 
-std::string shellLine(const std::string& command, const std::vector<std::string>& words,
-                      const std::string& output) {
+std::string shellLine(const std::vector<std::string>& words, const std::string& output) {
   const std::string option = output.empty() ? "" : " -o " + shellWord(output);
   const bool needsMark = std::any_of(words.begin(), words.end(), readsAsOption);
-  std::string line = "zvr " + command + (needsMark ? option + " --" : "");
+  std::string line = std::string("zvr apply") + (needsMark ? option + " --" : "");
   for (const std::string& word : words) line += " " + shellWord(word);
   return needsMark ? line : line + option;
 }
 
 std::vector<std::string> basicLines(const Chain& chain) {
   std::vector<std::string> lines;
-  for (const Step& step : chain.steps) addStatements(step, &step == &chain.steps.back(), lines);
-  return lines;
-}
-
-std::string shortCall(const host::Declaration& declaration) {
-  constexpr size_t kFew = 4;
-  const size_t count = declaration.parameters.size();
-  std::string text = declaration.name;
-  if (count > kFew) return text + "(" + std::to_string(count) + " arguments)";
-  for (size_t i = 0; i < count; ++i) {
-    text += (i == 0 ? "(" : ", ") + declaration.parameters[i].name;
+  for (const Step& step : chain.steps) {
+    if (step.type) {
+      addFilter(step, lines);
+    } else {
+      addStatements(step, &step == &chain.steps.back(), lines);
+    }
   }
-  return text + (count == 0 ? "" : ")");
+  return lines;
 }
 
 }  // namespace zvr::gallery

@@ -8,13 +8,10 @@
 
 namespace zvr::gallery {
 
-// "zvr COMMAND WORD... -o OUTPUT", quoted where a shell needs it; no option for an empty output. Where a word
+// "zvr apply WORD... -o OUTPUT", quoted where a shell needs it; no option for an empty output. Where a word
 // reads as an option, words come last and after --.
-std::string shellLine(const std::string& command, const std::vector<std::string>& words,
-                      const std::string& output);
+std::string shellLine(const std::vector<std::string>& words, const std::string& output);
 // The steps as statements; the input is `photo`, files are variables of their names.
 std::vector<std::string> basicLines(const Chain& chain);
-// "ScrollZVR(deltaX, deltaY, wrap, scrollmask)"; of more arguments than four only how many.
-std::string shortCall(const host::Declaration& declaration);
 
 }  // namespace zvr::gallery

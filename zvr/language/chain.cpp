@@ -27,11 +27,6 @@ bool exists(const std::string& path) {
   return std::filesystem::exists(path, error);
 }
 
-// Whether arguments of this type are files.
-bool isFileType(Type type) {
-  return type == Type::picture || type == Type::memoryBlock || type == Type::string;
-}
-
 // NAME=VALUE taken apart.
 struct Named {
   std::string name, value;
@@ -283,6 +278,10 @@ bool concernsTransparency(const Chain& chain) {
 }
 
 bool beginsStep(const std::string& word) { return isLook(word) || !stepsNamed(word).empty(); }
+
+bool isFileType(host::Type type) {
+  return type == Type::picture || type == Type::memoryBlock || type == Type::string;
+}
 
 std::string inputWord(const std::string& path) {
   return beginsStep(path) || path == kBetweenSteps || path == kStandardStream ? "./" + path : path;
