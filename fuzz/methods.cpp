@@ -4,9 +4,12 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cmath>
+#include <iostream>
 #include <string_view>
 
-#include "fuzz/played_host.h"
+#include "frame/application.h"
+#include "frame/host_state.h"
+#include "plugin/plugin_main.h"
 #include "tests/models.h"
 
 namespace {
@@ -28,6 +31,22 @@ class FuzzedRandom : public Random {
   FuzzedDataProvider data_;
 };
 
+// The input found a fault.
+[[noreturn]] void fail(const std::string& what) {
+  std::cerr << what << std::endl;
+  std::abort();
+}
+
+// Begins a host, after others in this process, and enters the plug-in, which is linked in, anew.
+void play(host::Road kind) {
+  setRoad(kind);
+  host::Settings settings = settingsForRoad();
+  settings.guardPages = false;  // the sanitizer watches
+  host::start(settings);
+  setApplicationKind(ApplicationKind::unknown);  // which never changes in a real process
+  REALPluginMain(host::resolve);
+}
+
 double anyReal(Random& random) {
   return random.chance(5) ? NAN
                           : std::ldexp(static_cast<int32_t>(random.word()), random.between(-1100, 1000));
@@ -42,18 +61,18 @@ void callMember(const Member& member, Random& random) {
   scene.run();
   const std::optional<Outcome> expected = promised(call);
   const std::string wrong = expected ? difference(*expected, scene.outcome()) : "";
-  if (!wrong.empty()) fuzz::fail((call.describe() + '\n' + wrong).c_str());
+  if (!wrong.empty()) fail(call.describe() + '\n' + wrong);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   FuzzedRandom random(bytes, size);
-  fuzz::play(random.among({host::Road::cairo, host::Road::console}));
+  play(random.among({host::Road::cairo, host::Road::console}));
   const std::vector<Member> members = everyMember();
   do {
     callMember(members[random.word() % members.size()], random);
   } while (random.chance(80));
-  if (!(host::held() == host::Ledger{})) fuzz::fail(host::describeHeld().c_str());
+  if (!(host::held() == host::Ledger{})) fail(host::describeHeld());
   return 0;
 }

@@ -23,14 +23,6 @@ host::Settings settingsForRoad() {
   return settings;
 }
 
-host::PictureRef makePicture(const Pixels& pixels, bool alpha) {
-  Pixels words = pixels;
-  // Sources carry top bytes that no operation may take for a colour.
-  for (size_t i = 0; i < words.colors.size(); ++i) words.colors[i] |= (i * 37 + 11) << 24;
-  words.alpha = alpha;
-  return pictureOf(words);
-}
-
 host::PictureRef pictureOf(const Pixels& pixels) {
   host::PictureRef picture = host::newPicture(pixels.width, pixels.height, pixels.alpha);
   if (!picture) throw std::runtime_error("no picture");
@@ -71,8 +63,6 @@ Pixels asWritten(Pixels expected) {
   for (int x = 0; x < expected.width && isGdk(); ++x) expected.at(x, 0) = 0;
   return expected;
 }
-
-Rgb unwrittenColor() { return isGdk() ? 0 : kFreshColor; }
 
 uint32_t opaqueTopByte() { return road() == host::Road::cairo ? 0xFF : 0; }
 

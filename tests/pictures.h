@@ -15,9 +15,7 @@ inline bool isConsole() { return road() == host::Road::console; }
 // unwritten ones show.
 host::Settings settingsForRoad();
 constexpr uint32_t kFreshPixel = 0xFF8E4D2B;
-constexpr Rgb kFreshColor = kFreshPixel & 0xFFFFFF;
 
-host::PictureRef makePicture(const Pixels& pixels, bool alpha = false);
 Pixels colorsOf(const host::PictureRef& picture);
 // A picture of these words, with alpha and mask; and back.
 host::PictureRef pictureOf(const Pixels& pixels);
@@ -27,8 +25,7 @@ Pixels asHeld(Pixels pixels);
 
 // A result of a writer as this road shows it: on the GDK road row 0 stays black, on purpose.
 Pixels asWritten(Pixels expected);
-// The colour of pixels that a writer leaves out, and the top byte of words that it writes.
-Rgb unwrittenColor();
+// The top byte of words that a writer writes.
 uint32_t opaqueTopByte();
 
 // A host's value as plain data.

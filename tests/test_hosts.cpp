@@ -21,7 +21,9 @@ class Hosts : public HostTest {
 TEST_F(Hosts, RefusedSurfaces) {
   if (road() != host::Road::cairo) GTEST_SKIP();
   for (const bool alpha : {false, true}) {
-    const auto picture = makePicture({13, 5, Rgb{1}}, alpha);
+    Pixels pixels(13, 5, Rgb{1});
+    pixels.alpha = alpha;
+    const auto picture = pictureOf(pixels);
     host::oddities(picture.get()).nullHandle = true;
     EXPECT_FALSE(callPicture("InvertZVR", picture));
     EXPECT_EQ(host::held().descriptionLocks, alpha ? 1 : 0);
@@ -31,7 +33,7 @@ TEST_F(Hosts, RefusedSurfaces) {
 
 // The road that a process has taken once is the only one from then on.
 TEST_F(Hosts, TheOtherFamilyIsNeverAskedAgain) {
-  const auto picture = makePicture({13, 5, Rgb{1}});
+  const auto picture = pictureOf({13, 5, Rgb{1}});
   EXPECT_TRUE(callPicture("InvertZVR", picture));
   host::oddities(picture.get()).refusesLock = host::oddities(picture.get()).copiesRefuseToo = true;
   host::clearFaults();
@@ -55,7 +57,7 @@ TEST_F(Hosts, MergingLooksForNilBeforeItOpensAPicture) {
 }
 
 TEST_F(Hosts, OneBlockMayTakeAllHistogramsThoughItTellsNoSize) {
-  const auto picture = makePicture({1, 2, Rgb{0x050505}});
+  const auto picture = pictureOf({1, 2, Rgb{0x050505}});
   const auto block = host::newMemoryBlock(Bytes(1024).data(), 1024);
   host::setReportedSize(block.get(), 0);
   host::removeEntryPoint("memoryBlockGetSize");
@@ -65,7 +67,7 @@ TEST_F(Hosts, OneBlockMayTakeAllHistogramsThoughItTellsNoSize) {
 }
 
 TEST_F(Hosts, AStringOfAPictureHasNoEncoding) {
-  const host::Outcome outcome = call("PicturetoBinaryStringZVR", nullptr, {makePicture({1, 1, Rgb{0}})});
+  const host::Outcome outcome = call("PicturetoBinaryStringZVR", nullptr, {pictureOf({1, 1, Rgb{0}})});
   EXPECT_EQ(host::stringEncoding(std::get<host::StringRef>(outcome.result).get()), uint32_t{kEncodingNone});
 }
 
@@ -73,14 +75,14 @@ TEST_F(Hosts, AStringOfAPictureHasNoEncoding) {
 TEST_F(Hosts, FindsWithoutTellingWhere) {
   using Find = RBBoolean(REALpictureStruct*, REALpictureStruct*, int32_t*, int32_t*);
   auto* find = reinterpret_cast<Find*>(host::findMethods("FindPictureZVR").at(0)->function);
-  const auto picture = makePicture({6, 6, Rgb{0x102030}});
+  const auto picture = pictureOf({6, 6, Rgb{0x102030}});
   EXPECT_TRUE(find(picture.get(), picture.get(), nullptr, nullptr));
 }
 
 // A picture may be its own target, channel or part.
 TEST_F(Hosts, PicturesThatAreUsedTwice) {
   const Pixels source = Random(1).pixels(8, 5);
-  const auto picture = makePicture(source);
+  const auto picture = pictureOf(source);
   EXPECT_EQ(colorsOf(callPicture("ReplaceRedChannelZVR", picture, {picture})), asWritten(source));
   EXPECT_EQ(colorsOf(callPicture("MergePictureZVR", {}, {picture, picture})), asWritten(source));
   Bytes inverse(256);
@@ -113,7 +115,7 @@ TEST_F(Hosts, ToningKeepsNoOldDestination) {
   for (const auto& [factor, weight] :
        {std::pair("FactorRed", 0.299), {"FactorBlue", 0.587}, {"FactorGreen", 0.114}})
     EXPECT_EQ(std::get<double>(host::getProperty(sepia.get(), factor)), weight) << "at first";
-  const auto old = makePicture({3, 2, Rgb{1}});
+  const auto old = pictureOf({3, 2, Rgb{1}});
   for (const char* property : {"SourcePicture", "DestinationPicture"})
     host::setProperty(sepia.get(), property, old);
   host::call(host::members().classes.at(0).methods.at(1), sepia.get(), {});

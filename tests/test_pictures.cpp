@@ -88,7 +88,7 @@ TEST_F(Pictures, WritersNeverShowACopy) {
 
 TEST_F(Pictures, ClonesWithAndWithoutMasks) {
   const Pixels pixels = Random(5).pixels(5, 3), maskPixels = Random(6).pixels(5, 3);
-  const auto picture = makePicture(pixels), mask = makePicture(maskPixels);
+  const auto picture = pictureOf(pixels), mask = pictureOf(maskPixels);
   host::setPictureMask(picture.get(), mask.get());
   EXPECT_EQ(host::pictureMask(own(ClonePicture(picture.get())).get()), nullptr);
   for (const auto& clone :
@@ -108,7 +108,7 @@ TEST_F(Pictures, ClonesWithAndWithoutMasks) {
 // Between whole console bitmaps of one size, moved nowhere and not scaled.
 TEST_F(Pictures, OwnCopy) {
   const Pixels pixels = Random(8).pixels(4, 3);
-  const auto source = makePicture(pixels), target = makePicture({4, 3, Rgb{0}});
+  const auto source = pictureOf(pixels), target = pictureOf({4, 3, Rgb{0}});
   const auto copies = [&](int32_t x = 0, int32_t sourceWidth = 4) {
     return OwnCopy(target.get(), source.get(), x, 0, 4, 3, 0, 0, sourceWidth, 3);
   };
