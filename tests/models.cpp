@@ -328,11 +328,9 @@ void isAll(Outcome& call, size_t withRectangle, Rgb otherwise, const Passes& pas
   call.result = all;
 }
 
-void isBlack(Outcome& call) {
-  isAll(call, 5, 0x000000, [](Rgb p) { return p == 0x000000; });
-}
-void isWhite(Outcome& call) {
-  isAll(call, 5, 0xFFFFFF, [](Rgb p) { return p == 0xFFFFFF; });
+template <Rgb color>
+void isOnly(Outcome& call) {
+  isAll(call, 5, color, [](Rgb p) { return p == color; });
 }
 void isGray(Outcome& call) {
   // One below 0 counts as its amount.
@@ -612,8 +610,8 @@ const std::map<std::string, void (*)(Outcome&)> kModels = {
     {"ChangeSaturationZVR", saturate},
     {"TintPictureZVR", tint},
     {"ColornessZVR", colorness},
-    {"isBlackZVR", isBlack},
-    {"isWhiteZVR", isWhite},
+    {"isBlackZVR", isOnly<0x000000>},
+    {"isWhiteZVR", isOnly<0xFFFFFF>},
     {"isGrayZVR", isGray},
     {"ExtractColorRectangleMaskZVR", colorMask},
     {"FindPictureZVR", find},

@@ -47,11 +47,7 @@ host::Outcome HostTest::call(const std::string& name, REALobjectStruct* receiver
 
 host::PictureRef HostTest::callPicture(const std::string& name, const host::PictureRef& receiver,
                                        std::vector<host::Value> arguments) {
-  host::Outcome outcome = call(name, receiver.get(), std::move(arguments));
-  if (outcome.exception)
-    ADD_FAILURE() << name << " raised " << outcome.exception->className << ": " << outcome.exception->message;
-  const auto* picture = std::get_if<host::PictureRef>(&outcome.result);
-  return picture ? *picture : host::PictureRef();
+  return std::get<host::PictureRef>(call(name, receiver.get(), std::move(arguments)).result);
 }
 
 namespace {

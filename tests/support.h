@@ -31,7 +31,7 @@ class HostTest : public ::testing::Test {
   // there is none.
   host::Outcome call(const std::string& name, REALobjectStruct* receiver,
                      std::vector<host::Value> arguments = {});
-  // The picture that a call answers, empty for nil; an exception that was raised fails the test.
+  // The picture that a call answers, empty for nil. Throws when an exception was raised.
   host::PictureRef callPicture(const std::string& name, const host::PictureRef& receiver,
                                std::vector<host::Value> arguments = {});
 
