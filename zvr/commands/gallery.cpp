@@ -6,7 +6,7 @@
 
 #include "zvr/commands/commands.h"
 #include "zvr/files/files.h"
-#include "zvr/gallery/calls.h"
+#include "zvr/gallery/page.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
@@ -34,11 +34,9 @@ int show(const Options& options, const GalleryOptions& own) {
   const std::string folder = folderOf(own);
   const Session session(options);
   const gallery::Material material = gallery::prepare(own.input, own.sound, folder);
-  gallery::Exhibition exhibition = gallery::exhibitionOf(material);
-  exhibition.input = fs::path(own.input).filename();
-  exhibition.host = std::string(session.host()) + ", version " + options.hostVersion;
-  const std::string html = gallery::page(exhibition);
-  writeFile(material.page, Bytes(html.begin(), html.end()));
+  const std::string host = std::string(session.host()) + ", version " + options.hostVersion;
+  const std::string html = gallery::page(material, fs::path(own.input).filename(), host);
+  writeFile(material.page, {html.begin(), html.end()});
   terminal::printWritten(material.page);
   return kDone;
 }
@@ -47,19 +45,12 @@ int show(const Options& options, const GalleryOptions& own) {
 
 void addGallery(CLI::App& program, const Options& options, Run& run) {
   CLI::App* command = program.add_subcommand(
-      "gallery", "One HTML page that shows every method on a photograph:\n  zvr gallery INPUT [-o FOLDER]");
+      "gallery",
+      "Make one HTML page that shows every method on a photograph:\n  zvr gallery INPUT [-o FOLDER]");
   const auto own = std::make_shared<GalleryOptions>();
   command->add_option("INPUT", own->input, "Picture file")->required();
   command->add_option("-o,--output", own->output, "Folder; without it NAME-gallery beside the input");
   command->add_option("--sound", own->sound, "A sound file to draw; without it a made-up tone");
-  command->footer(
-      "FOLDER/index.html needs nothing beside itself: a contact sheet, and each call before and after, with\n"
-      "histograms, answers and its lines for a shell and a program. FOLDER/files has the files that the\n"
-      "calls take, so that the lines can be run. Photographs above 12 megapixels are scaled down first.\n"
-      "\n"
-      "Examples:\n"
-      "  zvr gallery photo.jpg -o gallery\n"
-      "  zvr gallery photo.jpg --sound speech.wav -o gallery\n");
   command->callback([&run, &options, own] { run = [&options, own] { return show(options, *own); }; });
 }
 
