@@ -6,7 +6,7 @@
 
 #include "zvr/commands/commands.h"
 #include "zvr/files/files.h"
-#include "zvr/gallery/calls.h"
+#include "zvr/gallery/page.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
 
@@ -34,11 +34,9 @@ int show(const Options& options, const GalleryOptions& own) {
   const std::string folder = folderOf(own);
   const Session session(options);
   const gallery::Material material = gallery::prepare(own.input, own.sound, folder);
-  gallery::Exhibition exhibition = gallery::exhibitionOf(material);
-  exhibition.input = fs::path(own.input).filename();
-  exhibition.host = std::string(session.host()) + ", version " + options.hostVersion;
-  const std::string html = gallery::page(exhibition);
-  writeFile(material.page, Bytes(html.begin(), html.end()));
+  const std::string host = std::string(session.host()) + ", version " + options.hostVersion;
+  const std::string html = gallery::page(material, fs::path(own.input).filename(), host);
+  writeFile(material.page, {html.begin(), html.end()});
   terminal::printWritten(material.page);
   return kDone;
 }

@@ -1,15 +1,14 @@
 #include "zvr/gallery/material.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <filesystem>
 #include <unordered_map>
 
 #include "zvr/files/files.h"
 #include "zvr/files/sound.h"
-#include "zvr/gallery/page.h"
-#include "zvr/gallery/scaling.h"
+#include "zvr/gallery/pictures.h"
+#include "zvr/language/arguments.h"
 #include "zvr/language/chain.h"
 #include "zvr/language/outputs.h"
 #include "zvr/language/signatures.h"
@@ -20,32 +19,9 @@ namespace {
 namespace fs = std::filesystem;
 
 // Larger photographs are scaled down before the calls run on them.
-constexpr int64_t kMostPixels = 12'000'000;
+constexpr int64_t kMostPixels = 3'000'000;
 
 // ---- Pictures ----
-
-using Pixel = std::array<uint8_t, 4>;
-
-Pixel pixelAt(const Image& image, int x, int y) {
-  Pixel pixel;
-  std::copy_n(image.row(y) + static_cast<size_t>(x) * 4, 4, pixel.begin());
-  return pixel;
-}
-
-// A picture of the pixels that `pixelOf` answers for each place.
-template <typename PixelOf>
-Image drawn(int width, int height, bool hasAlpha, PixelOf pixelOf) {
-  Image image;
-  image.allocate(static_cast<unsigned>(std::max(1, width)), static_cast<unsigned>(std::max(1, height)));
-  image.hasAlpha = hasAlpha;
-  for (int y = 0; y < image.height; ++y) {
-    for (int x = 0; x < image.width; ++x) {
-      const Pixel pixel = pixelOf(x, y);
-      std::copy_n(pixel.begin(), 4, image.row(y) + static_cast<size_t>(x) * 4);
-    }
-  }
-  return image;
-}
 
 Image turned(const Image& photo) {
   return drawn(photo.width, photo.height, photo.hasAlpha,
@@ -184,9 +160,8 @@ Material prepare(const std::string& input, const std::string& sound, const std::
   writeFile(fields["table"], posterTable());
   writeFile(fields["samples"], samples);
   writeFile(fields["look"], Bytes(kLook.begin(), kLook.end()));
-  // Every column has two samples of its own.
-  const size_t columns = std::clamp<size_t>(samples.size() / 4, 1, kShownSide);
-  fields["columns"] = std::to_string(columns);
+  // Every column has two samples of its own; the page shows no more of them.
+  fields["columns"] = std::to_string(std::clamp<size_t>(samples.size() / 4, 1, 800));
   fields["common"] = commonColor(photo);
   material.pictures = {"photo", "scan", "cutout"};
   material.width = photo.width;

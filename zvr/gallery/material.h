@@ -16,7 +16,7 @@ struct Material {
 };
 
 // Writes into `folder`/files what is made from the photograph and the sound (empty: a made-up tone).
-// Photographs above 12 megapixels are scaled down first. Throws UsageError where an output is an input, and
+// Photographs above 3 megapixels are scaled down first. Throws UsageError where an output is an input, and
 // Failure.
 Material prepare(const std::string& photo, const std::string& sound, const std::string& folder);
 

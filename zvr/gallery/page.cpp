@@ -1,21 +1,23 @@
 #include "zvr/gallery/page.h"
 
-#include <magick/api.h>
-
 #include <algorithm>
-#include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <kainjow/mustache.hpp>
 #include <map>
 #include <stdexcept>
-#include <unordered_set>
 
-#include "zvr/gallery/scaling.h"
+#include "zvr/gallery/examples.h"
+#include "zvr/gallery/pictures.h"
+#include "zvr/gallery/words.h"
+#include "zvr/language/signatures.h"
+#include "zvr/language/walk.h"
 #include "zvr/terminal/failures.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr::gallery {
 
-// page.html, from the build.
+// page.html, from the build. It names what is shown; a section whose name is missing is left out.
 extern const char* const kGalleryHtml;
 
 namespace {
@@ -24,12 +26,14 @@ using kainjow::mustache::data;
 using kainjow::mustache::list;
 using kainjow::mustache::object;
 
-// Longer side and quality of the large pictures, from what is wanted to what fits.
+// Longer side and quality of pictures for screens of double density, from what is wanted to what fits. Others
+// get half the side, and the contact sheet a third.
 struct Fineness {
   int side, quality;
 };
-constexpr Fineness kFinenesses[] = {{kShownSide, 70}, {kShownSide, 50}, {640, 50}, {480, 40}, {320, 40}};
-constexpr int kThumbQuality = 65;
+constexpr Fineness kFinenesses[] = {{800, 60}, {800, 45}, {640, 45}, {480, 40}, {240, 30}};
+// The same of pictures that calls were given.
+constexpr int kFactSide = 128, kFactQuality = 60;
 
 template <typename Range, typename Make>
 list listOf(const Range& range, Make make) {
@@ -38,100 +42,7 @@ list listOf(const Range& range, Make make) {
   return result;
 }
 
-// A section of an empty text is left out.
-data textOrNothing(const std::string& text) { return text.empty() ? data(false) : data(text); }
-
-// ---- Pictures ----
-
-bool isFlat(const Image& image) {
-  constexpr size_t kFewColors = 256;
-  std::unordered_set<uint32_t> colors;
-  for (size_t i = 0; i < image.byteCount() && colors.size() <= kFewColors; i += sizeof(uint32_t)) {
-    uint32_t pixel = 0;
-    std::memcpy(&pixel, image.pixels.get() + i, sizeof(pixel));
-    colors.insert(pixel);
-  }
-  return colors.size() <= kFewColors;
-}
-
-// Drawings as PNG, photographs as WebP, which keeps transparency as well.
-std::string dataUri(const Image& image, int side, int quality) {
-  const Image shown = scaledDown(image, side);
-  Writing writing;
-  writing.format = isFlat(shown) ? "png" : "webp";
-  writing.quality = quality;
-  writing.compression = 9;
-  const Bytes bytes = encodeImage(shown, writing);
-  size_t length = 0;
-  const std::unique_ptr<char, void (*)(void*)> text(Base64Encode(bytes.data(), bytes.size(), &length),
-                                                    MagickFree);
-  if (!text) throw std::bad_alloc();
-  return "data:image/" + writing.format + ";base64," + std::string(text.get(), length);
-}
-
-// For both densities of screens; a small picture is the same for both.
-object bothSizes(const Image& image, const Fineness& fineness) {
-  const int half = fineness.side / 2;
-  const bool isLarge = std::max(image.width, image.height) > half;
-  return {{"small", dataUri(image, half, fineness.quality + 10)},
-          {"large", isLarge ? data(dataUri(image, fineness.side, fineness.quality)) : data(false)},
-          {"width", std::to_string(image.width)},
-          {"height", std::to_string(image.height)}};
-}
-
-// ---- Plots ----
-
-uint32_t tallestOf(const Histogram& histogram) {
-  uint32_t tallest = 0;
-  for (const auto& channel : histogram)
-    for (const uint32_t count : channel) tallest = std::max(tallest, count);
-  return tallest;
-}
-
-// Of a bar, from 0 to 1. A few values, often black and white, occur so often that plain heights would show
-// nothing else.
-double heightOf(uint32_t count, uint32_t tallest) {
-  return std::cbrt(static_cast<double>(count) / static_cast<double>(tallest));
-}
-
-// Bars above a base line at 0.
-std::string barsPath(const std::vector<uint32_t>& counts, uint32_t tallest) {
-  constexpr double kHeight = 80;
-  std::string path = "M0 0";
-  long last = 0;
-  for (const uint32_t count : counts) {
-    const long y = std::lround(-kHeight * heightOf(count, tallest));
-    path += "v" + std::to_string(y - last) + "h1";
-    last = y;
-  }
-  return path + "V0Z";
-}
-
-list channelsOf(const Histogram& histogram, uint32_t tallest) {
-  list channels;
-  for (size_t i = 0; i < histogram.size(); ++i) {
-    channels.push_back(
-        object{{"channel", std::string(1, "rgb"[i])}, {"path", barsPath(histogram[i], tallest)}});
-  }
-  return channels;
-}
-
-data plotOf(const Form& form) {
-  const uint32_t before = form.isComparable ? tallestOf(form.before->histogram) : 0;
-  const uint32_t tallest = std::max(before, tallestOf(form.histogram));
-  if (tallest == 0) return false;
-  return object{{"behind", before == 0 ? data(false) : data(std::to_string(heightOf(before, tallest)))},
-                {"channels", channelsOf(form.histogram, tallest)}};
-}
-
-std::string curvePath(const Bytes& table) {
-  std::string path;
-  for (size_t i = 0; i < table.size(); ++i)
-    path += (i == 0 ? "M" : "L") + std::to_string(i) + " " + std::to_string(255 - table[i]);
-  return path;
-}
-
-// ---- Cards ----
+// ---- Names ----
 
 // A long name may be broken before its capitals.
 list wordsOf(const std::string& name) {
@@ -147,140 +58,297 @@ list wordsOf(const std::string& name) {
   return words;
 }
 
-// "Replace…ChannelZVR" for names that begin alike; otherwise all of them.
-std::string titleOf(const Card& card) {
-  std::string title = card.forms[0].name;
-  for (const Form& form : card.forms) {
-    const std::string& name = form.name;
-    if (title.find(name) != std::string::npos) continue;
-    const auto prefix = std::mismatch(name.begin(), name.end(), title.begin(), title.end()).first;
-    const auto suffix = std::mismatch(name.rbegin(), name.rend(), title.rbegin(), title.rend()).first.base();
-    title = prefix == name.begin()
-                ? title + ", " + name
-                : std::string(name.begin(), prefix) + "…" + std::string(suffix, name.end());
-  }
-  return title;
+// "Replace…ChannelZVR" for names that begin alike; otherwise one after the other.
+std::string joined(const std::string& title, const std::string& name) {
+  if (title.empty()) return name;
+  if (title.find(name) != std::string::npos) return title;
+  const auto prefix = std::mismatch(name.begin(), name.end(), title.begin(), title.end()).first;
+  const auto suffix = std::mismatch(name.rbegin(), name.rend(), title.rbegin(), title.rend()).first.base();
+  if (prefix == name.begin()) return title + ", " + name;
+  return std::string(name.begin(), prefix) + "…" + std::string(suffix, name.end());
 }
 
-data markOf(const std::optional<Place>& place) {
-  if (!place) return false;
-  return object{{"left", std::to_string(place->left)},
-                {"top", std::to_string(place->top)},
-                {"width", std::to_string(place->width)},
-                {"height", std::to_string(place->height)}};
-}
+// ---- What a call was given and what it answered ----
 
-object swatchOf(const Swatch& swatch) {
-  char hex[8];
-  std::snprintf(hex, sizeof(hex), "%06X", swatch.rgb & 0xFFFFFF);
-  return {{"swatch", swatch.name}, {"hex", hex}};
-}
-
-list callsOf(const Form& form) {
-  std::string basic;
-  for (const std::string& line : form.basicLines) basic += (basic.empty() ? "" : "\n") + line;
-  list calls;
-  if (!form.zvrLine.empty()) calls.push_back(object{{"language", "zvr"}, {"code", form.zvrLine}});
-  if (!basic.empty()) calls.push_back(object{{"language", "BASIC"}, {"code", basic}});
-  return calls;
-}
-
-class Writer {
+class Call {
  public:
-  explicit Writer(const Fineness& fineness) : fineness_(fineness) {}
+  Call(const Step& step, const host::Outcome& outcome) : step_(step), outcome_(outcome) {}
 
-  std::string page(const Exhibition& exhibition) {
-    const std::string width = std::to_string(exhibition.width), height = std::to_string(exhibition.height);
-    kainjow::mustache::mustache sheet{kGalleryHtml};
-    const std::string html =
-        sheet.render(object{{"input", exhibition.input},
-                            {"notes", exhibition.notes},
-                            {"photoWidth", width},
-                            {"photoHeight", height},
-                            {"ratio", width + " / " + height},
-                            {"befores", listOf(exhibition.befores, [&](auto& one) { return before(one); })},
-                            {"groups", listOf(exhibition.groups, [&](auto& one) { return group(one); })},
-                            {"version", ZVR_VERSION},
-                            {"host", exhibition.host}});
-    if (!sheet.is_valid()) throw std::logic_error("page.html: " + sheet.error_message());
+  // Everything but pictures and blocks.
+  list answers() const {
+    list answers;
+    const auto add = [&](const std::string& name, host::Type type, const host::Value& value) {
+      if (type == host::Type::none || type == host::Type::picture || type == host::Type::memoryBlock) return;
+      answers.push_back(object{{"answer", name}, {"value", valueText(value)}});
+    };
+    add(step_.declaration.name, step_.declaration.result, outcome_.result);
+    for (size_t i = 0; i < outcome_.arguments.size(); ++i) {
+      const host::Parameter& parameter = step_.declaration.parameters[i];
+      if (parameter.byRef) add(parameter.name, parameter.type, outcome_.arguments[i]);
+    }
+    return answers;
+  }
+
+  // Colours, pictures from files, and tables of 256 values, each table once.
+  list facts() const {
+    list facts;
+    std::vector<Bytes> tables;
+    for (size_t i = 0; i < outcome_.arguments.size(); ++i) {
+      const host::Parameter& parameter = step_.declaration.parameters[i];
+      const host::Value& value = outcome_.arguments[i];
+      if (std::holds_alternative<host::Color>(value))
+        facts.push_back(
+            object{{"name", parameter.name}, {"hex", valueText(value).substr(std::strlen("&c"))}});
+      addPicture(step_.arguments[i], parameter.type, facts);
+      Bytes bytes = bytesOf(value);
+      if (bytes.size() != 256 || std::count(tables.begin(), tables.end(), bytes) > 0) continue;
+      facts.push_back(object{{"curve", curvePath(bytes)}});
+      tables.push_back(std::move(bytes));
+    }
+    if (step_.assigned) addPicture(*step_.assigned, step_.declaration.result, facts);
+    return facts;
+  }
+
+  // The place where a picture was found, or the rectangle of the call.
+  data mark() const {
+    if (const host::Value* left = value("left"))
+      return object{{"left", valueText(*left)},
+                    {"top", valueText(*value("top"))},
+                    {"width", valueText(*value("width"))},
+                    {"height", valueText(*value("height"))}};
+    const host::Value* sought = value("pic");
+    const auto* isFound = std::get_if<bool>(&outcome_.result);
+    if (!sought || !isFound || !*isFound) return false;
+    REALpictureStruct* found = std::get<host::PictureRef>(*sought).get();
+    return object{{"left", valueText(*value("x"))},
+                  {"top", valueText(*value("y"))},
+                  {"width", std::to_string(host::pictureWidth(found))},
+                  {"height", std::to_string(host::pictureHeight(found))}};
+  }
+
+ private:
+  static void addPicture(const Argument& argument, host::Type type, list& facts) {
+    const auto* file = std::get_if<ArgumentFile>(&argument);
+    if (!file || type != host::Type::picture) return;
+    facts.push_back(object{{"name", std::filesystem::path(file->path).stem().string()},
+                           {"picture", dataUri(loadImage(file->path), kFactSide, kFactQuality)}});
+  }
+
+  // Null without a parameter of the name.
+  const host::Value* value(const char* name) const {
+    for (size_t i = 0; i < outcome_.arguments.size(); ++i)
+      if (host::equalNames(step_.declaration.parameters[i].name, name)) return &outcome_.arguments[i];
+    return nullptr;
+  }
+
+  const Step& step_;
+  const host::Outcome& outcome_;
+};
+
+// ---- The page ----
+
+// Neighbours that are alike.
+template <typename IsAlike>
+std::vector<std::vector<Example>> parted(const std::vector<Example>& examples, IsAlike isAlike) {
+  std::vector<std::vector<Example>> parts;
+  for (const Example& example : examples) {
+    if (parts.empty() || !isAlike(parts.back().back(), example)) parts.emplace_back();
+    parts.back().push_back(example);
+  }
+  return parts;
+}
+
+list channelsOf(const Histogram& histogram, uint32_t tallest) {
+  list channels;
+  for (size_t i = 0; i < histogram.size(); ++i) {
+    channels.push_back(
+        object{{"channel", std::string(1, "rgb"[i])}, {"path", barsPath(histogram[i], tallest)}});
+  }
+  return channels;
+}
+
+data plotOf(const Histogram& histogram, const Histogram& behind) {
+  const uint32_t before = tallestOf(behind), tallest = std::max(before, tallestOf(histogram));
+  if (tallest == 0) return false;
+  object plot{{"channels", channelsOf(histogram, tallest)}};
+  if (before > 0) plot["behind"] = std::to_string(heightOf(before, tallest));
+  return plot;
+}
+
+class Page {
+ public:
+  Page(const Material& material, const Fineness& fineness)
+      : material_(material),
+        fineness_(fineness),
+        examples_(registeredExamples()),
+        progress_(examples_.size()) {}
+
+  std::string html(const std::string& title, const std::string& host) {
+    const list befores = listOf(material_.pictures, [&](auto& name) { return before(name); });
+    const auto families = parted(examples_, [](auto& a, auto& b) { return a.family == b.family; });
+    const std::string width = std::to_string(material_.width), height = std::to_string(material_.height);
+    kainjow::mustache::mustache page{kGalleryHtml};
+    std::string html =
+        page.render(object{{"input", title},
+                           {"notes", material_.notes},
+                           {"photoWidth", width},
+                           {"photoHeight", height},
+                           {"ratio", width + " / " + height},
+                           {"befores", befores},
+                           {"groups", listOf(families, [&](auto& part) { return group(part); })},
+                           {"version", ZVR_VERSION},
+                           {"host", host}});
+    if (!page.is_valid()) throw std::logic_error("page.html: " + page.error_message());
     return html;
   }
 
  private:
-  object before(const Before& before) const {
-    object result = bothSizes(before.image, fineness_);
-    result["before"] = before.name;
-    result["channels"] = channelsOf(before.histogram, tallestOf(before.histogram));
+  // A picture that calls start from.
+  struct Before {
+    std::string name;
+    Histogram histogram;
+  };
+
+  std::vector<std::string> filled(const Example& example) const {
+    return filledWords(example.words, material_.fields, material_.width, material_.height);
+  }
+
+  // Those that the loaded plug-in has members for.
+  std::vector<Example> registeredExamples() const {
+    std::vector<Example> registered;
+    for (Example& example : examples()) {
+      const std::vector<std::string> words = filled(example);
+      if (std::any_of(words.begin() + 1, words.end(), beginsStep)) registered.push_back(std::move(example));
+    }
+    return registered;
+  }
+
+  // A small picture has no large one beside it.
+  object sizesOf(const Image& image) const {
+    const auto [side, quality] = fineness_;
+    const Image large = scaledDown(image, side);
+    object sizes{{"thumb", dataUri(large, side / 3, quality)},
+                 {"small", dataUri(large, side / 2, quality + 15)},
+                 {"width", std::to_string(large.width)},
+                 {"height", std::to_string(large.height)}};
+    if (std::max(large.width, large.height) > side / 2) sizes["large"] = dataUri(large, side, quality);
+    return sizes;
+  }
+
+  object before(const std::string& name) {
+    const Image image = loadImage(material_.fields.at(name));
+    const Histogram histogram = histogramOf(image);
+    befores_[material_.fields.at(name)] = {name, histogram};
+    object result = sizesOf(image);
+    result["before"] = name;
+    result["channels"] = channelsOf(histogram, tallestOf(histogram));
     return result;
   }
 
-  object group(const Group& group) {
+  object group(const std::vector<Example>& examples) {
+    const auto cards = parted(examples, [](auto& a, auto& b) { return a.place / 10 == b.place / 10; });
     return {{"group", "group-" + std::to_string(++groupCount_)},
-            {"title", group.title},
-            {"cards", listOf(group.cards, [&](auto& one) { return card(one); })}};
+            {"title", examples[0].family},
+            {"cards", listOf(cards, [&](auto& part) { return card(part); })}};
   }
 
-  object card(const Card& card) {
-    const std::string title = titleOf(card);
-    list forms = listOf(card.forms, [&](auto& one) { return form(one, &one == &card.forms[0]); });
+  object card(const std::vector<Example>& examples) {
+    std::string title;
+    bool isConsoleSafe = false;
+    list forms;
+    for (const Example& example : examples) {
+      const std::vector<std::string> words = filled(example);
+      const Chain chain = parseChain(words, {});
+      const Step& step = chain.steps.back();
+      title = joined(title, step.declaration.name);
+      isConsoleSafe = isConsoleSafe || step.isConsoleSafe();
+      object shown = form(example, chain);
+      shown["calls"] = list{object{{"language", "zvr"}, {"code", shellLine(words, outputOf(step, shown))}},
+                            object{{"language", "BASIC"}, {"code", basicText(chain)}}};
+      shown["isShown"] = forms.empty();
+      forms.push_back(shown);
+      progress_.advance();
+    }
     return {{"card", "card-" + std::to_string(++cardCount_)},
             {"title", title},
             {"words", wordsOf(title)},
-            {"isForDesktops", std::none_of(card.forms.begin(), card.forms.end(),
-                                           [](const Form& form) { return form.isConsoleSafe; })},
-            {"isSwitched", card.forms.size() > 1},
+            {"isForDesktops", !isConsoleSafe},
+            {"isSwitched", forms.size() > 1},
             {"forms", forms}};
   }
 
-  object form(const Form& form, bool isShown) {
-    const int count = ++uses_[form.name];
-    const bool isCounted = !form.after && !form.histogram[0].empty();
-    const data picture = form.after ? data(bothSizes(*form.after, fineness_)) : data(false);
-    return {{"anchor", form.name + (count == 1 ? "" : "-" + std::to_string(count))},
-            {"isFirst", count == 1},
-            {"isShown", isShown},
-            {"name", form.name},
-            {"words", wordsOf(form.name)},
-            {"label", form.label},
-            {"signature", form.signature},
-            {"says", form.says},
-            {"problem", textOrNothing(form.problem)},
-            {"before", form.before && !isCounted ? form.before->name : ""},
-            {"thumb", form.after ? data(dataUri(*form.after, kThumbSide, kThumbQuality)) : data(false)},
-            {"compared", form.isComparable ? picture : data(false)},
-            {"alone", form.isComparable ? data(false) : picture},
-            {"asked", form.before && !form.after && !isCounted},
-            {"mark", markOf(form.place)},
-            {"answer",
-             form.after || isCounted || form.answers.empty() ? data(false) : data(form.answers[0].second)},
-            {"hasAnswers", !form.answers.empty()},
-            {"answers", listOf(form.answers,
-                               [](auto& one) {
-                                 return object{{"answer", one.first}, {"value", one.second}};
-                               })},
-            {"hasFacts", !form.swatches.empty() || !form.pictures.empty() || !form.curves.empty()},
-            {"swatches", listOf(form.swatches, swatchOf)},
-            {"pictures", listOf(form.pictures,
-                                [](auto& one) {
-                                  return object{
-                                      {"file", one.first},
-                                      {"picture", dataUri(one.second, kThumbSide / 2, kThumbQuality)}};
-                                })},
-            {"curves", listOf(form.curves, curvePath)},
-            {"plot", plotOf(form)},
-            {"calls", callsOf(form)}};
+  static std::string outputOf(const Step& step, const object& form) {
+    if (step.declaration.result == host::Type::string) return "out.bin";
+    return step.declaration.result == host::Type::picture || form.count("thumb") > 0 ? "out.png" : "";
   }
 
+  object form(const Example& example, const Chain& chain) {
+    const Step& step = chain.steps.back();
+    const std::string& name = step.declaration.name;
+    const int count = ++uses_[name];
+    object form{{"anchor", name + (count == 1 ? "" : "-" + std::to_string(count))},
+                {"isFirst", count == 1},
+                {"name", name},
+                {"words", wordsOf(name)},
+                {"label", example.label},
+                {"signature", step.method ? step.method->text : "Class " + name},
+                {"says", example.says}};
+    try {
+      run(chain, form);
+    } catch (const Failure& failure) {
+      form["problem"] = failure.what();
+    }
+    return form;
+  }
+
+  void run(const Chain& chain, object& form) {
+    PictureOptions options;
+    const bool asOnHost = concernsTransparency(chain);
+    if (asOnHost) options.alpha = Alpha::premultiplied;
+    const std::string& input = chain.inputs[0];
+    Walk walk(input, readBytes(input), options, asOnHost);
+    host::Outcome outcome;
+    for (const Step& step : chain.steps) outcome = walk.take(step);
+    const Step& step = chain.steps.back();
+    const Call call(step, outcome);
+    const list answers = call.answers(), facts = call.facts();
+    if (!answers.empty()) form["answers"] = object{{"list", answers}};
+    if (!facts.empty()) form["facts"] = object{{"list", facts}};
+    const auto before = befores_.find(input);
+    if (before != befores_.end()) form["before"] = before->second.name;
+    const Histogram counted = histogramIn(outcome.arguments);
+    if (walk.hasResult() && step.declaration.result != host::Type::string) {
+      addPicture(walk.picture(), before == befores_.end() ? nullptr : &before->second, form);
+    } else if (tallestOf(counted) > 0) {
+      form["plot"] = plotOf(counted, {});
+    } else if (before != befores_.end()) {
+      form["asked"] = object{{"value", valueText(outcome.result)}};
+      form["mark"] = call.mark();
+    }
+  }
+
+  void addPicture(const Image& after, const Before* before, object& form) const {
+    const bool isCompared = before && after.width == material_.width && after.height == material_.height;
+    object sizes = sizesOf(after);
+    form["thumb"] = data(sizes["thumb"]);
+    form[isCompared ? "compared" : "alone"] = sizes;
+    if (isCompared) form["plot"] = plotOf(histogramOf(after), before->histogram);
+  }
+
+  const Material& material_;
   const Fineness fineness_;
-  int groupCount_ = 0, cardCount_ = 0;
+  const std::vector<Example> examples_;
+  terminal::Progress progress_;
+  std::map<std::string, Before> befores_;  // by their paths
   std::map<std::string, int> uses_;
+  int groupCount_ = 0, cardCount_ = 0;
 };
 
 }  // namespace
 
-std::string page(const Exhibition& exhibition) {
+std::string page(const Material& material, const std::string& title, const std::string& host) {
   for (const Fineness& fineness : kFinenesses) {
-    std::string html = Writer(fineness).page(exhibition);
+    std::string html = Page(material, fineness).html(title, host);
     if (html.size() <= kLargestPage) return html;
   }
   throw Failure("the page would be larger than " + std::to_string(kLargestPage) + " bytes");

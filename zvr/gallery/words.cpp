@@ -85,7 +85,7 @@ std::string shellLine(const std::vector<std::string>& words, const std::string& 
   return needsMark ? line : line + option;
 }
 
-std::vector<std::string> basicLines(const Chain& chain) {
+std::string basicText(const Chain& chain) {
   std::vector<std::string> lines;
   for (const Step& step : chain.steps) {
     if (step.type) {
@@ -94,7 +94,9 @@ std::vector<std::string> basicLines(const Chain& chain) {
       addStatements(step, &step == &chain.steps.back(), lines);
     }
   }
-  return lines;
+  std::string text;
+  for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+  return text;
 }
 
 }  // namespace zvr::gallery
