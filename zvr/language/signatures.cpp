@@ -70,7 +70,8 @@ std::string signature(const host::Declaration& declaration, Style nameStyle, siz
   std::string text, separator = "(";
   for (const host::Parameter& parameter : declaration.parameters) {
     if (text.empty() && declaration.name.size() + 1 + parameter.name.size() > width) separator = "( ";
-    std::string own = (parameter.byRef ? "byref " : "") + parameter.name + " as " + host::typeName(parameter.type) +
+    std::string own = (parameter.byRef ? "byref " : "") + parameter.name + " as " +
+                      host::typeName(parameter.type) +
                       (parameter.hasDefault ? " = " + parameter.defaultText : "");
     if (width >= kNarrow) std::replace(own.begin(), own.end(), ' ', terminal::kHardSpace);
     text += separator + own;

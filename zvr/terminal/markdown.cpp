@@ -52,8 +52,8 @@ std::string textOf(cmark_node* node, Style style = Style::plain) {
   return text;
 }
 
-// Columns side by side, the last folded as needed; where too little would be left of it, the cells of each row below
-// the first one, after their headings if the first row has them.
+// Columns side by side, the last folded as needed; where too little would be left of it, the cells of each
+// row below the first one, after their headings if the first row has them.
 Lines tableOf(const std::vector<Row>& rows, bool hasHeadings, size_t width) {
   constexpr size_t kGap = 2, kLeast = 20;
   std::vector<size_t> columns(rows[0].size());
@@ -73,7 +73,8 @@ Lines tableOf(const std::vector<Row>& rows, bool hasHeadings, size_t width) {
         line += "  " + rows[y][i];
         if (i + 1 < columns.size()) line.append(columns[i] - kGap - widthOf(rows[y][i]), ' ');
       } else if (!rows[y][i].empty()) {
-        add(std::string(i == 0 ? 2 : 6, ' ') + (hasHeadings && i > 0 ? rows[0][i] + ": " : "") + rows[y][i], 6);
+        add(std::string(i == 0 ? 2 : 6, ' ') + (hasHeadings && i > 0 ? rows[0][i] + ": " : "") + rows[y][i],
+            6);
       }
     }
     if (isWide) add(line, left);
@@ -126,7 +127,8 @@ Lines linesOf(cmark_node* block, size_t width) {
   if (type == "list") return list(block, width);
   Lines lines;
   if (type == "code_block") {
-    for (const std::string& line : terminal::split(cmark_node_get_literal(block), '\n')) lines.push_back("    " + line);
+    for (const std::string& line : terminal::split(cmark_node_get_literal(block), '\n'))
+      lines.push_back("    " + line);
   }
   bool isApart = false;
   for (cmark_node* part : partsOf(block)) {
@@ -157,13 +159,16 @@ std::vector<Section> sections(const std::string& text) {
   const Tree tree = parsed(text);
   for (cmark_node* block : partsOf(tree.get())) {
     if (typeOf(block) == "heading")
-      headings[cmark_node_get_start_line(block)] = {cmark_node_get_heading_level(block), terminal::withoutStyles(textOf(block)), ""};
+      headings[cmark_node_get_start_line(block)] = {cmark_node_get_heading_level(block),
+                                                    terminal::withoutStyles(textOf(block)), ""};
   }
   int number = 0;
   for (const std::string& line : terminal::split(text, '\n')) {
     const auto heading = headings.find(++number);
-    if (heading != headings.end()) all.push_back(heading->second);
-    else if (!all.empty()) all.back().body += line + '\n';
+    if (heading != headings.end())
+      all.push_back(heading->second);
+    else if (!all.empty())
+      all.back().body += line + '\n';
   }
   return all;
 }

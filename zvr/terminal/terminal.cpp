@@ -21,7 +21,8 @@ constexpr const char* kPlain = "\x1b[0m";
 constexpr const char* kCodes[] = {"", "\x1b[1;4m", "\x1b[1m", "\x1b[36m", "\x1b[32m", "\x1b[2m", "\x1b[31m"};
 
 std::string paint(bool isOn, Style style, const std::string& text) {
-  return isOn && style != Style::plain && !text.empty() ? kCodes[static_cast<size_t>(style)] + text + kPlain : text;
+  return isOn && style != Style::plain && !text.empty() ? kCodes[static_cast<size_t>(style)] + text + kPlain
+                                                        : text;
 }
 
 void clearBar() {

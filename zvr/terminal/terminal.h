@@ -27,8 +27,8 @@ size_t width();
 std::string withoutStyles(const std::string& text);
 size_t widthOf(const std::string& text);
 std::vector<std::string> split(const std::string& text, char separator);
-// Styled text in lines of at most `width` characters, those after the first with the indent; broken at spaces,
-// and where it has kHardSpace, a space that isn't.
+// Styled text in lines of at most `width` characters, those after the first with the indent; broken at
+// spaces, and where it has kHardSpace, a space that isn't.
 constexpr char kHardSpace = '\x1F';
 std::vector<std::string> filled(const std::string& text, size_t width, const std::string& indent = "");
 
