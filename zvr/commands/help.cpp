@@ -68,12 +68,14 @@ std::string manualPage(const CLI::App& program) {
   std::string text = "# NAME\nzvr - runs the picture methods of the PictureZVR plug-in\n# SYNOPSIS\n" +
                      usageOf(program) + "# DESCRIPTION\n" + manual.substr(0, manual.find("\n## ")) +
                      "\n# COMMANDS\n";
-  std::string last;
+  std::string told, teller;  // options, and the command that has them
   for (const CLI::App* command : program.get_subcommands({})) {
     const std::string name = "zvr " + command->get_name(), own = options(*command, "");
+    const bool isTold = own == told && !own.empty();
     text += "## " + name + '\n' + usageOf(*command) + manualText(name) + '\n' +
-            (own == last && !own.empty() ? "The options are the same.\n" : own);
-    last = own;
+            (isTold ? "The options are those of **" + teller + "**.\n" : own);
+    if (!isTold) teller = name;
+    told = own;
   }
   text += programOptions(program, "# OPTIONS");
   for (const markdown::Section& section : markdown::sections(manual)) {

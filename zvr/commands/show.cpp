@@ -55,10 +55,9 @@ int show(const Options& options, const std::string& name) {
 void addShow(CLI::App& program, const Options& options, Run& run) {
   const auto name = std::make_shared<std::string>();
   for (const std::string word : {"show", "help"}) {
-    CLI::App* added = program.add_subcommand(
-        word, (word == "show" ? "Explain a method, a class or a topic of the manual:\n  zvr "
-                              : "The same, and commands:\n  zvr ") +
-                  word + " NAME");
+    const std::string purpose = word == "show" ? "Explain a method, a class or a topic of the manual"
+                                               : "Explain a command, or what zvr show explains";
+    CLI::App* added = program.add_subcommand(word, purpose + ":\n  zvr " + word + " NAME");
     added->add_option("NAME", *name);
     added->callback([&, name] {
       run = [&, name] {

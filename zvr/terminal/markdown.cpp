@@ -82,6 +82,18 @@ Lines tableOf(const std::vector<Row>& rows, bool hasHeadings, size_t width) {
   return lines;
 }
 
+// Lines for a shell are continued where they are too long.
+Lines code(cmark_node* block, size_t width) {
+  Lines lines;
+  const bool isShell = cmark_node_get_fence_info(block) == std::string("sh");
+  for (const std::string& line : terminal::split(cmark_node_get_literal(block), '\n')) {
+    Lines parts = filled(line, isShell ? width - 2 : std::string::npos, "  ");
+    for (size_t i = 0; i + 1 < parts.size(); ++i) parts[i] += " \\";
+    lines.insert(lines.end(), parts.begin(), parts.end());
+  }
+  return lines;
+}
+
 Lines linesOf(cmark_node* block, size_t width);
 
 // Tables of pictures are left out.
@@ -127,8 +139,7 @@ Lines linesOf(cmark_node* block, size_t width) {
   if (type == "list") return list(block, width);
   Lines lines;
   if (type == "code_block") {
-    for (const std::string& line : terminal::split(cmark_node_get_literal(block), '\n'))
-      lines.push_back("    " + line);
+    for (const std::string& line : code(block, width - 4)) lines.push_back("    " + line);
   }
   bool isApart = false;
   for (cmark_node* part : partsOf(block)) {
@@ -147,8 +158,16 @@ std::vector<std::string> rendered(const std::string& text, size_t width) {
 }
 
 std::string manualPage(const std::string& text) {
-  const std::unique_ptr<char, decltype(&std::free)> roff(
-      cmark_render_man(parsed(text).get(), CMARK_OPT_DEFAULT, 0), std::free);
+  constexpr size_t kCodeWidth = 66;  // with man's margins in a terminal of 80
+  const Tree tree = parsed(text);
+  for (cmark_node* block : partsOf(tree.get())) {
+    std::string lines;
+    if (typeOf(block) != "code_block") continue;
+    for (const std::string& line : code(block, kCodeWidth)) lines += line + '\n';
+    cmark_node_set_literal(block, lines.c_str());
+  }
+  const std::unique_ptr<char, decltype(&std::free)> roff(cmark_render_man(tree.get(), CMARK_OPT_DEFAULT, 0),
+                                                         std::free);
   const std::regex term(R"(\.IP \\\[bu\] 2\n(.*)\.PD 0\n\.P\n\.PD\n)");
   return std::regex_replace(roff.get(), term, ".TP\n$1\n");
 }
