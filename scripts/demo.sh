@@ -43,7 +43,7 @@ fetchSpeech() {
 show() {
   local file=$1 started=${EPOCHREALTIME/[.,]/} took word words=''
   shift
-  build/release/zvr "$@" --quiet -o "out/demo/$file"
+  build/release/zvr "$@" --quiet -o "out/demo/$file" > /dev/null
   took=$(((${EPOCHREALTIME/[.,]/} - started) / 1000))
   for word in "$@"; do
     case $word in apply | "$photo" | "${speech:-}") ;; *) words+=" $word" ;; esac
@@ -88,7 +88,7 @@ runDemo() {
     say "RenderSamplesZVR on $speech:"
     show wave.png wave "$speech" Smooth=3 outlinewidth=1 AutoScale=true
   fi
-  build/release/zvr gallery "$photo" ${speech:+--sound "$speech"} -o out/demo/gallery 2> /dev/null
+  build/release/zvr gallery "$photo" ${speech:+--sound "$speech"} -o out/demo/gallery
   say 'Every effect on one page, for a browser: gallery/index.html'
   say "The times are of whole runs of zvr, reading and writing the pictures included; GDK's includes starting Xvfb."
 }

@@ -26,32 +26,51 @@ struct ApplyOptions {
   bool isQuiet = false, isJson = false;
 };
 
-// The files to write, for each input.
-struct Outputs {
-  Words results;
-  std::vector<Words> blocks;  // as Chain::blocks
-};
+// A chain with the files that it writes.
+class Job {
+ public:
+  Job(const Chain& wanted, const ApplyOptions& options, bool isOfSounds)
+      : chain(wanted), own(options), readsSound(isOfSounds) {
+    OutputPlan plan(filesRead(chain), own.pictures);
+    std::string label;
+    for (const Step& step : chain.steps) label += (label.empty() ? "" : "-") + step.name;
+    using Content = OutputPlan::Content;
+    try {
+      const Content content = chain.left == Kind::data ? Content::data : Content::picture;
+      results_ = plan.add(content, chain.inputs, "-o", own.output, label);
+    } catch (const UsageError&) {
+      if (!own.output.empty() || chain.steps.back().makesCurrent()) throw;
+      // A question writes nothing of its own accord, unless it turns out to change its picture.
+      refusal_ = std::current_exception();
+    }
+    for (const BlockOutput& block : chain.blocks) {
+      const std::string& name = chain.steps[block.step].declaration.parameters[block.parameter].name;
+      blocks_.push_back(plan.add(Content::data, chain.inputs, "--out " + name, block.pattern, name));
+    }
+  }
 
-struct Job {
+  // Throws UsageError.
+  const std::string& result(size_t input) const {
+    if (refusal_) std::rethrow_exception(refusal_);
+    return results_[input];
+  }
+  // Where a step's argument goes; empty: nowhere.
+  std::string block(size_t step, size_t parameter, size_t input) const {
+    for (size_t i = 0; i < blocks_.size(); ++i) {
+      if (chain.blocks[i].step == step && chain.blocks[i].parameter == parameter) return blocks_[i][input];
+    }
+    return "";
+  }
+
   const Chain& chain;
   const ApplyOptions& own;
-  bool readsSound;
-  Outputs outputs;
-};
+  const bool readsSound;
 
-Outputs planAll(const Chain& chain, const ApplyOptions& own) {
-  std::string label;
-  for (const Step& step : chain.steps) label += (label.empty() ? "" : "-") + step.name;
-  OutputPlan plan(filesRead(chain), own.pictures);
-  Outputs outputs;
-  outputs.results = chain.left == Kind::data ? plan.data(chain.inputs, "-o", own.output, label)
-                                             : plan.pictures(chain.inputs, "-o", own.output, label);
-  for (const BlockOutput& block : chain.blocks) {
-    const std::string& name = chain.steps[block.step].declaration.parameters[block.parameter].name;
-    outputs.blocks.push_back(plan.data(chain.inputs, "--out " + name, block.pattern, name));
-  }
-  return outputs;
-}
+ private:
+  Words results_;
+  std::exception_ptr refusal_;  // why there are no results
+  std::vector<Words> blocks_;   // as Chain::blocks
+};
 
 // ---- One input ----
 
@@ -82,11 +101,7 @@ void addAnswers(const Job& job, size_t input, size_t index, const host::Outcome&
   for (size_t i = 0; i < outcome.arguments.size(); ++i) {
     const host::Parameter& parameter = declaration.parameters[i];
     if (!parameter.byRef) continue;
-    Answer answer{step.name, parameter.name, outcome.arguments[i], ""};
-    for (size_t j = 0; j < job.chain.blocks.size(); ++j) {
-      const BlockOutput& block = job.chain.blocks[j];
-      if (block.step == index && block.parameter == i) answer.output = job.outputs.blocks[j][input];
-    }
+    Answer answer{step.name, parameter.name, outcome.arguments[i], job.block(index, i, input)};
     if (!answer.output.empty() && bytesOf(answer.value).empty())
       throw Failure(declaration.name + " left no bytes in " + parameter.name);
     report.answers.push_back(std::move(answer));
@@ -105,7 +120,7 @@ void applyToOne(const Job& job, size_t input, Report& report) {
   }
   // A chain that ends in a question leaves no picture of its own accord.
   if (job.own.output.empty() && !walk.hasResult()) return;
-  const std::string& output = job.outputs.results[input];
+  const std::string& output = job.result(input);
   if (job.chain.left == Kind::picture) {
     saveImage(walk.picture(), output, job.own.pictures.writing);
   } else {
@@ -198,7 +213,7 @@ int apply(const Command& command, const Options& options, const ApplyOptions& ow
     throw UsageError(std::string("expected ") + command.expects + " after the inputs, not " +
                      chain.steps[0].name + "; `zvr apply` takes any step");
   noteDesktopOnly(chain);
-  const Job job{chain, own, readsSound, planAll(chain, own)};
+  const Job job(chain, own, readsSound);
   int status = kDone;
   terminal::Progress progress(chain.inputs.size());
   for (size_t i = 0; i < chain.inputs.size(); ++i) {

@@ -30,8 +30,9 @@ Words valuesFor(host::Type type) {
   if (type == host::Type::boolean) return {"false", "true"};
   if (type == host::Type::color)
     return {"black", "blue", "brown", "gold", "gray", "green", "red", "teal", "white"};
-  if (isFileType(type)) return {"@", kFiles};
-  return {};
+  const bool isFile =
+      type == host::Type::picture || type == host::Type::memoryBlock || type == host::Type::string;
+  return isFile ? Words{"@", kFiles} : Words();
 }
 
 bool isNamed(const std::string& word) { return word.find('=') != std::string::npos; }

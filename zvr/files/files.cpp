@@ -18,8 +18,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
+bool isStandard(const std::string& path) { return path == kStandardStream; }
+
 [[noreturn]] void fail(const std::string& path, int error) {
-  throw Failure(path + ": " + std::strerror(error));
+  std::vector<std::string> names;
+  std::error_code none;
+  const fs::path folder = fs::absolute(path, none).parent_path();
+  for (fs::directory_iterator file(folder, none), end; error == ENOENT && file != end; file.increment(none))
+    names.push_back(file->path().filename());
+  throw Failure(path + ": " + std::strerror(error) + terminal::didYouMean(fs::path(path).filename(), names));
 }
 
 // A file descriptor that closes itself.
@@ -102,18 +109,6 @@ fs::path followed(const fs::path& path) {
   return target;
 }
 
-// Of a file that isn't there: names in its folder that are near.
-[[noreturn]] void refuseMissing(const fs::path& path) {
-  std::vector<std::string> names;
-  std::error_code error;
-  for (fs::directory_iterator file(fs::absolute(path, error).parent_path(), error), end; file != end;
-       file.increment(error))
-    names.push_back(file->path().filename());
-  throw Failure(path.string() + ": " + std::strerror(ENOENT) + terminal::didYouMean(path.filename(), names));
-}
-
-bool isStandard(const std::string& path) { return path == kStandardStream; }
-
 void writeToOutput(const std::vector<uint8_t>& bytes) {
   if (isatty(STDOUT_FILENO))
     throw UsageError("a terminal shows no pictures or bytes; name a file with -o, or redirect");
@@ -126,7 +121,6 @@ void writeToOutput(const std::vector<uint8_t>& bytes) {
 std::vector<uint8_t> readFile(const std::string& path) {
   constexpr size_t kLargest = size_t{512} << 20, kPiece = size_t{1} << 18;
   const Descriptor file(isStandard(path) ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.number() < 0 && errno == ENOENT) refuseMissing(path);
   // Past 2 GB a 32-bit program can't open a file at all.
   if (file.number() < 0) fail(path, errno == EOVERFLOW ? EFBIG : errno);
   struct stat about;

@@ -99,13 +99,6 @@ constexpr Signature kSignatures[] = {
     {0, "MM\0*"sv, "TIFF"},
     {0, "BM"sv, "BMP"},
     {0, "GIF8"sv, "GIF"},
-    {0, "P1"sv, "PNM"},
-    {0, "P2"sv, "PNM"},
-    {0, "P3"sv, "PNM"},
-    {0, "P4"sv, "PNM"},
-    {0, "P5"sv, "PNM"},
-    {0, "P6"sv, "PNM"},
-    {0, "P7"sv, "PNM"},
     {0, "\0\0\1\0"sv, "ICO"},
     {8, "WEBP"sv, "WEBP"},
     {4, "ftypavi"sv, "AVIF"},
@@ -140,6 +133,7 @@ std::string formatOf(const std::string& path, const Bytes& file) {
     throw Failure(std::string("this is ") + signature.name + ", which zvr doesn't read; " + signature.reader +
                   " can make a PNG of it");
   }
+  if (file[0] == 'P' && file.size() > 1 && file[1] >= '1' && file[1] <= '7') return "PNM";
   if (hasExtension(path, ".tga")) return "TGA";  // says nothing of itself
   throw Failure(
       "no picture that zvr reads (PNG, JPEG, TIFF, BMP, GIF, PNM, TGA, ICO, WebP, HEIF, AVIF, JPEG XL)");
@@ -307,44 +301,24 @@ Image decode(const std::string& path, const Bytes& file, bool upright) {
 
 bool keepsAlpha(const std::string& format) { return format != "jpeg" && format != "bmp"; }
 
-// Three bytes a pixel, on white.
-void flatten(const uint8_t* pixel, int width, uint8_t* target) {
-  for (const uint8_t* end = pixel + width * 4; pixel < end; pixel += 4) {
-    for (int i = 0; i < 3; ++i) {
-      const int mixed =
-          pixel[3] == 255 ? pixel[i] : (pixel[i] * pixel[3] + 255 * (255 - pixel[3]) + 127) / 255;
-      *target++ = static_cast<uint8_t>(mixed);
-    }
-  }
-}
-
-bool isGray(const Image& image) {
-  const uint8_t* end = image.pixels.get() + image.byteCount();
-  for (const uint8_t* pixel = image.pixels.get(); pixel < end; pixel += 4) {
-    if (pixel[0] != pixel[1] || pixel[1] != pixel[2]) return false;
-  }
-  return true;
-}
-
-// Row by row: the picture's own pixels stay.
+// On white where the format has no alpha.
 Magick magickOf(const Image& image, const std::string& format) {
   const bool hasAlpha = image.hasAlpha && keepsAlpha(format);
+  Bytes mixed;
+  if (image.hasAlpha && !hasAlpha) {
+    mixed.assign(image.pixels.get(), image.pixels.get() + image.byteCount());
+    for (size_t i = 0; i < mixed.size(); ++i) {
+      const int opacity = mixed[i | 3];
+      mixed[i] = static_cast<uint8_t>((mixed[i] * opacity + 255 * (255 - opacity) + 127) / 255);
+    }
+  }
   Report report;
-  Magick made(AllocateImage(nullptr));
-  if (!made) throw std::bad_alloc();
-  made->columns = static_cast<unsigned long>(image.width);
-  made->rows = static_cast<unsigned long>(image.height);
+  Magick made(ConstituteImage(static_cast<unsigned long>(image.width),
+                              static_cast<unsigned long>(image.height), "RGBA", CharPixel,
+                              mixed.empty() ? image.pixels.get() : mixed.data(), report.info()));
+  if (!made) report.fail();
   made->depth = 8;
   made->matte = hasAlpha ? MagickTrue : MagickFalse;
-  std::vector<uint8_t> row(image.rowBytes());
-  for (int y = 0; y < image.height; ++y) {
-    if (!hasAlpha) flatten(image.row(y), image.width, row.data());
-    if (!SetImagePixels(made.get(), 0, y, made->columns, 1) ||
-        !ImportImagePixelArea(made.get(), hasAlpha ? RGBAQuantum : RGBQuantum, 8,
-                              hasAlpha ? image.row(y) : row.data(), nullptr, nullptr) ||
-        !SyncImagePixels(made.get()))
-      throw std::bad_alloc();
-  }
   return made;
 }
 
@@ -366,9 +340,9 @@ void add(const Metadata& metadata, bool resultIsGray, ::Image* image) {
 template <typename Copied>
 Bytes encode(const Image& image, const Writing& writing, const Copied& copied) {
   const Info info = infoFor(writing.format);
-  const bool resultIsGray = isGray(image);
   Report report;
   const Magick made = magickOf(image, writing.format);
+  const bool resultIsGray = IsGrayImage(made.get(), report.info()) != MagickFalse;
   add(image.metadata, resultIsGray, made.get());
   copied();
   std::snprintf(made->magick, sizeof(made->magick), "%s", writing.format.c_str());

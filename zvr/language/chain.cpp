@@ -27,6 +27,11 @@ bool exists(const std::string& path) {
   return std::filesystem::exists(path, error);
 }
 
+// Whether arguments of this type are files.
+bool isFileType(Type type) {
+  return type == Type::picture || type == Type::memoryBlock || type == Type::string;
+}
+
 // NAME=VALUE taken apart.
 struct Named {
   std::string name, value;
@@ -62,16 +67,16 @@ class StepWords {
   }
 
   std::string name() const { return candidates[0].name; }
-  const Named* named(const host::Parameter& parameter) const {
-    const auto found = std::find_if(names.begin(), names.end(), [&](const Named& given) {
-      return host::equalNames(given.name, parameter.name);
-    });
-    return found == names.end() ? nullptr : &*found;
+  const std::string* valueOf(const std::string& parameter) const {
+    for (const Named& given : named) {
+      if (host::equalNames(given.name, parameter)) return &given.value;
+    }
+    return nullptr;
   }
 
   std::vector<Step> candidates;  // overloads, or a class
   Words plain;                   // in order
-  std::vector<Named> names;
+  std::vector<Named> named;
   std::optional<std::string> assigned;
 
  private:
@@ -85,15 +90,14 @@ class StepWords {
   }
   void take(const std::string& word) {
     if (beginsStep(word))
-      throw UsageError(name() + ": write + before " + word + ", or ./" + word + " for a file");
+      throw UsageError(name() + ": write + before " + word +
+                       (isLook(word) ? "" : ", or ./" + word + " for a file"));
     const Named given = namedOf(word);
     const auto isMeant = [&](const host::Parameter& p) { return host::equalNames(p.name, given.name); };
     const bool isClass = candidates[0].type;
     if (!namesIn(candidates, isMeant).empty()) {
-      host::Parameter parameter;
-      parameter.name = given.name;
-      if (named(parameter)) throw UsageError(name() + ": " + given.name + " is given twice");
-      names.push_back(given);
+      if (valueOf(given.name)) throw UsageError(name() + ": " + given.name + " is given twice");
+      named.push_back(given);
     } else if (isClass && given.name.empty()) {
       throw UsageError(name() + ": '" + word + "' is not of the form PROPERTY=VALUE");
     } else if (isClass || (!given.name.empty() && !exists(word))) {
@@ -113,46 +117,36 @@ Argument argumentOf(const host::Parameter& parameter, const std::string& word) {
   return ArgumentFile{word};
 }
 
-// Whether a step takes the words that are given.
-bool admits(const Step& step, const StepWords& words) {
-  size_t least = 0, most = 0, named = 0;
-  for (const host::Parameter& parameter : step.declaration.parameters) {
-    if (words.named(parameter)) {
-      ++named;
-    } else if (!parameter.byRef) {
-      ++most;
-      if (!parameter.hasDefault) ++least;
-    }
-  }
-  return named == words.names.size() && words.plain.size() >= least && words.plain.size() <= most;
-}
-
-// A global method of one picture or string means the current one when none is given.
-bool meansCurrent(const Step& step, const StepWords& words) {
-  const auto& parameters = step.declaration.parameters;
-  return words.plain.empty() && words.names.empty() && !step.takesReceiver() && parameters.size() == 1 &&
-         isFileType(parameters[0].type) && !parameters[0].byRef;
-}
-
-// Throws std::invalid_argument for a word that does not fit its type. A class keeps the properties that are
-// given.
-Step withArguments(Step step, const StepWords& words) {
-  auto word = words.plain.begin();
+// With its arguments; nothing when it takes more words or fewer. A class keeps the properties that are given.
+// Throws std::invalid_argument for a word that does not fit its type.
+std::optional<Step> withArguments(Step step, const StepWords& words) {
+  size_t plain = 0;
+  // A global method of one picture or string means the current one when none is given.
+  const bool meansCurrent = !step.takesReceiver() && step.declaration.parameters.size() == 1;
   std::vector<host::Parameter> kept;
   for (const host::Parameter& parameter : step.declaration.parameters) {
-    const Named* given = words.named(parameter);
+    const std::string* given = words.valueOf(parameter.name);
     if (step.type && !given) continue;
     kept.push_back(parameter);
+    if (!given && !parameter.byRef && plain < words.plain.size()) given = &words.plain[plain++];
     if (given) {
-      step.arguments.push_back(argumentOf(parameter, given->value));
+      step.arguments.push_back(argumentOf(parameter, *given));
     } else if (parameter.byRef) {
       step.arguments.emplace_back(host::Value{});
-    } else if (word == words.plain.end()) {
+    } else if (parameter.hasDefault) {
       step.arguments.emplace_back(host::parseValue(parameter, parameter.defaultText));
+    } else if (meansCurrent && isFileType(parameter.type)) {
+      step.arguments.emplace_back(Current{});
     } else {
-      step.arguments.push_back(argumentOf(parameter, *word++));
+      return std::nullopt;
     }
   }
+  const auto isKept = [&](const Named& given) {
+    return std::any_of(kept.begin(), kept.end(),
+                       [&](const auto& p) { return host::equalNames(p.name, given.name); });
+  };
+  if (plain < words.plain.size() || !std::all_of(words.named.begin(), words.named.end(), isKept))
+    return std::nullopt;
   step.declaration.parameters = std::move(kept);
   if (words.assigned) {
     host::Parameter value;
@@ -164,7 +158,7 @@ Step withArguments(Step step, const StepWords& words) {
 }
 
 [[noreturn]] void refuseCount(const StepWords& words) {
-  const size_t count = words.plain.size() + words.names.size();
+  const size_t count = words.plain.size() + words.named.size();
   const auto has = [&](const std::function<bool(const host::Parameter&)>& counts) {
     return !namesIn(words.candidates, counts).empty();
   };
@@ -185,7 +179,7 @@ Step withArguments(Step step, const StepWords& words) {
 
 Step parseStep(const Words& given) {
   if (isLook(given[0])) {
-    if (given.size() > 1) throw UsageError(given[0] + ": write + before " + given[1]);
+    if (given.size() > 1) throw UsageError("expected + after " + given[0] + ", found '" + given[1] + "'");
     return lookStep(given[0]);
   }
   const StepWords words(given);
@@ -193,14 +187,8 @@ Step parseStep(const Words& given) {
     throw UsageError(words.name() + " has a table that a look fills: write a FILE.cube instead of the class");
   std::string problem;
   for (const Step& candidate : words.candidates) {
-    if (meansCurrent(candidate, words)) {
-      Step step = candidate;
-      step.arguments = {Current{}};
-      return step;
-    }
-    if (!admits(candidate, words)) continue;
     try {
-      return withArguments(candidate, words);
+      if (std::optional<Step> step = withArguments(candidate, words)) return *std::move(step);
     } catch (const std::invalid_argument& error) {
       if (problem.empty()) problem = words.name() + ": " + error.what();
     }
@@ -298,10 +286,6 @@ bool beginsStep(const std::string& word) { return isLook(word) || !stepsNamed(wo
 
 std::string inputWord(const std::string& path) {
   return beginsStep(path) || path == kBetweenSteps || path == kStandardStream ? "./" + path : path;
-}
-
-bool isFileType(Type type) {
-  return type == Type::picture || type == Type::memoryBlock || type == Type::string;
 }
 
 Chain parseChain(const Words& words, const Words& outs) {

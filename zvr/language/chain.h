@@ -33,9 +33,6 @@ bool beginsStep(const std::string& word);
 // A path as a word among the inputs, which a step or a + would end.
 std::string inputWord(const std::string& path);
 
-// Whether arguments of this type are files.
-bool isFileType(host::Type type);
-
 // Reads the words. The first that begins a step ends the inputs; + stands between steps. A word NAME=VALUE
 // gives the argument of that name, or a class's property; others fill the rest in order, but for parameters
 // by reference. `outs` (words NAME=PATH) name the blocks by reference that go to files. Of overloads the

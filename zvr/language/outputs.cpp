@@ -118,7 +118,8 @@ std::vector<std::string> OutputPlan::add(Content content, const std::vector<std:
   return outputs;
 }
 
-void addWriting(CLI::App& command, Writing& writing) {
+void addPictureOptions(CLI::App& command, PictureOptions& options) {
+  Writing& writing = options.writing;
   command
       .add_option_function<std::string>(
           "--format",
@@ -127,7 +128,7 @@ void addWriting(CLI::App& command, Writing& writing) {
             if (writing.format.empty())
               throw UsageError("--format: '" + word + "' is not a format that zvr writes");
           },
-          "Of the pictures that are written; without it by the extension")
+          "Of the pictures that are written; without it by the extension, png to standard output")
       ->type_name("png|jpeg|tiff|bmp|webp");
   command.add_option("--quality", writing.quality, "Quality of written JPEG and WebP files")
       ->type_name("1...100")
@@ -140,10 +141,6 @@ void addWriting(CLI::App& command, Writing& writing) {
       ->type_name("0...9")
       ->check(CLI::Range(0, 9).description(""))
       ->capture_default_str();
-}
-
-void addPictureOptions(CLI::App& command, PictureOptions& options) {
-  addWriting(command, options.writing);
   const std::map<std::string, Alpha> ways = {
       {"keep", Alpha::keep}, {"drop", Alpha::drop}, {"premultiplied", Alpha::premultiplied}};
   command
@@ -157,17 +154,6 @@ void addPictureOptions(CLI::App& command, PictureOptions& options) {
       "--no-autorotate", [&options] { options.upright = false; },
       "Leave pictures turned as they lie in the file");
   command.add_flag("--in-place", options.isInPlace, "Write a result over its input");
-}
-
-std::vector<std::string> OutputPlan::pictures(const std::vector<std::string>& inputs,
-                                              const std::string& option, const std::string& pattern,
-                                              const std::string& label) {
-  return add(Content::picture, inputs, option, pattern, label);
-}
-
-std::vector<std::string> OutputPlan::data(const std::vector<std::string>& inputs, const std::string& option,
-                                          const std::string& pattern, const std::string& label) {
-  return add(Content::data, inputs, option, pattern, label);
 }
 
 }  // namespace zvr

@@ -27,9 +27,7 @@ struct PictureOptions {
   bool upright = true;     // pictures are turned as their orientation tags say
   bool isInPlace = false;  // a result may replace its input
 };
-// --format, --quality, --subsampling and --compression.
-void addWriting(CLI::App& command, Writing& writing);
-// The same, with what is for commands that read pictures: --alpha, --strip, --no-autorotate and --in-place.
+// --format, --quality, --subsampling, --compression, --alpha, --strip, --no-autorotate and --in-place.
 void addPictureOptions(CLI::App& command, PictureOptions& options);
 
 // Output files that coincide neither with one another nor with what is read: files are compared, not names.
@@ -39,26 +37,21 @@ class OutputPlan {
   // count.
   OutputPlan(const std::vector<std::string>& reads, const PictureOptions& options);
 
-  // The output file for each input, called NAME-LABEL.png when `pattern` has no file name of its own: a
-  // pattern may hold {name} (the input's name without its extension), {ext} (its extension, png when it has
-  // none that can be written) and {n} (1 for the first input), or be a folder: one that exists or that ends
-  // in /. Empty: beside the input, or the input itself in place. `option` is what gave it. Throws UsageError
-  // for patterns that make no sense, formats that can't be written, and outputs that coincide with a file
-  // that is read, with one another or with those planned before.
-  std::vector<std::string> pictures(const std::vector<std::string>& inputs, const std::string& option,
-                                    const std::string& pattern, const std::string& label);
-  // The same for bytes: NAME-LABEL.bin, any extension, and {ext} is bin.
-  std::vector<std::string> data(const std::vector<std::string>& inputs, const std::string& option,
-                                const std::string& pattern, const std::string& label);
+  enum class Content { picture, data };
+  // The output file for each input, called NAME-LABEL.png (.bin for data) when `pattern` has no file name of
+  // its own: a pattern may hold {name} (the input's name without its extension), {ext} (its extension, png
+  // when it has none that can be written; bin for data) and {n} (1 for the first input; {n:03} is 001), or be
+  // a folder: one that exists or that ends in /. Empty: beside the input, or the input itself in place; to
+  // standard output when it is standard input. `option` is what gave it. Throws UsageError for patterns that
+  // make no sense, formats that can't be written, and outputs that coincide with a file that is read, with
+  // one another or with those planned before.
+  std::vector<std::string> add(Content content, const std::vector<std::string>& inputs,
+                               const std::string& option, const std::string& pattern,
+                               const std::string& label);
   // One more output, of the input, that `option` gave. Throws UsageError when it coincides with another file.
   void claim(const std::string& output, const std::string& option, const std::string& input);
 
  private:
-  enum class Content { picture, data };
-  std::vector<std::string> add(Content content, const std::vector<std::string>& inputs,
-                               const std::string& option, const std::string& pattern,
-                               const std::string& label);
-
   struct User {
     std::string option, input;
   };

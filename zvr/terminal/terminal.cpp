@@ -167,7 +167,7 @@ void printLines(const std::vector<std::string>& lines) {
 void printAside(const std::string& line) { printTo(stderr, line); }
 
 void printWritten(const std::string& path) {
-  if (!isQuiet) printAside("wrote " + escaped(path));
+  if (!isQuiet && path != "-") printAside("wrote " + escaped(path));
 }
 
 void complain(const std::string& problem, const std::vector<std::string>& further) {

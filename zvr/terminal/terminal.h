@@ -39,7 +39,7 @@ void print(const std::string& line);
 void printLines(const std::vector<std::string>& lines);
 // The same to standard error.
 void printAside(const std::string& line);
-// "wrote PATH" to standard error.
+// "wrote PATH" to standard error; nothing for -, standard output.
 void printWritten(const std::string& path);
 // A line to standard error with "zvr: " before it, and further lines; escaped, and folded on a terminal.
 void complain(const std::string& problem, const std::vector<std::string>& further = {});
