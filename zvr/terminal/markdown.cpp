@@ -52,32 +52,54 @@ std::string textOf(cmark_node* node, Style style = Style::plain) {
   return text;
 }
 
-// Columns side by side, the last folded as needed; where too little would be left of it, the cells of each
-// row below the first one, after their headings if the first row has them.
+constexpr size_t kGap = 2;  // before each column
+
+std::string padded(const std::string& text, size_t width) {
+  return text + std::string(std::max(width, widthOf(text)) - widthOf(text), ' ');
+}
+
+// The cells of a row side by side, folded to the widths of the columns.
+void addRow(const Row& row, const std::vector<size_t>& columns, Lines& to) {
+  Lines lines;
+  size_t left = 0;
+  for (size_t i = 0; i < row.size(); ++i) {
+    const Lines cell = filled(row[i], columns[i]);
+    lines.resize(std::max(lines.size(), cell.size()));
+    for (size_t y = 0; y < cell.size(); ++y) lines[y] = padded(lines[y], left + kGap) + cell[y];
+    left += kGap + columns[i];
+  }
+  to.insert(to.end(), lines.begin(), lines.end());
+}
+
+// The cells of a row below the first one, after their headings if there are some.
+void addBelow(const Row& row, const Row& headings, size_t width, Lines& to) {
+  const std::string indent(3 * kGap, ' ');
+  for (size_t i = 0; i < row.size(); ++i) {
+    if (row[i].empty()) continue;
+    const std::string begin = i == 0 ? "  " : indent + (headings.empty() ? "" : headings[i] + ": ");
+    for (const std::string& line : filled(begin + row[i], width, indent)) to.push_back(line);
+  }
+}
+
+// Columns are folded as needed; where too little would be left of the last one, there are none.
 Lines tableOf(const std::vector<Row>& rows, bool hasHeadings, size_t width) {
-  constexpr size_t kGap = 2, kLeast = 20;
+  constexpr size_t kMost = 24, kLeast = 20;
   std::vector<size_t> columns(rows[0].size());
   for (const Row& row : rows) {
-    for (size_t i = 0; i < row.size(); ++i) columns[i] = std::max(columns[i], kGap + widthOf(row[i]));
+    for (size_t i = 0; i < row.size(); ++i) columns[i] = std::max(columns[i], widthOf(row[i]));
   }
-  const size_t left = std::accumulate(columns.begin(), columns.end() - 1, kGap);
-  const bool isWide = left + std::min(columns.back(), kLeast) <= width;
+  const auto sum = [&] { return std::accumulate(columns.begin(), columns.end(), kGap * columns.size()); };
+  for (size_t i = 0; i + 1 < columns.size() && sum() > width; ++i) columns[i] = std::min(columns[i], kMost);
+  const size_t others = sum() - columns.back();
+  const bool isWide = others + std::min(columns.back(), kLeast) <= width;
+  columns.back() = std::min(columns.back(), width - std::min(others, width));
   Lines lines;
-  const auto add = [&](const std::string& text, size_t indent) {
-    for (const std::string& line : filled(text, width, std::string(indent, ' '))) lines.push_back(line);
-  };
   for (size_t y = hasHeadings && !isWide ? 1 : 0; y < rows.size(); ++y) {
-    std::string line;
-    for (size_t i = 0; i < columns.size(); ++i) {
-      if (isWide) {
-        line += "  " + rows[y][i];
-        if (i + 1 < columns.size()) line.append(columns[i] - kGap - widthOf(rows[y][i]), ' ');
-      } else if (!rows[y][i].empty()) {
-        add(std::string(i == 0 ? 2 : 6, ' ') + (hasHeadings && i > 0 ? rows[0][i] + ": " : "") + rows[y][i],
-            6);
-      }
+    if (isWide) {
+      addRow(rows[y], columns, lines);
+    } else {
+      addBelow(rows[y], hasHeadings ? rows[0] : Row(), width, lines);
     }
-    if (isWide) add(line, left);
   }
   return lines;
 }
