@@ -115,7 +115,7 @@ std::string valuesOf(const CLI::Option& option) {
   if (option.get_expected_min() == 0) return "";
   std::string values = option.get_type_name();
   const size_t set = values.find('{');
-  if (set == std::string::npos) return values;
+  if (set == std::string::npos) return values == "TEXT" ? "FILE" : values;
   values = values.substr(set + 1, values.find('}') - set - 1);
   std::replace(values.begin(), values.end(), ',', '|');
   return values;

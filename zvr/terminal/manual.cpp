@@ -65,7 +65,7 @@ std::string manualText(const std::string& heading) {
   std::string text = title->body;
   auto next = title + 1;
   for (; next != sections.end() && next->level > title->level; ++next)
-    text += std::string(static_cast<size_t>(next->level), '#') + ' ' + next->title + '\n' + next->body;
+    text += std::string(next->level, '#') + ' ' + next->title + '\n' + next->body;
   if (title->level == 2) {
     const auto page = std::find_if(std::make_reverse_iterator(title), sections.rend(),
                                    [](const Section& section) { return section.level == 1; });

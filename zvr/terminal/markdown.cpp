@@ -3,7 +3,6 @@
 #include <cmark-gfm-core-extensions.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <numeric>
 #include <regex>
@@ -196,20 +195,15 @@ std::string manualPage(const std::string& text) {
 
 std::vector<Section> sections(const std::string& text) {
   std::vector<Section> all;
-  std::map<int, Section> headings;  // by line
-  const Tree tree = parsed(text);
-  for (cmark_node* block : partsOf(tree.get())) {
-    if (typeOf(block) == "heading")
-      headings[cmark_node_get_start_line(block)] = {cmark_node_get_heading_level(block),
-                                                    terminal::withoutStyles(textOf(block)), ""};
-  }
-  int number = 0;
+  bool isCode = false;  // which may hold comments that look like headings
   for (const std::string& line : terminal::split(text, '\n')) {
-    const auto heading = headings.find(++number);
-    if (heading != headings.end())
-      all.push_back(heading->second);
-    else if (!all.empty())
+    isCode = isCode != (line.compare(0, 3, "```") == 0);
+    const size_t level = line.find_first_not_of('#');
+    if (!isCode && level != std::string::npos && level > 0 && line[level] == ' ') {
+      all.push_back({level, line.substr(level + 1), ""});
+    } else if (!all.empty()) {
       all.back().body += line + '\n';
+    }
   }
   return all;
 }
