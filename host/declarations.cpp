@@ -193,8 +193,8 @@ std::vector<std::string> nearestNames(const std::string& typed, const std::vecto
   std::vector<std::pair<size_t, std::string>> near;
   for (const std::string& name : names) {
     const size_t distance = nameDistance(typed, name);
-    if (distance <= std::max<size_t>(2, typed.size() / 3) && told.insert(name).second)
-      near.emplace_back(distance, name);
+    const bool isNear = distance < typed.size() && distance <= std::max<size_t>(2, typed.size() / 3);
+    if (isNear && told.insert(name).second) near.emplace_back(distance, name);
   }
   std::stable_sort(near.begin(), near.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<std::string> nearest;

@@ -23,7 +23,7 @@ void append(Words& words, const Words& more) { words.insert(words.end(), more.be
 Words valuesFor(const CLI::Option& option) {
   const std::string values = valuesOf(option);
   if (values.find('|') != std::string::npos) return CLI::detail::split(values, '|');
-  return std::string("FILE OUT NAME=PATH").find(values) == std::string::npos ? Words() : Words{kFiles};
+  return std::string("FILE NAME=PATH").find(values) == std::string::npos ? Words() : Words{kFiles};
 }
 
 Words valuesFor(host::Type type) {

@@ -70,19 +70,27 @@ std::vector<Argument> curvesOf(const Cube& cube) {
   return {block(0), block(2), block(1), host::Value{}};
 }
 
-std::vector<double> tableOf(const Cube& cube) {
+host::ObjectRef newFilter(const host::Class& type) {
+  host::ObjectRef filter = host::newInstance(type.name);
+  if (!filter) throw std::bad_alloc();
+  return filter;
+}
+
+host::ObjectRef filledFilter(const host::Class& type, const Cube& cube) {
   constexpr double kLast = kTableSide - 1;
   constexpr double kHalf = 0.5;  // the class truncates: with it, results are rounded
-  std::vector<double> table;
-  for (int r = 0; r < kTableSide; ++r) {
-    for (int g = 0; g < kTableSide; ++g) {
-      for (int b = 0; b < kTableSide; ++b) {
-        for (const double channel : cube.at({r / kLast, g / kLast, b / kLast}))
-          table.push_back(channel * kFull + kHalf);
-      }
+  host::ObjectRef filter = newFilter(type);
+  const host::Method& table = *findMethod(type, kTable);
+  for (int64_t i = 0; i < kTableSide * kTableSide * kTableSide; ++i) {
+    const std::array<int64_t, 3> at{i / kTableSide / kTableSide, i / kTableSide % kTableSide, i % kTableSide};
+    const auto input = [&](size_t axis) { return static_cast<double>(at[axis]) / kLast; };
+    const Cube::Color color = cube.at({input(0), input(1), input(2)});
+    for (int64_t x = 0; x < 3; ++x) {
+      host::assign(table, filter.get(), {at[0], at[1], at[2], x},
+                   color[static_cast<size_t>(x)] * kFull + kHalf);
     }
   }
-  return table;
+  return filter;
 }
 
 // ---- Calls ----
@@ -92,23 +100,12 @@ host::Outcome checked(const std::string& name, host::Outcome outcome) {
   throw Failure(name + ": " + outcome.exception->className + ": " + outcome.exception->message);
 }
 
-void fillTable(const Step& step, REALobjectStruct* instance) {
-  int64_t i = 0;
-  for (const double value : step.table) {
-    const int64_t entry = i / 3, side = kTableSide;
-    host::assign(*findMethod(*step.type, kTable), instance,
-                 {entry / side / side, entry / side % side, entry % side, i++ % 3}, value);
-  }
-}
-
 host::Outcome runFilter(const Step& step, const host::PictureRef& source,
                         std::vector<host::Value> arguments) {
-  const host::ObjectRef instance = host::newInstance(step.type->name);
-  if (!instance) throw std::bad_alloc();
+  const host::ObjectRef instance = step.filled ? step.filled : newFilter(*step.type);
   for (size_t i = 0; i < arguments.size(); ++i) {
     host::setProperty(instance.get(), step.declaration.parameters[i].name, arguments[i]);
   }
-  fillTable(step, instance.get());
   host::setProperty(instance.get(), kSource, source);
   const std::string run = step.type->name + "." + kRun;
   const host::Outcome outcome = checked(run, host::call(*findMethod(*step.type, kRun), instance.get(), {}));
@@ -116,7 +113,10 @@ host::Outcome runFilter(const Step& step, const host::PictureRef& source,
     throw Failure(run + " answered false for SourcePicture = " + valueText(source) + "." +
                   manualOnFailure(step.type->name));
   }
-  return {host::getProperty(instance.get(), kDestination), std::move(arguments), {}};
+  host::Value result = host::getProperty(instance.get(), kDestination);
+  // It would keep both pictures until its next run.
+  if (step.filled) host::call(*findMethod(*step.type, "Close"), instance.get(), {});
+  return {std::move(result), std::move(arguments), {}};
 }
 
 }  // namespace
@@ -165,7 +165,7 @@ Step lookStep(const std::string& path) {
     step.arguments = curvesOf(cube);
   } else {
     step.declaration.parameters.clear();
-    step.table = tableOf(cube);
+    step.filled = filledFilter(*step.type, cube);
   }
   return step;
 }

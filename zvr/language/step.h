@@ -27,7 +27,7 @@ struct Step {
   std::vector<Argument> arguments;       // one for each parameter
   std::optional<Argument> assigned;      // the value of METHOD ... = VALUE
   std::string look;                      // the file of a film look; empty for other steps
-  std::vector<double> table;             // by red, green, blue and channel: what fills a class's Table
+  host::ObjectRef filled;                // of a look: an instance whose Table it has filled
 
   // Whether it works on @ without naming it.
   bool takesReceiver() const { return type || host::takesReceiver(*method); }
