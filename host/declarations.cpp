@@ -182,7 +182,8 @@ size_t nameDistance(std::string_view typed, std::string_view name) {
   const auto sameLetter = [](char a, char b) { return lower(a) == lower(b); };
   const auto part = std::search(name.begin(), name.end(), typed.begin(), typed.end(), sameLetter);
   const bool isPart = typed.size() >= kPart && part != name.end();
-  const std::string_view base = name.substr(0, name.size() - std::min(kSuffix, name.size()));
+  const bool hasSuffix = name.size() > kSuffix && name.back() != lower(name.back());
+  const std::string_view base = name.substr(0, name.size() - (hasSuffix ? kSuffix : 0));
   return isPart ? 1 : std::min(editDistance(typed, name), editDistance(typed, base));
 }
 

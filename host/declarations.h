@@ -36,7 +36,7 @@ Declaration parseDeclaration(std::string_view text);
 // Names of the dialect are the same in any case.
 bool equalNames(std::string_view a, std::string_view b);
 // How far a typed name is from a member's: the letters to add, drop or replace, in any case, with or without
-// the three letters of the common suffix; 1 when it is a part of the name.
+// the three letters of the members' suffix, capitals; 1 when it is a part of the name.
 size_t nameDistance(std::string_view typed, std::string_view name);
 // The names closest to a mistyped one, each once, nearest first: at most three, none when all are far.
 std::vector<std::string> nearestNames(const std::string& typed, const std::vector<std::string>& names);

@@ -4,11 +4,8 @@
 
 #include <csignal>
 #include <cstdio>
-#include <sstream>
 
 #include "zvr/commands/commands.h"
-#include "zvr/commands/completion.h"
-#include "zvr/commands/help.h"
 #include "zvr/language/command_line.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/terminal.h"
@@ -38,90 +35,27 @@ void addOptions(CLI::App& program, Options& options) {
       ->group(kHostOptions);
 }
 
-// `zvr help` and `zvr version`.
-void addAnswers(CLI::App& program, const Options& options, Run& run) {
-  CLI::App* help = program.add_subcommand("help", "Explain a command, or what zvr show explains");
-  const auto topic = std::make_shared<std::string>();
-  help->add_option("NAME", *topic, "Of a command, a method, a class or a topic");
-  help->callback([&, topic] {
-    run = [&, topic] {
-      const CLI::App* command = topic->empty() ? &program : findCommand(program, *topic);
-      if (!command) return show(options, *topic);
-      std::fputs(command->help().c_str(), stdout);
-      return kDone;
-    };
-  });
-  program.add_subcommand("version", "Print the version")->callback([&run] {
-    run = [] {
-      terminal::print("zvr " ZVR_VERSION);
-      return kDone;
-    };
-  });
-}
-
 // zvr has released everything of its own: anything held now was lost.
 void reportLedger() {
   const host::Ledger ledger = host::held();
   std::fprintf(stderr, "held: %d objects, %d strings, %d locks, %d string data; %d errors\n", ledger.objects,
                ledger.strings, ledger.descriptionLocks, ledger.stringData, ledger.errors);
   if (!(ledger == host::Ledger{})) {
-    std::vector<std::string> lines;
-    std::istringstream held(host::describeHeld());
-    for (std::string line; std::getline(held, line);) lines.push_back(line);
-    terminal::complain("warning: something is still held or was released wrongly", lines);
+    terminal::complain("warning: something is still held or was released wrongly",
+                       terminal::split(host::describeHeld(), '\n'));
   }
 }
 
-int runCommand(const Run& run, const Options& options) {
-  int status = kFailed;
+// Answers the exit status.
+int run(CLI::App& program, const CommandLine& line, const Options& options, const Run& chosen) {
   try {
-    status = run();
-  } catch (const UsageError& error) {
-    terminal::complain(error.what(), error.further);
+    std::vector<std::string> words = sortedWords(program, line);
+    std::reverse(words.begin(), words.end());
+    program.parse(words);
+    terminal::setColor(options.color);
+    if (chosen) return chosen();
+    std::fputs(helpText(program).c_str(), stderr);
     return kUsage;
-  } catch (const std::bad_alloc&) {
-    terminal::complain("not enough memory");
-  } catch (const std::exception& error) {
-    terminal::complain(error.what());
-  }
-  if (options.ledger) reportLedger();
-  if (std::fflush(stdout) != 0 || std::ferror(stdout)) {
-    terminal::complain("standard output can't be written");
-    return kFailed;
-  }
-  return status;
-}
-
-int main(const std::vector<std::string>& words) {
-  Options options;
-  Run run;
-  terminal::setColor(options.color);
-  CLI::App program("Shows what the plug-in's picture methods do: lists them, explains them, runs them.",
-                   "zvr");
-  program.formatter_fn(
-      [](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return helpText(*app); });
-  program.set_help_flag("-h,--help", "This help");
-  program.fallthrough();
-  addOptions(program, options);
-  addApply(program, options, run);
-  addGallery(program, options, run);
-  addList(program, options, run);
-  addShow(program, options, run);
-  addAnswers(program, options, run);
-  // For the package and for shells, not for people.
-  if (words == std::vector<std::string>{"--man-page"}) {
-    std::fputs(manualPage(program).c_str(), stdout);
-    return kDone;
-  }
-  if (!words.empty() && words[0] == "--complete") {
-    terminal::printLines(completions(program, {words.begin() + 1, words.end()}));
-    return kDone;
-  }
-  const CommandLine line = readCommandLine(program, words);
-  try {
-    std::vector<std::string> sorted = sortedWords(program, line);
-    std::reverse(sorted.begin(), sorted.end());
-    program.parse(sorted);
   } catch (const CLI::Success& help) {
     return program.exit(help);
   } catch (const CLI::ParseError& error) {
@@ -131,13 +65,45 @@ int main(const std::vector<std::string>& words) {
   } catch (const UsageError& error) {
     terminal::complain(error.what(), error.further);
     return kUsage;
+  } catch (const std::bad_alloc&) {
+    terminal::complain("not enough memory");
+  } catch (const std::exception& error) {
+    terminal::complain(error.what());
   }
+  return kFailed;
+}
+
+int main(const std::vector<std::string>& words) {
+  Options options;
+  Run chosen;
   terminal::setColor(options.color);
-  if (!run) {
-    std::fputs(program.help().c_str(), stderr);
-    return kUsage;
+  CLI::App program(
+      "Shows what the plug-in's picture methods do: lists them, explains them, runs them:\n"
+      "  zvr COMMAND [OPTION]... [WORD]...",
+      "zvr");
+  program.formatter_fn(
+      [](const CLI::App* app, const std::string&, CLI::AppFormatMode) { return helpText(*app); });
+  program.set_help_flag("-h,--help", "This help");
+  program.fallthrough();
+  addOptions(program, options);
+  for (const auto add : {addApply, addGallery, addList, addShow}) add(program, options, chosen);
+  program.add_subcommand("version", "Print the version:\n  zvr version")->callback([] {
+    throw CLI::CallForVersion("zvr " ZVR_VERSION, kDone);
+  });
+  // For the package and for shells, not for people.
+  if (words == std::vector<std::string>{"--man-page"}) {
+    std::fputs(manualPage(program).c_str(), stdout);
+    return kDone;
   }
-  return runCommand(run, options);
+  if (!words.empty() && words[0] == "--complete") {
+    terminal::printLines(completions(program, {words.begin() + 1, words.end()}));
+    return kDone;
+  }
+  const int status = run(program, readCommandLine(program, words), options, chosen);
+  if (options.ledger && status != kUsage) reportLedger();
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+  terminal::complain("standard output can't be written");
+  return kFailed;
 }
 
 }  // namespace

@@ -229,11 +229,9 @@ void addCommand(CLI::App& program, const Command& command, const Options& option
       name, std::string(command.purpose) + ":\n  zvr " + name + " " + command.words + " [-o OUT]");
   const auto own = std::make_shared<ApplyOptions>();
   added->add_option("INPUT", own->words)->required()->option_text(" ");
-  added
-      ->add_option("-o,--output", own->output,
-                   "File, folder, pattern with {name}, {ext} and {n}, or - for standard output;\n"
-                   "without it NAME-STEP.png beside the input (.bin for a String)")
-      ->type_name("OUT");
+  added->add_option("-o,--output", own->output,
+                    "File, folder, pattern with {name}, {ext} and {n}, or - for standard output;\n"
+                    "without it NAME-STEP.png beside the input (.bin for a String)");
   added->add_option("--out", own->outs, "Where a MemoryBlock by reference goes; PATH as for -o")
       ->allow_extra_args(false)
       ->type_name("NAME=PATH");

@@ -1,10 +1,11 @@
-#include "zvr/commands/completion.h"
+// What may follow on a command line, for shells.
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <set>
 
+#include "zvr/commands/commands.h"
 #include "zvr/language/chain.h"
 #include "zvr/language/command_line.h"
 #include "zvr/language/session.h"
@@ -19,29 +20,17 @@ constexpr const char* kFiles = "@files";
 
 void append(Words& words, const Words& more) { words.insert(words.end(), more.begin(), more.end()); }
 
-Words optionNames(const CLI::App& program, const CLI::App* command) {
-  Words names;
-  for (const CLI::Option* option : optionsOf(program, command)) {
-    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
-  }
-  return names;
-}
-
 Words valuesFor(const CLI::Option& option) {
   const std::string values = valuesOf(option);
   if (values.find('|') != std::string::npos) return CLI::detail::split(values, '|');
-  for (const char* file : {"FILE", "FOLDER", "OUT", "NAME=PATH"}) {
-    if (values == file) return {kFiles};
-  }
-  return {};
+  return std::string("FILE NAME=PATH").find(values) == std::string::npos ? Words() : Words{kFiles};
 }
 
 Words valuesFor(host::Type type) {
   if (type == host::Type::boolean) return {"false", "true"};
   if (type == host::Type::color)
     return {"black", "blue", "brown", "gold", "gray", "green", "red", "teal", "white"};
-  if (isFileType(type)) return {"@", kFiles};
-  return {};
+  return isFileType(type) ? Words{"@", kFiles} : Words();
 }
 
 bool isNamed(const std::string& word) { return word.find('=') != std::string::npos; }
@@ -81,12 +70,12 @@ Words inChain(const std::string& command, const Words& words, const std::string&
 }
 
 Words candidates(const CLI::App& program, const CommandLine& line, const std::string& begun) {
-  if (!line.options.empty() && line.options.back().lacksValue) return valuesFor(*line.options.back().option);
+  if (!line.options.empty() && line.options.back().lacksValue())
+    return valuesFor(*line.options.back().option);
   if (begun[0] == '-' && !isNamed(begun)) return optionNames(program, line.command);
   if (begun[0] == '-') {
-    for (const CLI::Option* option : optionsOf(program, line.command)) {
-      if (option->check_name(begun.substr(0, begun.find('=')))) return valuesFor(*option);
-    }
+    const CLI::Option* option = findOption(program, line.command, begun.substr(0, begun.find('=')));
+    return option ? valuesFor(*option) : Words();
   }
   Words found;
   const std::string command = line.command ? line.command->get_name() : "";

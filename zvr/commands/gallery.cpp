@@ -49,10 +49,8 @@ void addGallery(CLI::App& program, const Options& options, Run& run) {
       "Make one HTML page that shows every method on a photograph:\n  zvr gallery INPUT [-o FOLDER]");
   const auto own = std::make_shared<GalleryOptions>();
   command->add_option("INPUT", own->input, "Picture file")->required();
-  command->add_option("-o,--output", own->output, "Folder; without it NAME-gallery beside the input")
-      ->type_name("FOLDER");
-  command->add_option("--sound", own->sound, "A sound file to draw; without it a made-up tone")
-      ->type_name("FILE");
+  command->add_option("-o,--output", own->output, "Folder; without it NAME-gallery beside the input");
+  command->add_option("--sound", own->sound, "A sound file to draw; without it a made-up tone");
   command->callback([&run, &options, own] { run = [&options, own] { return show(options, *own); }; });
 }
 

@@ -109,7 +109,8 @@ int list(const Options& options, bool asJson) {
 }  // namespace
 
 void addList(CLI::App& program, const Options& options, Run& run) {
-  CLI::App* command = program.add_subcommand("list", "List every method and class as registered");
+  CLI::App* command =
+      program.add_subcommand("list", "List every method and class as registered:\n  zvr list [--json]");
   const auto asJson = std::make_shared<bool>(false);
   command->add_flag("--json", *asJson, "As one JSON object, for scripts");
   command->callback(

@@ -1,8 +1,10 @@
-// zvr show: a method or class as registered, and what the manual says about it; or a topic of the manual.
+// zvr show and zvr help: a command, a method or class as registered with what the manual says about it, or a
+// topic of the manual.
 
 #include <CLI/CLI.hpp>
 
 #include "zvr/commands/commands.h"
+#include "zvr/language/command_line.h"
 #include "zvr/language/signatures.h"
 #include "zvr/terminal/failures.h"
 #include "zvr/terminal/manual.h"
@@ -25,36 +27,47 @@ void printSignature(const host::Method& method) {
   const std::vector<std::string> topics = manualTopics();
   std::vector<std::string> names = memberNames();
   names.insert(names.end(), topics.begin(), topics.end());
-  std::string text;
-  for (const std::string& topic : topics) text += (text.empty() ? "Topics: " : ", ") + topic;
-  if (name.empty())
-    throw UsageError("expected a method, class or topic; `zvr list` shows every method", {text});
-  throw UsageError("no method, class or topic '" + name + "'" + terminal::didYouMean(name, names), {text});
+  throw UsageError("no command, method, class or topic '" + name + "'" + terminal::didYouMean(name, names),
+                   {"Topics: " + CLI::detail::join(topics, ", ")});
+}
+
+int show(const Options& options, const std::string& name) {
+  const Session session(forMembersOnly(options));
+  bool isMember = false;
+  for (const host::Class& type : host::members().classes) {
+    if (!host::equalNames(type.name, name)) continue;
+    isMember = true;
+    print(classTitle(type));  // the manual has its members
+  }
+  for (const host::Method* method : host::findMethods(name)) {
+    isMember = true;
+    printSignature(*method);
+  }
+  const std::vector<std::string> text = manualLines(name, terminal::width());
+  if (isMember) print(text.empty() ? "\nThe manual has nothing about it yet." : "");
+  if (!isMember && text.empty()) refuse(name);
+  printLines(text);
+  return kDone;
 }
 
 }  // namespace
 
-int show(const Options& options, const std::string& name) {
-  const Session session(forMembersOnly(options));
-  const std::vector<std::string> text = manualLines(name, terminal::width());
-  const std::vector<host::Class>& classes = host::members().classes;
-  const auto type = std::find_if(classes.begin(), classes.end(),
-                                 [&](const host::Class& one) { return host::equalNames(one.name, name); });
-  const std::vector<const host::Method*> methods = host::findMethods(name);
-  const bool isMember = type != classes.end() || !methods.empty();
-  if (!isMember && text.empty()) refuse(name);
-  if (type != classes.end()) print(classTitle(*type));  // the manual has the members
-  for (const host::Method* method : methods) printSignature(*method);
-  if (isMember) print("");
-  printLines(text.empty() ? std::vector<std::string>{"The manual has nothing about it yet."} : text);
-  return kDone;
-}
-
 void addShow(CLI::App& program, const Options& options, Run& run) {
-  CLI::App* command = program.add_subcommand("show", "Explain a method, a class or a topic of the manual");
   const auto name = std::make_shared<std::string>();
-  command->add_option("NAME", *name, "Of a method, a class or a topic, in any case");
-  command->callback([&run, &options, name] { run = [&options, name] { return show(options, *name); }; });
+  for (const std::string word : {"show", "help"}) {
+    const std::string purpose = word == "show" ? "Explain a method, a class or a topic of the manual"
+                                               : "Explain a command, or what zvr show explains";
+    CLI::App* added = program.add_subcommand(word, purpose + ":\n  zvr " + word + " NAME");
+    added->add_option("NAME", *name);
+    added->callback([&, name] {
+      run = [&, name] {
+        const CLI::App* command = name->empty() ? &program : findCommand(program, *name);
+        if (!command) return show(options, *name);
+        std::fputs(helpText(*command).c_str(), stdout);
+        return kDone;
+      };
+    });
+  }
 }
 
 }  // namespace zvr

@@ -1,6 +1,7 @@
 // The words of a command line, told apart so that numbers are never taken for options.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,10 +19,8 @@ bool readsAsOption(const std::string& word);
 struct GivenOption {
   std::string typed;                    // as it was typed, without a value
   const CLI::Option* option = nullptr;  // null: there is none of that name
-  std::vector<std::string>
-      words;  // all that was given: the option, and its value if that was a word of its own
-  std::string value;
-  bool lacksValue = false;  // nothing follows it
+  std::optional<std::string> value;
+  bool lacksValue() const;
 };
 
 struct CommandLine {
@@ -32,6 +31,8 @@ struct CommandLine {
 
 // Null for a name of no command.
 const CLI::App* findCommand(const CLI::App& program, const std::string& name);
+// The same for an option of the command, if there is one, or of the program.
+const CLI::Option* findOption(const CLI::App& program, const CLI::App* command, const std::string& name);
 
 // "apply photo.png ChangeBrightnessLinearZVR -5 -o out.png" reads as meant: what reads as a number is no
 // option, nor is anything after a --.
@@ -41,8 +42,8 @@ CommandLine readCommandLine(const CLI::App& program, const std::vector<std::stri
 // UsageError for a command or an option that is unknown, and for an option without its value.
 std::vector<std::string> sortedWords(const CLI::App& program, const CommandLine& line);
 
-// All options that a command takes, the program's own last.
-std::vector<const CLI::Option*> optionsOf(const CLI::App& program, const CLI::App* command);
+// The long names of all options that a command takes, with their dashes, the program's own last.
+std::vector<std::string> optionNames(const CLI::App& program, const CLI::App* command);
 
 // The values that an option takes: "keep|drop", "1...100", "PATH"; empty for a flag.
 std::string valuesOf(const CLI::Option& option);

@@ -78,7 +78,8 @@ std::string signature(const host::Declaration& declaration, Style nameStyle, siz
     separator = ", ";
   }
   if (!text.empty()) text += ')';
-  if (declaration.result != host::Type::none) text += " as " + host::typeName(declaration.result);
+  if (declaration.result != host::Type::none)
+    text += std::string(" as") + terminal::kHardSpace + host::typeName(declaration.result);
   return styled(nameStyle, declaration.name) + text;
 }
 

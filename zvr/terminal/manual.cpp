@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <regex>
 #include <set>
-#include <sstream>
 
 #include "zvr/terminal/markdown.h"
+#include "zvr/terminal/terminal.h"
 
 namespace zvr {
 
@@ -44,12 +45,9 @@ std::string sharedRules(const Section& title) {
 
 // The topics of the manual's first page that the text refers to.
 std::string topicsIn(const std::string& text) {
-  const std::string link = "(README.md#";
+  const std::regex link(R"(\(README\.md#([^)]*)\))");
   std::set<std::string> topics;
-  for (size_t at = 0; (at = text.find(link, at)) != std::string::npos;) {
-    at += link.size();
-    topics.insert(text.substr(at, text.find(')', at) - at));
-  }
+  for (std::sregex_iterator i(text.begin(), text.end(), link), end; i != end; ++i) topics.insert(i->str(1));
   std::string line;
   for (const std::string& topic : topics)
     line += (line.empty() ? "\nSee also `zvr show " : "`, `zvr show ") + topic;
@@ -67,7 +65,7 @@ std::string manualText(const std::string& heading) {
   std::string text = title->body;
   auto next = title + 1;
   for (; next != sections.end() && next->level > title->level; ++next)
-    text += std::string(static_cast<size_t>(next->level), '#') + ' ' + next->title + '\n' + next->body;
+    text += std::string(next->level, '#') + ' ' + next->title + '\n' + next->body;
   if (title->level == 2) {
     const auto page = std::find_if(std::make_reverse_iterator(title), sections.rend(),
                                    [](const Section& section) { return section.level == 1; });
@@ -99,8 +97,7 @@ std::vector<std::string> manualTopics() {
 std::vector<std::string> manualNotes(const std::string& kind) {
   const std::string begin = "<!-- " + kind + ' ', end = " -->";
   std::vector<std::string> notes;
-  std::istringstream text(kManual);
-  for (std::string line; std::getline(text, line);) {
+  for (const std::string& line : terminal::split(kManual, '\n')) {
     if (line.compare(0, begin.size(), begin) == 0 && line.size() >= begin.size() + end.size())
       notes.push_back(line.substr(begin.size(), line.size() - begin.size() - end.size()));
   }

@@ -3,7 +3,6 @@
 #include <cmark-gfm-core-extensions.h>
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <numeric>
 #include <regex>
@@ -52,32 +51,66 @@ std::string textOf(cmark_node* node, Style style = Style::plain) {
   return text;
 }
 
-// Columns side by side, the last folded as needed; where too little would be left of it, the cells of each
-// row below the first one, after their headings if the first row has them.
+constexpr size_t kGap = 2;  // before each column
+
+std::string padded(const std::string& text, size_t width) {
+  return text + std::string(std::max(width, widthOf(text)) - widthOf(text), ' ');
+}
+
+// The cells of a row side by side, folded to the widths of the columns.
+void addRow(const Row& row, const std::vector<size_t>& columns, Lines& to) {
+  Lines lines;
+  size_t left = 0;
+  for (size_t i = 0; i < row.size(); ++i) {
+    const Lines cell = filled(row[i], columns[i]);
+    lines.resize(std::max(lines.size(), cell.size()));
+    for (size_t y = 0; y < cell.size(); ++y) lines[y] = padded(lines[y], left + kGap) + cell[y];
+    left += kGap + columns[i];
+  }
+  to.insert(to.end(), lines.begin(), lines.end());
+}
+
+// The cells of a row below the first one, after their headings if there are some.
+void addBelow(const Row& row, const Row& headings, size_t width, Lines& to) {
+  const std::string indent(3 * kGap, ' ');
+  for (size_t i = 0; i < row.size(); ++i) {
+    if (row[i].empty()) continue;
+    const std::string begin = i == 0 ? "  " : indent + (headings.empty() ? "" : headings[i] + ": ");
+    for (const std::string& line : filled(begin + row[i], width, indent)) to.push_back(line);
+  }
+}
+
+// Columns are folded as needed; where too little would be left of the last one, there are none.
 Lines tableOf(const std::vector<Row>& rows, bool hasHeadings, size_t width) {
-  constexpr size_t kGap = 2, kLeast = 20;
+  constexpr size_t kMost = 24, kLeast = 20;
   std::vector<size_t> columns(rows[0].size());
   for (const Row& row : rows) {
-    for (size_t i = 0; i < row.size(); ++i) columns[i] = std::max(columns[i], kGap + widthOf(row[i]));
+    for (size_t i = 0; i < row.size(); ++i) columns[i] = std::max(columns[i], widthOf(row[i]));
   }
-  const size_t left = std::accumulate(columns.begin(), columns.end() - 1, kGap);
-  const bool isWide = left + std::min(columns.back(), kLeast) <= width;
+  const auto sum = [&] { return std::accumulate(columns.begin(), columns.end(), kGap * columns.size()); };
+  for (size_t i = 0; i + 1 < columns.size() && sum() > width; ++i) columns[i] = std::min(columns[i], kMost);
+  const size_t others = sum() - columns.back();
+  const bool isWide = others + std::min(columns.back(), kLeast) <= width;
+  columns.back() = std::min(columns.back(), width - std::min(others, width));
   Lines lines;
-  const auto add = [&](const std::string& text, size_t indent) {
-    for (const std::string& line : filled(text, width, std::string(indent, ' '))) lines.push_back(line);
-  };
   for (size_t y = hasHeadings && !isWide ? 1 : 0; y < rows.size(); ++y) {
-    std::string line;
-    for (size_t i = 0; i < columns.size(); ++i) {
-      if (isWide) {
-        line += "  " + rows[y][i];
-        if (i + 1 < columns.size()) line.append(columns[i] - kGap - widthOf(rows[y][i]), ' ');
-      } else if (!rows[y][i].empty()) {
-        add(std::string(i == 0 ? 2 : 6, ' ') + (hasHeadings && i > 0 ? rows[0][i] + ": " : "") + rows[y][i],
-            6);
-      }
+    if (isWide) {
+      addRow(rows[y], columns, lines);
+    } else {
+      addBelow(rows[y], hasHeadings ? rows[0] : Row(), width, lines);
     }
-    if (isWide) add(line, left);
+  }
+  return lines;
+}
+
+// Lines for a shell are continued where they are too long.
+Lines code(cmark_node* block, size_t width) {
+  Lines lines;
+  const bool isShell = cmark_node_get_fence_info(block) == std::string("sh");
+  for (const std::string& line : terminal::split(cmark_node_get_literal(block), '\n')) {
+    Lines parts = filled(line, isShell ? width - 2 : std::string::npos, "  ");
+    for (size_t i = 0; i + 1 < parts.size(); ++i) parts[i] += " \\";
+    lines.insert(lines.end(), parts.begin(), parts.end());
   }
   return lines;
 }
@@ -127,8 +160,7 @@ Lines linesOf(cmark_node* block, size_t width) {
   if (type == "list") return list(block, width);
   Lines lines;
   if (type == "code_block") {
-    for (const std::string& line : terminal::split(cmark_node_get_literal(block), '\n'))
-      lines.push_back("    " + line);
+    for (const std::string& line : code(block, width - 4)) lines.push_back("    " + line);
   }
   bool isApart = false;
   for (cmark_node* part : partsOf(block)) {
@@ -147,28 +179,31 @@ std::vector<std::string> rendered(const std::string& text, size_t width) {
 }
 
 std::string manualPage(const std::string& text) {
-  const std::unique_ptr<char, decltype(&std::free)> roff(
-      cmark_render_man(parsed(text).get(), CMARK_OPT_DEFAULT, 0), std::free);
+  constexpr size_t kCodeWidth = 66;  // with man's margins in a terminal of 80
+  const Tree tree = parsed(text);
+  for (cmark_node* block : partsOf(tree.get())) {
+    std::string lines;
+    if (typeOf(block) != "code_block") continue;
+    for (const std::string& line : code(block, kCodeWidth)) lines += line + '\n';
+    cmark_node_set_literal(block, lines.c_str());
+  }
+  const std::unique_ptr<char, decltype(&std::free)> roff(cmark_render_man(tree.get(), CMARK_OPT_DEFAULT, 0),
+                                                         std::free);
   const std::regex term(R"(\.IP \\\[bu\] 2\n(.*)\.PD 0\n\.P\n\.PD\n)");
   return std::regex_replace(roff.get(), term, ".TP\n$1\n");
 }
 
 std::vector<Section> sections(const std::string& text) {
   std::vector<Section> all;
-  std::map<int, Section> headings;  // by line
-  const Tree tree = parsed(text);
-  for (cmark_node* block : partsOf(tree.get())) {
-    if (typeOf(block) == "heading")
-      headings[cmark_node_get_start_line(block)] = {cmark_node_get_heading_level(block),
-                                                    terminal::withoutStyles(textOf(block)), ""};
-  }
-  int number = 0;
+  bool isCode = false;  // which may hold comments that look like headings
   for (const std::string& line : terminal::split(text, '\n')) {
-    const auto heading = headings.find(++number);
-    if (heading != headings.end())
-      all.push_back(heading->second);
-    else if (!all.empty())
+    isCode = isCode != (line.compare(0, 3, "```") == 0);
+    const size_t level = line.find_first_not_of('#');
+    if (!isCode && level != std::string::npos && level > 0 && line[level] == ' ') {
+      all.push_back({level, line.substr(level + 1), ""});
+    } else if (!all.empty()) {
       all.back().body += line + '\n';
+    }
   }
   return all;
 }

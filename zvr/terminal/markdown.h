@@ -15,7 +15,7 @@ std::string manualPage(const std::string& text);
 
 // A heading, with all that stands before the next one, of whatever level.
 struct Section {
-  int level = 0;
+  size_t level = 0;
   std::string title, body;  // body: Markdown
 };
 std::vector<Section> sections(const std::string& text);

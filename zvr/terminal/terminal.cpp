@@ -49,10 +49,11 @@ size_t printableLength(const std::string& text, size_t at) {
 }
 
 size_t columnsOf(int file) {
-  constexpr size_t kUsual = 80, kLeast = 40;
+  constexpr size_t kUsual = 80, kLeast = 40, kMost = 1000;
   const char* told = std::getenv("COLUMNS");
   size_t columns = told ? std::strtoul(told, nullptr, 10) : 0;
   winsize size{};
+  if (columns > kMost) columns = 0;
   if (columns == 0 && ioctl(file, TIOCGWINSZ, &size) == 0) columns = size.ws_col;
   return std::max(columns == 0 ? kUsual : columns, kLeast);
 }
