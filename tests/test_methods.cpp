@@ -181,7 +181,7 @@ TEST_P(RandomCalls, AnswerAsDefined) {
       if (member.definition() != GetParam()) continue;
       Random random(static_cast<uint32_t>(round));
       // The mask's definition starts over and over.
-      const Call call = makeCall(member, random, GetParam() == "ExtractColorRectangleMaskZVR" ? 40 : 1300);
+      const Call call = makeCall(member, random, GetParam() == "ExtractColorRectangleMaskZVR" ? 40 : 600);
       const std::optional<Outcome> expected = promised(call);
       if (!expected) continue;
       onEverySet([&] {

@@ -31,15 +31,14 @@ TEST_F(Pictures, PixelLayouts) {
 
 // Addresses behind the middle of the memory are as good as others.
 TEST_F(Pictures, RowsOfMoreThanHalfTheMemory) {
-  constexpr int32_t kWidth = 30000, kHeight = 17900;
-  constexpr size_t kBytes = size_t{kWidth} * kHeight * 4;
-  void* const memory = mmap(nullptr, kBytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-  if (memory == MAP_FAILED) GTEST_SKIP() << "no room for " << kBytes << " bytes";
   PictureReader reader;
   reader.format = kFormatCairoOpaque;
-  reader.width = kWidth;
-  reader.height = kHeight;
-  reader.rowBytes = kWidth * 4;
+  reader.width = 30000;
+  reader.height = 17900;
+  reader.rowBytes = reader.width * 4;
+  const auto bytes = static_cast<size_t>(reader.rowBytes) * static_cast<size_t>(reader.height);
+  void* const memory = mmap(nullptr, bytes, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (memory == MAP_FAILED) GTEST_SKIP() << "no room for " << bytes << " bytes";
   reader.firstRow = reader.row = static_cast<uint8_t*>(memory);
   size_t pixels = 0;
   scanRegion(reader, Region::whole(reader), [&](const kernels::Pixel* in, size_t count) {
@@ -47,8 +46,8 @@ TEST_F(Pictures, RowsOfMoreThanHalfTheMemory) {
     pixels += count;
     return true;
   });
-  EXPECT_EQ(pixels, kBytes / 4);
-  munmap(memory, kBytes);
+  EXPECT_EQ(pixels, bytes / 4);
+  munmap(memory, bytes);
 }
 
 // ---- New pictures ----
