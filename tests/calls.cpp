@@ -7,8 +7,6 @@
 
 namespace {
 
-using Kind = Member::Kind;
-
 constexpr const char *kLut = "PictureLut3DZVR", *kTable = "table";
 
 const std::vector<host::Method>& methodsOf(const std::string& owner) {
@@ -214,25 +212,17 @@ std::vector<Member> everyMember() {
   const auto addMethods = [&](const std::string& owner) {
     for (const host::Method& method : methodsOf(owner)) {
       members.push_back({owner, method.text});
-      if (method.setter) members.push_back({owner, method.text, Kind::assign});
+      if (method.setter) members.push_back({owner, method.text, true});
     }
   };
   addMethods("");
   addMethods("Picture");
-  for (const host::Class& type : host::members().classes) {
-    addMethods(type.name);
-    for (const host::Property& property : type.properties) {
-      if (property.getter == kStoredProperty) continue;
-      for (const Kind kind : {Kind::getProperty, Kind::setProperty})
-        members.push_back({type.name, property.name, kind});
-    }
-  }
+  for (const host::Class& type : host::members().classes) addMethods(type.name);
   return members;
 }
 
 std::string Call::describe() const {
-  constexpr const char* kKinds[] = {"", " =", " getter", " setter"};
-  std::string all = member.owner + "." + member.name() + kKinds[static_cast<int>(member.kind)];
+  std::string all = member.owner + "." + member.name() + (member.assigns ? " =" : "");
   for (const Value& argument : arguments) all += " " + written(argument);
   return all;
 }
@@ -243,11 +233,9 @@ std::vector<host::Parameter> parametersOf(const Member& member) {
   for (const host::Class& type : host::members().classes) {
     if (type.name == member.owner) all = parametersOf(type);
   }
-  if (member.kind == Kind::setProperty) all.push_back(parameter("value", "Double"));
-  if (member.kind == Kind::getProperty || member.kind == Kind::setProperty) return all;
   const host::Declaration& declaration = member.method().declaration;
   all.insert(all.end(), declaration.parameters.begin(), declaration.parameters.end());
-  if (member.kind == Kind::assign) all.push_back(parameter("value", host::typeName(declaration.result)));
+  if (member.assigns) all.push_back(parameter("value", host::typeName(declaration.result)));
   return all;
 }
 
@@ -260,10 +248,10 @@ std::vector<std::string> splitWords(const std::string& line) {
 
 Call parsedCall(std::vector<std::string> words) {
   const auto equals = std::find(words.begin(), words.end(), "=");
-  const Kind kind = equals == words.end() ? Kind::call : Kind::assign;
-  if (equals != words.end()) words.erase(equals);
+  const bool assigns = equals != words.end();
+  if (assigns) words.erase(equals);
   for (const Member& member : everyMember()) {
-    if (member.definition() != words[0] || member.kind != kind) continue;
+    if (member.definition() != words[0] || member.assigns != assigns) continue;
     const std::vector<host::Parameter> parameters = parametersOf(member);
     Call call{member, {}};
     for (size_t i = 0; i < parameters.size(); ++i) {
@@ -352,27 +340,23 @@ host::Value Scene::make(const Value& value, host::Type type) {
 void Scene::run() {
   REALobjectStruct* receiver = instance_.get();
   if (member_.owner == "Picture") receiver = std::get<host::PictureRef>(arguments_[0]).get();
-  if (member_.kind == Kind::getProperty) {
-    result_ = host::getProperty(receiver, member_.text);
-  } else if (member_.kind == Kind::setProperty) {
-    host::setProperty(receiver, member_.text, arguments_.back());
-  } else {
-    const host::Method& method = member_.method();
-    const auto end = arguments_.end() - (member_.kind == Kind::assign ? 1 : 0);
-    const auto declared = end - static_cast<std::ptrdiff_t>(method.declaration.parameters.size());
-    host::Outcome outcome = member_.kind == Kind::assign
-                                ? host::assign(method, receiver, {declared, end}, arguments_.back())
-                                : host::call(method, receiver, {declared, end});
-    result_ = std::move(outcome.result);
-    if (outcome.exception) raised_ = outcome.exception->className + ": " + outcome.exception->message;
-    std::copy(outcome.arguments.begin(), outcome.arguments.end(), declared);
-  }
-  if (instance_) arguments_[1] = host::getProperty(instance_.get(), "DestinationPicture");
+  const host::Method& method = member_.method();
+  const auto end = arguments_.end() - member_.assigns;
+  const auto declared = end - static_cast<std::ptrdiff_t>(method.declaration.parameters.size());
+  host::Outcome outcome = member_.assigns ? host::assign(method, receiver, {declared, end}, arguments_.back())
+                                          : host::call(method, receiver, {declared, end});
+  result_ = std::move(outcome.result);
+  if (outcome.exception) raised_ = outcome.exception->className + ": " + outcome.exception->message;
+  std::copy(outcome.arguments.begin(), outcome.arguments.end(), declared);
 }
 
 Outcome Scene::outcome() const {
   Outcome outcome{{}, plainValue(result_), raised_};
-  for (const host::Value& argument : arguments_) outcome.arguments.push_back(plainValue(argument));
+  for (size_t i = 0; i < arguments_.size(); ++i) {
+    const bool isProperty = parameters_[i].hasDefault && instance_ && parameters_[i].name != kTable;
+    outcome.arguments.push_back(
+        plainValue(isProperty ? host::getProperty(instance_.get(), parameters_[i].name) : arguments_[i]));
+  }
   return outcome;
 }
 

@@ -5,20 +5,19 @@
 #include "host/calls.h"
 #include "tests/pictures.h"
 
-// A method, the setter of one, or a property of a class. Found by its text, so it outlives the host in which
-// it was registered.
+// A method, or what assigns to it. Found by its text, so it outlives the host in which it was registered.
 struct Member {
-  enum class Kind { call, assign, getProperty, setProperty };
-
   std::string owner;  // empty for a global method, "Picture", or a class of the plug-in
-  std::string text;   // the declaration, or a property's name
-  Kind kind = Kind::call;
+  std::string text;   // the declaration
+  bool assigns = false;
 
   std::string name() const { return text.substr(0, text.find_first_of("( ")); }
   bool isOfClass() const { return !owner.empty() && owner != "Picture"; }
   // The name of its definition (tests/models.h): a class by itself stands for its Run.
   std::string definition() const { return isOfClass() ? name() == "Run" ? owner : "" : name(); }
-  bool operator==(const Member& o) const { return owner == o.owner && text == o.text && kind == o.kind; }
+  bool operator==(const Member& o) const {
+    return owner == o.owner && text == o.text && assigns == o.assigns;
+  }
   // The method that is registered in the present host; throws when there is none.
   const host::Method& method() const;
 };

@@ -640,8 +640,7 @@ std::optional<Outcome> promised(const Call& call) {
   for (Value& argument : outcome.arguments) {
     if (auto* picture = std::get_if<Pixels>(&argument)) *picture = asHeld(*picture);
   }
-  if (call.member.kind == Member::Kind::assign)
-    return setEmbeddedMask(outcome) ? std::optional(outcome) : std::nullopt;
+  if (call.member.assigns) return setEmbeddedMask(outcome) ? std::optional(outcome) : std::nullopt;
   model->second(outcome);
   return outcome;
 }

@@ -104,7 +104,7 @@ struct Tried {
 bool needsNoPixels(const Call& call) {
   const auto isZero = [&](size_t i) { return call.arguments[i] == Value(int64_t{0}); };
   const std::string name = call.name();
-  return call.member.kind != Member::Kind::call || name == "HasMaskZVR" || name == "Table" ||
+  return call.member.assigns || name == "HasMaskZVR" || name == "Table" || name == "Close" ||
          name == "ScrollHorizontalZVR" || (name == "ScrollVerticalZVR" && isZero(1)) ||
          (name == "ScrollZVR" && isZero(2));
 }
@@ -153,7 +153,8 @@ std::string broken(const Tried& tried, const Disturbance& disturbance, const Tri
   const bool isExcused = mayBeSound ? trial.unwound || isSame || allowed & kAnswers
                                     : disturbance.answer == Answer::any || needsNoPixels(call);
   if (!isNull && !isExcused) text += "the answer is not null\n" + difference(would, is);
-  const bool mayChange = mayBeSound && (!isNull || isSame || trial.unwound || allowed & kNullChanges);
+  const bool mayChange =
+      mayBeSound ? !isNull || isSame || trial.unwound || allowed & kNullChanges : needsNoPixels(call);
   for (size_t i = 0; i < parameters.size(); ++i) {
     const Value& was = tried.before.arguments[i];
     const bool isDestination = call.member.isOfClass() && i == 1;  // part of the answer
@@ -225,6 +226,10 @@ Shim* shimOf(const char* library, const char* function) {
 class Disturbances : public ::testing::Test {
  protected:
   void SetUp() override { load({}); }
+  void TearDown() override {
+    std::cout << tried_ / kParts << " faults\n";
+    EXPECT_TRUE(tried_ > 80 || IsSkipped()) << "hardly anything was tried";
+  }
 
   // Begins the host anew and loads the plug-in afresh: some things it looks up only once.
   void load(const Disturbance& host) {
@@ -327,10 +332,6 @@ class Disturbances : public ::testing::Test {
     }
     describeRunning = {};
   }
-  void expectTried(int least) {
-    std::cout << tried_ / kParts << " faults\n";
-    EXPECT_GE(tried_, least) << "hardly anything was tried";
-  }
 
   int tried_ = 0;
   GovernedPlugin* governed_ = nullptr;
@@ -351,7 +352,6 @@ TEST_F(Disturbances, EveryServiceMissing) {
       return tried.sound.uses[name] > 0 || registering.count(name) ? List{missing} : List{};
     });
   }
-  expectTried(1500);
 }
 
 TEST_F(Disturbances, EveryUseOfEveryServiceAndOfTheHeapFailing) {
@@ -375,7 +375,6 @@ TEST_F(Disturbances, EveryUseOfEveryServiceAndOfTheHeapFailing) {
     });
   }
   EXPECT_GE(allocations, 25) << "most calls need no memory";
-  expectTried(4000);
 }
 
 // Members may be missing then; those that are there work.
@@ -396,7 +395,6 @@ TEST_F(Disturbances, EveryFaultWhileRegistering) {
       }
     }
   }
-  expectTried(2000);
 }
 
 TEST_F(Disturbances, OddPicturesAloneAndAllTogether) {
@@ -450,7 +448,6 @@ TEST_F(Disturbances, OddPicturesAloneAndAllTogether) {
     }
     return list;
   });
-  expectTried(5000);
 }
 
 // Also where references can't be counted.
@@ -462,7 +459,6 @@ TEST_F(Disturbances, NewPicturesOfAnotherSize) {
     grown.spoil = [](const Scene&) { host::removeEntryPoint("REALLockObject"); };
     tryEach(grown);
   }
-  expectTried(900);
 }
 
 TEST_F(Disturbances, EveryFunctionOfTheDrawingLibrariesFailing) {
@@ -478,14 +474,10 @@ TEST_F(Disturbances, EveryFunctionOfTheDrawingLibrariesFailing) {
     tryEach(failing);
     *isFailing = false;
   }
-  expectTried(300);
 }
 
 // Libraries that open but lack what the plug-in needs lie first on the run path of test_no_toolkits, which is
 // this program with this case alone.
-TEST_F(Disturbances, DISABLED_EmptyDrawingLibraries) {
-  tryEach({kPictures, Answer::null});
-  expectTried(100);
-}
+TEST_F(Disturbances, DISABLED_EmptyDrawingLibraries) { tryEach({kPictures, Answer::null}); }
 
 }  // namespace

@@ -120,7 +120,7 @@ class CaseLine : public EverySetTest {
       words.erase(words.begin());
     };
     host::Parameter result;
-    result.type = member.kind == Member::Kind::assign ? host::Type::none : member.method().declaration.result;
+    result.type = member.assigns ? host::Type::none : member.method().declaration.result;
     if (result.type != host::Type::none) compareNext(result, got.result);
     for (size_t i = 0; i < parameters.size(); ++i) {
       if (parameters[i].byRef) compareNext(parameters[i], got.arguments[i]);
