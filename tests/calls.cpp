@@ -85,7 +85,7 @@ host::Color makeColor(Random& random, const Pixels* first) {
 // read are no numbers.
 Bytes makeTable(Random& random) {
   constexpr double kHard[] = {NAN, INFINITY, -INFINITY, 1e308, -1e308, 5e-324, 255.5, 256, -1e-9, -4e9};
-  const bool isWhole = random.chance(40), isStepped = !isWhole && random.chance(20);
+  const bool isWhole = random.chance(30), isStepped = !isWhole && random.chance(20);
   const int parts = isWhole ? 1 : random.among({1, 64}), low = isWhole ? 0 : random.between(-1, 0),
             high = isWhole ? 255 : random.between(255, 256);
   const int hard = isWhole ? 0 : random.among({0, 5, 50}), first = random.between(1, 241);
@@ -125,7 +125,7 @@ Pixels makePicture(const host::Parameter& parameter, Random& random, const Pixel
   if (!first) {
     picture = random.words(side(), std::min(side(), 40));
     // Large enough to be worked on in another way.
-    if (parameter.name == "SourcePicture" && longestSide > 201 && random.chance(30))
+    if (parameter.name == "SourcePicture" && longestSide > 201 && random.chance(50))
       picture = random.words(201, 131);
   } else if (parameter.name == "pic" && random.chance(80)) {
     const int width = random.between(1, random.chance(50) ? first->width : std::min(first->width, 20));

@@ -82,10 +82,6 @@ class FirstFailures : public testing::EmptyTestEventListener {
     const bool isLast = ++failures_ == 2 || result.fatally_failed();
     if (isLast && result.file_name()) throw testing::AssertionException(result);
   }
-  void OnTestProgramEnd(const testing::UnitTest& tests) override {
-    std::cout << tests.test_to_run_count() << " cases, " << tests.failed_test_count() << " failed, "
-              << tests.skipped_test_count() << " skipped\n";
-  }
 
   int shown_ = 0, failures_ = 0;
 };

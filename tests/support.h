@@ -17,6 +17,12 @@
 // Adds what is being worked on, for the message of a process that a signal ends.
 inline std::function<std::string()> describeRunning;
 
+#ifdef ZVR_SANITIZED
+constexpr bool kIsSanitized = true;
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
 // A test in a host with the plug-in loaded. After each test the host must hold exactly `leaves`, by default
 // nothing.
 class HostTest : public ::testing::Test {

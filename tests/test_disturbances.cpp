@@ -172,11 +172,7 @@ std::string broken(const Tried& tried, const Disturbance& disturbance, const Tri
 // ---- Calls ----
 
 // With sanitizers a call takes five times as long: a sixth is tried, another on each road.
-#ifdef ZVR_SANITIZED
-constexpr int kParts = 6;
-#else
-constexpr int kParts = 1;
-#endif
+constexpr int kParts = kIsSanitized ? 6 : 1;
 
 // Of every member calls that have something to answer, if it ever has, the second with alpha, which GDK
 // lacks; and one with each object nil.

@@ -56,16 +56,6 @@ TEST_F(Hosts, MergingLooksForNilBeforeItOpensAPicture) {
   EXPECT_EQ(uses("REALLockPictureDescription", "MergePictureZVR 3x3 nil"), 0);
 }
 
-TEST_F(Hosts, OneBlockMayTakeAllHistogramsThoughItTellsNoSize) {
-  const auto picture = pictureOf({1, 2, Rgb{0x050505}});
-  const auto block = host::newMemoryBlock(Bytes(1024).data(), 1024);
-  host::setReportedSize(block.get(), 0);
-  host::removeEntryPoint("memoryBlockGetSize");
-  call("CountColorsZVR", picture.get(), {block, block, block, int64_t{0}});
-  EXPECT_EQ(host::memoryBlockBytes(block.get())[20], 6);
-  EXPECT_EQ(host::references(block.get()), 1) << "ours";
-}
-
 TEST_F(Hosts, AStringOfAPictureHasNoEncoding) {
   const host::Outcome outcome = call("PicturetoBinaryStringZVR", nullptr, {pictureOf({1, 1, Rgb{0}})});
   EXPECT_EQ(host::stringEncoding(std::get<host::StringRef>(outcome.result).get()), uint32_t{kEncodingNone});

@@ -161,11 +161,7 @@ const bool kHaveCases = [] {
 // ---- Random calls ----
 
 // The X server of the GDK road takes its time.
-#ifdef ZVR_SANITIZED
-int rounds() { return 40; }
-#else
-int rounds() { return isGdk() ? 60 : 90; }
-#endif
+int rounds() { return kIsSanitized ? 40 : isGdk() ? 60 : 90; }
 
 class RandomCalls : public EverySetTest, public ::testing::WithParamInterface<std::string> {};
 
