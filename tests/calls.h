@@ -49,13 +49,13 @@ std::vector<host::Parameter> parametersOf(const Member& member);
 
 // The words of a case line (tests/cases/README.md) without its comment.
 std::vector<std::string> splitWords(const std::string& line);
-// A method's name and its arguments; of overloads the one that takes so many. What is left out has its
-// default.
+// A method's name and its arguments; of overloads the one that takes so many. Arguments that are left
+// out have their defaults.
 Call parsedCall(std::vector<std::string> words);
 // Arguments by their declared types: often ordinary, sometimes adversarial. Pictures are at most that large.
 Call makeCall(const Member& member, Random& random, int longestSide);
 
-// What a call leaves behind.
+// All that a call leaves behind.
 struct Outcome {
   std::vector<Value> arguments;  // those of the call, as they are afterwards
   Value result;

@@ -438,7 +438,8 @@ Pixels scrolled(const Pixels& picture, int64_t deltaX, int64_t deltaY, bool wrap
   return result;
 }
 
-// In place. What can't be scrolled is done sideways, and fails up and down unless there is nothing to do.
+// In place. A picture that can't be scrolled is done sideways, and fails up and down unless there is nothing
+// to do.
 void scroll(Outcome& call, int64_t deltaX, int64_t deltaY) {
   const size_t count = call.arguments.size();
   auto* picture = std::get_if<Pixels>(&call.arguments[0]);

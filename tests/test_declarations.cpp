@@ -10,7 +10,7 @@ namespace {
 
 using namespace host;
 
-// What an attempt answers, or its complaint.
+// An attempt's answer, or its complaint.
 template <typename Attempt>
 std::string answerOf(const Attempt& attempt) {
   try {

@@ -54,7 +54,7 @@ struct Exception {
   const char* left = "";  // Trial::left
 };
 const Exception kOnPurpose[] = {
-    // What the host can't release stays; one that throws meanwhile loses the call's result, too.
+    // All that the host can't release stays; one that throws meanwhile loses the call's result, too.
     {"", "REALUnlockObject", kLosesResult, "objects"},
     {"", "REALUnlockString", kLosesResult, "strings"},
     {"", "PluginDisposeStringData", kLosesResult, "string data"},
@@ -85,7 +85,7 @@ const Exception kOnPurpose[] = {
     {"CountColorsZVR", "memoryBlockGetPtr", kAnswers},
 };
 
-// What a call did.
+// A call that was made.
 struct Trial {
   Outcome after;
   bool unwound = false;

@@ -1,5 +1,4 @@
-// What a call does to the host beside its answer: locks, caches; and calls that share their
-// arguments.
+// Effects of a call on the host beside its answer: locks, caches; and calls that share their arguments.
 
 #include "tests/calls.h"
 #include "tests/support.h"

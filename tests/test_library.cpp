@@ -47,7 +47,7 @@ std::string described(const host::Property& property) {
   const std::string place = isStored ? "at " + std::to_string(property.offset) : "computed";
   return property.name + " as " + property.type + " | " + place + flagsOf(property.flags) + '\n';
 }
-// What the host was handed, in the words of members.txt.
+// Everything that the host was handed, in the words of members.txt.
 std::string handedMembers(int32_t version) {
   std::vector<host::Class> types = host::members().classes;
   types.emplace_back().methods = host::members().pictureMethods;

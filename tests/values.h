@@ -60,7 +60,7 @@ inline bool isObject(const Value& value) {
 bool areSame(const Value& a, const Value& b);
 inline bool isNil(const Value& value) { return value.index() == 0; }
 
-// What a variant holds, if the other kind can hold it too; else its first alternative.
+// The value that a variant holds, if the other kind can hold it too; else its first alternative.
 template <typename To, typename From>
 To scalarOf(const From& value) {
   return std::visit(

@@ -30,8 +30,9 @@ std::string helpText(const CLI::App& app);
 // A manual page in man's format: the program, all subcommands, and what else the manual says about zvr.
 std::string manualPage(const CLI::App& program);
 
-// What the last word of a command line may become, sorted: commands, options and their values, members,
-// arguments by their types; of a word NAME=VALUE the value. "@files" comes last where files may follow.
+// The words that the last one of a command line may become, sorted: commands, options and their values,
+// members, arguments by their types; of a word NAME=VALUE the value. "@files" comes last where files may
+// follow.
 std::vector<std::string> completions(const CLI::App& program, const std::vector<std::string>& words);
 
 }  // namespace zvr

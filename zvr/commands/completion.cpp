@@ -1,4 +1,4 @@
-// What may follow on a command line, for shells.
+// Completion of a command line, for shells.
 
 #include <CLI/CLI.hpp>
 

@@ -8,7 +8,7 @@
 
 namespace zvr {
 
-// What a method answered, or an argument by reference.
+// An answer of a method, or an argument by reference.
 struct Answer {
   std::string method;
   std::string name;  // of the argument; of the method for its result
@@ -16,7 +16,7 @@ struct Answer {
   std::string output;  // the file that a block went to; empty: none
 };
 
-// What came of one input.
+// The outcome of one input.
 struct Report {
   std::string input;
   std::vector<Answer> answers;

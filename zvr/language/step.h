@@ -42,7 +42,7 @@ struct Step {
 
 // Whether a word is the file name of a film look: .cube, in any case.
 bool isLook(const std::string& word);
-// What the first word of a step, in any case, may mean, without arguments: overloads of a method, in
+// The steps that a first word, in any case, may mean, without arguments: overloads of a method, in
 // registered order, or a class that filters pictures. A class has all properties that can be set as
 // parameters, each with a default. Empty for other words.
 std::vector<Step> stepsNamed(const std::string& word);
