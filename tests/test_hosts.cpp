@@ -102,8 +102,11 @@ TEST_F(Hosts, TheTableOfAClassHasBounds) {
 TEST_F(Hosts, ToningKeepsNoOldDestination) {
   const host::ObjectRef sepia = host::newInstance("PictureSepiaZVR");
   for (const auto& [factor, weight] :
-       {std::pair("FactorRed", 0.299), {"FactorBlue", 0.587}, {"FactorGreen", 0.114}})
+       {std::pair("FactorRed", 0.299), {"FactorBlue", 0.587}, {"FactorGreen", 0.114}}) {
     EXPECT_EQ(std::get<double>(host::getProperty(sepia.get(), factor)), weight) << "at first";
+    host::failAt("PluginGetPluginData", 1);
+    EXPECT_EQ(std::get<double>(host::getProperty(sepia.get(), factor)), 0) << "no data, no weight";
+  }
   const auto old = pictureOf({3, 2, Rgb{1}});
   for (const char* property : {"SourcePicture", "DestinationPicture"})
     host::setProperty(sepia.get(), property, old);
