@@ -50,7 +50,7 @@ REALpictureStruct* newByDepth(int32_t width, int32_t height, int32_t depth) {
 // Takes the buffer over when a picture comes of it: it is freed with free() when the picture dies.
 REALpictureStruct* buildFromBuffer(int32_t width, int32_t height, int32_t pixelType, uint8_t* buffer,
                                    int32_t rowBytes) {
-  constexpr auto kThreeBytes = static_cast<RBPixelType>(1);  // by number, as hosts know it
+  constexpr int32_t kThreeBytes = 1;  // RGB24, by number as hosts know it
   if (pixelType != kThreeBytes || !buffer || rowBytes / 3 < width) return nullptr;
   PictureRef built = newPicture(width, height);
   auto* picture = wanted(built.get(), "build");
