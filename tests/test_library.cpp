@@ -44,7 +44,7 @@ std::string described(const host::Method& method) {
 }
 std::string described(const host::Property& property) {
   const bool isStored = property.getter == kStoredProperty && property.setter == kStoredProperty;
-  const std::string place = isStored ? "at " + std::to_string(property.offset) : "computed";
+  const std::string place = (isStored ? "at " : "computed with ") + std::to_string(property.offset);
   return property.name + " as " + property.type + " | " + place + flagsOf(property.flags) + '\n';
 }
 // Everything that the host was handed, in the words of members.txt.
