@@ -78,29 +78,30 @@ class Plugin {
   void* library_;
 };
 
-// A method as registered. For an extension of a host class the first argument is the host object; for a
-// class of the plug-in it is the instance.
-struct Method {
-  Declaration declaration;
-  std::string text;  // the declaration as registered
-  void* function = nullptr;
-  void* setter = nullptr;  // or null
+struct Flagged {
   uint32_t flags = 0;
   bool consoleSafe() const { return (flags & kFlagConsoleSafe) != 0; }
 };
 
-struct Property {
+// A method as registered. For an extension of a host class the first argument is the host object; for a
+// class of the plug-in it is the instance.
+struct Method : Flagged {
+  Declaration declaration;
+  std::string text;  // the declaration as registered
+  void* function = nullptr;
+  void* setter = nullptr;  // or null
+};
+
+struct Property : Flagged {
   std::string name, type;
-  uint32_t flags = 0;
   void* getter = nullptr;  // kStoredProperty: a field at `offset` of the instance data
   void* setter = nullptr;
   uint32_t offset = 0;
 };
 
-struct Class {
+struct Class : Flagged {
   std::string name;
   int32_t dataSize = 0;
-  uint32_t flags = 0;
   void* constructor = nullptr;
   void* destructor = nullptr;
   std::vector<Property> properties;

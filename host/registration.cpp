@@ -43,8 +43,11 @@ void journal(const char* entryPoint, const char* name, int32_t version, const vo
 bool addMethod(std::vector<Method>& methods, const REALmethodDefinition& record) {
   try {
     if (!record.function || !record.declaration) throw std::invalid_argument("no function or no declaration");
-    methods.push_back({parseDeclaration(record.declaration), record.declaration, record.function,
-                       record.setter, record.flags});
+    methods.push_back({{record.flags},
+                       parseDeclaration(record.declaration),
+                       record.declaration,
+                       record.function,
+                       record.setter});
     return true;
   } catch (const std::invalid_argument& problem) {
     noteError(std::string("method \"") + (record.declaration ? record.declaration : "") +
@@ -83,8 +86,12 @@ void registerClass(const REALclassDefinition* record) {
   added.record = record;
   for (const auto& property :
        readRecords<REALproperty, REALoldProperty>(record->properties, record->propertyCount)) {
-    added.properties.push_back(
-        {property.name, property.type, property.flags, property.getter, property.setter, property.parameter});
+    added.properties.push_back({{property.flags},
+                                property.name,
+                                property.type,
+                                property.getter,
+                                property.setter,
+                                property.parameter});
   }
   addMethods(added.methods, *record);
   registered.classes.push_back(std::move(added));

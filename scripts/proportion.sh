@@ -11,5 +11,5 @@ tellProportion() {
   code=$(git ls-files frame picture kernels operations classes plugin host zvr | grep -E '\.(cpp|h)$' | linesOf //)
   tests=$(git ls-files tests fuzz | grep -E '\.(cpp|h)$' | linesOf //)
   others=$(git ls-files tests fuzz | grep -vE '\.(cpp|h|md)$|^tests/photographs/|^fuzz/corpus/' | linesOf '#')
-  say "Tests: $((tests + others)) lines for $code of code, $((100 * (tests + others) / code)) per 100"
+  say "Tests: $((tests + others)) lines for $code of code, $(((1000 * (tests + others) / code + 5) / 10)) per 100"
 }

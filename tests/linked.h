@@ -17,21 +17,15 @@ inline std::string bytesAt(const void* memory, size_t size) {
 class LinkedTest : public ::testing::Test {
  protected:
   void SetUp() override { beginAt(2013.03); }
-  void TearDown() override { expectNothingLeft(); }
+  void TearDown() override { expectHeld({}); }
   // A new host of that version. Services that the plug-in found before stay found, at the same addresses.
   void beginAt(double version) {
-    expectNothingLeft();
+    expectHeld({});
     host::Settings settings = settingsForRoad();
     settings.version = version;
     host::start(settings);
     gResolver = host::resolve;
     rbversion_rbversion = version;
-  }
-
- private:
-  static void expectNothingLeft() {
-    EXPECT_FALSE(host::takeException()) << "an exception is still pending";
-    EXPECT_EQ(host::held(), host::Ledger()) << host::describeHeld();
   }
 };
 

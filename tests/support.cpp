@@ -27,9 +27,13 @@ void EverySetTest::onEverySet(const std::function<void()>& body) {
   }
 }
 
-void HostTest::TearDown() {
+void expectHeld(const host::Ledger& wanted) {
   EXPECT_FALSE(host::takeException()) << "an exception is still pending";
-  EXPECT_EQ(host::held(), leaves) << host::describeHeld();
+  EXPECT_EQ(host::held(), wanted) << host::describeHeld();
+}
+
+void HostTest::TearDown() {
+  expectHeld(leaves);
   plugin_.reset();
 }
 

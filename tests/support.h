@@ -23,6 +23,9 @@ constexpr bool kIsSanitized = true;
 constexpr bool kIsSanitized = false;
 #endif
 
+// Expects that the host holds exactly that, and that no exception is pending.
+void expectHeld(const host::Ledger& wanted);
+
 // A test in a host with the plug-in loaded. After each test the host must hold exactly `leaves`, by default
 // nothing.
 class HostTest : public ::testing::Test {

@@ -17,12 +17,10 @@ using terminal::print;
 using terminal::Style;
 using terminal::styled;
 
-bool isSafe(uint32_t flags) { return (flags & kFlagConsoleSafe) != 0; }
-
 // ---- For people ----
 
-void printMember(uint32_t flags, const std::vector<std::string>& lines) {
-  const std::string mark = isSafe(flags) ? styled(Style::good, "c") : styled(Style::faint, "-");
+void printMember(const host::Flagged& member, const std::vector<std::string>& lines) {
+  const std::string mark = member.consoleSafe() ? styled(Style::good, "c") : styled(Style::faint, "-");
   for (const std::string& line : lines) print((&line == &lines.front() ? "  " + mark + " " : "    ") + line);
 }
 
@@ -33,7 +31,7 @@ void printMethods(const std::vector<host::Method>& methods) {
     if (!names.insert(first.declaration.name).second) continue;
     for (const host::Method& method : methods) {
       if (method.declaration.name != first.declaration.name) continue;
-      printMember(method.flags, signatureLines(method.declaration, terminal::width() - 4));
+      printMember(method, signatureLines(method.declaration, terminal::width() - 4));
       if (method.setter) print(styled(Style::faint, "      can be assigned to"));
     }
   }
@@ -48,7 +46,7 @@ void printAll(const host::Members& members) {
   for (const host::Class& type : members.classes) {
     print(classTitle(type));
     for (const host::Property& property : type.properties)
-      printMember(property.flags, {styled(Style::name, property.name) + " as " + property.type});
+      printMember(property, {styled(Style::name, property.name) + " as " + property.type});
     printMethods(type.methods);
   }
   print("c: console-safe, -: for desktops only");
@@ -82,12 +80,12 @@ Json methodJson(const host::Method& method) {
 }
 
 Json propertyJson(const host::Property& property) {
-  return {{"name", property.name}, {"type", property.type}, {"consoleSafe", isSafe(property.flags)}};
+  return {{"name", property.name}, {"type", property.type}, {"consoleSafe", property.consoleSafe()}};
 }
 
 Json classJson(const host::Class& type) {
   return {{"name", type.name},
-          {"consoleSafe", isSafe(type.flags)},
+          {"consoleSafe", type.consoleSafe()},
           {"properties", array(type.properties, propertyJson)},
           {"methods", array(type.methods, methodJson)}};
 }

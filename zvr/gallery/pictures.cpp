@@ -11,6 +11,7 @@
 
 #include "zvr/files/host_pictures.h"
 #include "zvr/language/arguments.h"
+#include "zvr/language/signatures.h"
 
 namespace zvr::gallery {
 namespace {
@@ -82,11 +83,9 @@ Histogram histogramIn(const std::vector<host::Value>& arguments) {
   Histogram histogram;
   size_t channel = 0;
   for (const host::Value& argument : arguments) {
-    const Bytes bytes = bytesOf(argument);
-    if (bytes.size() != 256 * sizeof(uint32_t) || channel == histogram.size()) continue;
-    auto& counts = histogram[channel++];
-    counts.resize(256);
-    std::memcpy(counts.data(), bytes.data(), bytes.size());
+    const auto* block = std::get_if<host::MemoryBlockRef>(&argument);
+    std::vector<uint32_t> counts = block && *block ? countsIn(*block) : std::vector<uint32_t>();
+    if (counts.size() == 256 && channel < histogram.size()) histogram[channel++] = std::move(counts);
   }
   return histogram;
 }

@@ -1,6 +1,5 @@
 #include "zvr/language/answers.h"
 
-#include <cstring>
 #include <nlohmann/json.hpp>
 
 #include "zvr/language/arguments.h"
@@ -11,14 +10,12 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json bytesJson(const Bytes& bytes) {
-  constexpr size_t kHistogram = 1024;
+Json blockJson(const host::MemoryBlockRef& block) {
+  constexpr size_t kHistogram = 256;
   constexpr char kDigits[] = "0123456789abcdef";
-  if (bytes.size() == kHistogram) {
-    std::vector<uint32_t> counts(bytes.size() / sizeof(uint32_t));
-    std::memcpy(counts.data(), bytes.data(), bytes.size());
-    return counts;
-  }
+  const std::vector<uint32_t> counts = countsIn(block);
+  if (counts.size() == kHistogram) return counts;
+  const Bytes bytes = bytesOf(block);
   std::string hex;
   for (const uint8_t byte : bytes) hex.append({kDigits[byte >> 4], kDigits[byte & 15]});
   return {{"size", bytes.size()}, {"hex", hex}};
@@ -29,9 +26,7 @@ struct ToJson {
   Json operator()(int64_t number) const { return number; }
   Json operator()(double number) const { return number; }
   Json operator()(bool flag) const { return flag; }
-  Json operator()(const host::MemoryBlockRef& block) const {
-    return block ? bytesJson(bytesOf(block)) : Json();
-  }
+  Json operator()(const host::MemoryBlockRef& block) const { return block ? blockJson(block) : Json(); }
   template <typename Other>
   Json operator()(const Other& other) const {
     return valueText(other);

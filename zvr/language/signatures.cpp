@@ -14,12 +14,10 @@ using terminal::Style;
 using terminal::styled;
 
 // A block by its size, and its bytes as 32-bit counts where there are four to a count.
-std::string blockText(REALmemoryBlockStruct* block) {
-  const size_t size = host::memoryBlockSize(block);
-  std::string text = "MemoryBlock of " + std::to_string(size) + " bytes";
-  std::vector<uint32_t> entries(size / sizeof(uint32_t));
-  if (entries.empty() || size % sizeof(uint32_t) != 0) return text;
-  std::memcpy(entries.data(), host::memoryBlockBytes(block), size);
+std::string blockText(const host::MemoryBlockRef& block) {
+  std::string text = "MemoryBlock of " + std::to_string(host::memoryBlockSize(block.get())) + " bytes";
+  const std::vector<uint32_t> entries = countsIn(block);
+  if (entries.empty()) return text;
   const auto zeros = static_cast<size_t>(std::count(entries.begin(), entries.end(), 0U));
   text += ": " + std::to_string(entries.size() - zeros) + " of " + std::to_string(entries.size()) +
           " entries are not 0";
@@ -59,7 +57,7 @@ struct ToText {
   }
   std::string operator()(const host::MemoryBlockRef& block) const {
     if (!block) return "nil";
-    return blockText(block.get());
+    return blockText(block);
   }
   std::string operator()(const host::ObjectRef& object) const { return object ? "Object" : "nil"; }
 };
@@ -95,9 +93,15 @@ std::string signatureText(const host::Declaration& declaration) {
 }
 
 std::string classTitle(const host::Class& type) {
-  const bool isConsoleSafe = (type.flags & kFlagConsoleSafe) != 0;
   return styled(Style::heading, "Class " + type.name) +
-         (isConsoleSafe ? ", console-safe" : ", not console-safe");
+         (type.consoleSafe() ? ", console-safe" : ", not console-safe");
+}
+
+std::vector<uint32_t> countsIn(const host::MemoryBlockRef& block) {
+  const size_t size = host::memoryBlockSize(block.get());
+  std::vector<uint32_t> counts(size % sizeof(uint32_t) == 0 ? size / sizeof(uint32_t) : 0);
+  if (!counts.empty()) std::memcpy(counts.data(), host::memoryBlockBytes(block.get()), size);
+  return counts;
 }
 
 std::string valueText(const host::Value& value) { return std::visit(ToText{}, value); }

@@ -16,6 +16,8 @@ std::vector<std::string> signatureLines(const host::Declaration& declaration, si
 std::string signatureText(const host::Declaration& declaration);
 // "Class PictureLut3DZVR, console-safe", styled.
 std::string classTitle(const host::Class& type);
+// The bytes of a block, which is not nil, as 32-bit counts; none when there aren't four to a count.
+std::vector<uint32_t> countsIn(const host::MemoryBlockRef& block);
 // Numbers in the shortest form that reads back the same; long or binary strings and blocks by their size.
 std::string valueText(const host::Value& value);
 // The names of all registered methods and classes.

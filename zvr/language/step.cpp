@@ -123,9 +123,7 @@ host::Outcome runFilter(const Step& step, const host::PictureRef& source,
 
 bool Step::hasTable() const { return type && findMethod(*type, kTable); }
 
-bool Step::isConsoleSafe() const {
-  return method ? method->consoleSafe() : (type->flags & kFlagConsoleSafe) != 0;
-}
+bool Step::isConsoleSafe() const { return method ? method->consoleSafe() : type->consoleSafe(); }
 
 bool Step::concernsTransparency() const {
   const auto isMaskScrolled = [](const host::Parameter& p) { return host::equalNames(p.name, "scrollmask"); };
@@ -176,7 +174,9 @@ host::Outcome callStep(const Step& step, const host::PictureRef& receiver, std::
                               ? host::assign(*step.method, receiver.get(), std::move(arguments), assigned)
                               : host::call(*step.method, receiver.get(), std::move(arguments));
   outcome = checked(step.declaration.name, std::move(outcome));
-  if (step.makesCurrent() && valueText(outcome.result) == "nil")
+  const auto* picture = std::get_if<host::PictureRef>(&outcome.result);
+  const auto* string = std::get_if<host::StringRef>(&outcome.result);
+  if (step.makesCurrent() && (picture ? !*picture : !*string))
     throw Failure(nilText(step.declaration, receiver, outcome.arguments));
   return outcome;
 }
