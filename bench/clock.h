@@ -38,15 +38,16 @@ class Memory {
   uint8_t* bytes_;
 };
 
-// A plain copy of some bytes to its own memory, with `rep movsb`.
+// The unit of speed: a plain copy of some bytes between memory of its own.
 class PlainCopy {
  public:
-  PlainCopy(const void* from, size_t bytes);
-  double time();  // runs one copy; returns its seconds
+  explicit PlainCopy(size_t bytes) : from_(bytes), to_(bytes) {}
+  // Copies by `rep movsb`, by the C library's memcpy, and by streaming stores with prefetch; returns the
+  // seconds of the fastest.
+  double time();
 
  private:
-  const void* from_;
-  Memory to_;
+  Memory from_, to_;
 };
 
 // How often to measure.
@@ -57,10 +58,11 @@ struct Effort {
 };
 
 struct Medians {
-  double seconds = 0;            // of a run
-  std::vector<double> inCopies;  // the same as a multiple of each copy's median
+  double seconds = 0;   // of a run
+  double inCopies = 0;  // of the ratios between a run and the copy just before it
 };
-// Alternates between runs: `once`, which returns its seconds, and each of the copies.
-Medians measure(const Effort& effort, const std::function<double()>& once, std::vector<PlainCopy*> copies);
+// Alternates between `copy` (or nothing, if null) and `once`, which returns its seconds. Machines change
+// their speed from one moment to the next: only neighbours in time are compared.
+Medians measure(const Effort& effort, const std::function<double()>& once, PlainCopy* copy);
 
 }  // namespace bench

@@ -10,6 +10,7 @@
 
 #include "bench/allocations.h"
 #include "bench/kernel_runs.h"
+#include "bench/machine.h"
 #include "bench/names.h"
 #include "bench/operations.h"
 #include "bench/report.h"
@@ -19,12 +20,15 @@ namespace {
 
 constexpr Size kLarge{3840, 2160}, kMiddle{1000, 1000}, kSmall{256, 256}, kTiny{16, 16}, kSmoke{70, 40};
 constexpr int kGrowingSides[] = {16, 64, 256, 1024, 4096, 8192};
-constexpr Effort kUsual{7, 400, 0.12}, kQuick{3, 2000, 0.05}, kManyCalls{500, 2000, 0.02, Clock::wall},
+constexpr Effort kUsual{15, 400, 0.3}, kQuick{3, 2000, 0.05}, kManyCalls{500, 2000, 0.02, Clock::wall},
     kOnce{1, 1, 0};
 
-// The measured library; others are the same with only one instruction set.
+// The measured library; the others are the same with one instruction set only.
 const std::string kLibrary = ZVR_PLUGIN;
-const std::string kSse2Library = ZVR_PLUGIN_SSE2;
+const std::string kNarrowLibraries[] = {ZVR_PLUGIN_SSE2, ZVR_PLUGIN_AVX2};
+
+// Processors that are busy for a larger share of the time disturb a measurement.
+constexpr double kDisturbing = 0.05;
 
 using Body = std::function<void(benchmark::State&)>;
 
@@ -38,6 +42,7 @@ void add(const std::string& name, const Body& body) {
   benchmark::RegisterBenchmark(name.c_str(),
                                [body](benchmark::State& state) {
                                  for (auto _ : state) {
+                                   const Neighbours neighbours;
                                    try {
                                      body(state);
                                    } catch (const std::exception& e) {
@@ -45,6 +50,8 @@ void add(const std::string& name, const Body& body) {
                                      state.SkipWithError(e.what());
                                      return;
                                    }
+                                   const double busy = neighbours.busy();
+                                   if (busy > kDisturbing) state.counters[kBusy] = busy * 100;
                                  }
                                })
       ->Iterations(1)
@@ -76,21 +83,14 @@ void runOperation(benchmark::State& state, const Operation& operation, Pixels pi
   Stage& stage = Stage::of(pixels, library);
   const Prepared prepared = operation.prepare(stage, size);
   const HeapUse use = heapUseOf(prepared);
-  PlainCopy copy(prepared.bytes, prepared.byteCount);
-  std::vector<PlainCopy*> copies{&copy};
-  std::unique_ptr<Memory> words;
-  std::unique_ptr<PlainCopy> wordCopy;
-  if (pixels == Pixels::rgb24 && operation.only.width == 0) {
-    words = std::make_unique<Memory>(prepared.items * 4);
-    wordCopy = std::make_unique<PlainCopy>(words->get(), words->size());
-    copies.push_back(wordCopy.get());
-  }
+  PlainCopy copy(prepared.bytes);
   const Medians medians = measure(
-      effort, [&] { return timePlugin(prepared); }, copies);
+      effort, [&] { return timePlugin(prepared); }, &copy);
   state.SetIterationTime(medians.seconds);
   state.counters[kMegapixels] = megapixels(prepared.items, medians.seconds);
-  state.counters[kCopies] = medians.inCopies[0];
-  if (wordCopy) state.counters[kWordCopies] = medians.inCopies[1];
+  state.counters[kCopies] = medians.inCopies;
+  if (operation.limit > 0)
+    state.counters[kLimit] = pixels == Pixels::rgb24 ? operation.rgb24Limit : operation.limit;
   state.counters[kPeak] = static_cast<double>(use.peak) / 1024;
 }
 
@@ -104,14 +104,16 @@ void runFixed(benchmark::State& state, const Operation& operation, Pixels pixels
   prepared.after();
   if (lookedUp > 0) throw std::runtime_error("a call that is not the first looks up entry points");
   double hostSeconds = 0;
-  const Medians whole = measure(effort,
-                                [&] {
-                                  const CallTime time = timeCall(prepared.call);
-                                  prepared.after();
-                                  return time.all;
-                                },
-                                {});
-  const Medians own = measure(effort, [&] { return timePlugin(prepared); }, {});
+  const Medians whole = measure(
+      effort,
+      [&] {
+        const CallTime time = timeCall(prepared.call);
+        prepared.after();
+        return time.all;
+      },
+      nullptr);
+  const Medians own = measure(
+      effort, [&] { return timePlugin(prepared); }, nullptr);
   hostSeconds = whole.seconds - own.seconds;
   state.SetIterationTime(own.seconds);
   state.counters[kNanoseconds] = own.seconds * 1e9;
@@ -125,7 +127,8 @@ void runGrowth(benchmark::State& state, const Operation& operation, const Size& 
   const Prepared prepared = operation.prepare(Stage::of(Pixels::words, kLibrary), size);
   prepared.call();
   prepared.after();
-  const Medians medians = measure(effort, [&] { return timePlugin(prepared); }, {});
+  const Medians medians = measure(
+      effort, [&] { return timePlugin(prepared); }, nullptr);
   state.SetIterationTime(medians.seconds);
   state.counters[kNanosecondsAPixel] = medians.seconds * 1e9 / static_cast<double>(prepared.items);
 }
@@ -137,17 +140,17 @@ void runKernel(benchmark::State& state, const KernelRun& kernel, const kernels::
     canvas.reset();
     canvas = std::make_unique<Canvas>(size);
   }
-  PlainCopy copy(canvas->photo.get(), canvas->photo.size());
+  PlainCopy copy(canvas->photo.size());
   const auto once = [&] {
     const double from = now();
     runRows(kernel, table, *canvas);
     return now() - from;
   };
   once();
-  const Medians medians = measure(effort, once, {&copy});
+  const Medians medians = measure(effort, once, &copy);
   state.SetIterationTime(medians.seconds);
   state.counters[kMegapixels] = megapixels(size.pixels(), medians.seconds);
-  state.counters[kCopies] = medians.inCopies[0];
+  state.counters[kCopies] = medians.inCopies;
 }
 
 // ---- Measurements ----
@@ -159,7 +162,7 @@ void addOperations(Pixels pixels, const std::string& library, const std::string&
       const std::string base = std::string(kOperations) + "/" + operation.name + "/" + nameOf(pixels) + "/";
       // An operation with its own size is listed among the large ones.
       if (operation.only.width > 0 && size == kMiddle) continue;
-      if (operation.wordsOnly && pixels != Pixels::words) continue;
+      if (operation.wordsOnly && pixels == Pixels::rgb24) continue;
       const Size own = operation.only.width > 0 && size == kLarge ? operation.only : size;
       add(base + nameOf(own) + suffix, [=, &operation](benchmark::State& state) {
         runOperation(state, operation, pixels, library, own, effort);
@@ -170,7 +173,7 @@ void addOperations(Pixels pixels, const std::string& library, const std::string&
 
 void addFixed(Pixels pixels, const Effort& effort) {
   for (const Operation& operation : operations()) {
-    if (operation.wordsOnly && pixels != Pixels::words) continue;
+    if (operation.wordsOnly && pixels == Pixels::rgb24) continue;
     add(std::string(kFixed) + "/" + operation.name + "/" + nameOf(pixels) + "/" + nameOf(kTiny),
         [=, &operation](benchmark::State& state) { runFixed(state, operation, pixels, effort); });
   }
@@ -202,13 +205,22 @@ void addKernels(const std::vector<Size>& sizes, const Effort& effort) {
   }
 }
 
+// With each instruction set that is narrower than this processor's best.
+void addNarrowOperations(const Size& size, const Effort& effort) {
+  const kernels::Tables tables = kernels::supported();
+  for (int i = 0; i < tables.count - 1; ++i) {
+    addOperations(Pixels::words, kNarrowLibraries[i], std::string("/") + tables.table[i]->name, {size},
+                  effort);
+  }
+}
+
 // Runs everything once on small pictures, for the tests: checks that it runs and that results are right.
 void addSmoke() {
-  for (const Pixels pixels : {Pixels::words, Pixels::rgb24}) {
+  for (const Pixels pixels : {Pixels::words, Pixels::rows, Pixels::rgb24}) {
     addOperations(pixels, kLibrary, "", {kSmoke}, kOnce);
     addFixed(pixels, kOnce);
   }
-  addOperations(Pixels::words, kSse2Library, "/sse2", {kSmoke}, kOnce);
+  addNarrowOperations(kSmoke, kOnce);
   addKernels({kSmoke}, kOnce);
 }
 
@@ -216,9 +228,10 @@ void addAll() {
   addOperations(Pixels::words, kLibrary, "", {kLarge, kMiddle}, kUsual);
   addFixed(Pixels::words, kManyCalls);
   addGrowth();
+  addOperations(Pixels::rows, kLibrary, "", {kLarge}, kUsual);
   addOperations(Pixels::rgb24, kLibrary, "", {kLarge, kMiddle}, kUsual);
   addFixed(Pixels::rgb24, kManyCalls);
-  addOperations(Pixels::words, kSse2Library, "/sse2", {kLarge}, kUsual);
+  addNarrowOperations(kLarge, kUsual);
   addKernels({kLarge, kMiddle, kSmall}, kQuick);
 }
 
@@ -247,6 +260,7 @@ Arguments parse(int argc, char** argv) {
 }
 
 int run(const Arguments& arguments, char* program) {
+  steady();
   wanted = std::regex(arguments.filter);
   if (arguments.smoke) {
     addSmoke();

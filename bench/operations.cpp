@@ -19,8 +19,8 @@ void require(bool holds, const char* what) {
 }
 
 // The part that all operations on a picture share.
-Prepared on(Stage& stage, const PictureRef& source, const Size& size) {
-  return {nullptr, [] {}, size.pixels(), Stage::bytesOf(source), stage.bytesOf(size)};
+Prepared on(const Size& size) {
+  return {nullptr, [] {}, size.pixels(), size.pixels() * 4};
 }
 
 // `make` returns a new picture.
@@ -55,7 +55,7 @@ Operation map(const char* method, const char* label, Content content, Arguments.
             const auto function =
                 stage.function<Picture(Picture, Arguments...)>(method, sizeof...(Arguments));
             const auto source = stage.picture(content, size);
-            return making(on(stage, source, size), [=] { return function(source.get(), arguments...); });
+            return making(on(size), [=] { return function(source.get(), arguments...); });
           }};
 }
 
@@ -67,7 +67,7 @@ Operation question(const char* method, const char* label, Content content, bool 
             const auto function = stage.function<Value(Picture, Arguments...)>(method, sizeof...(Arguments));
             const auto source = stage.picture(content, size);
             return asking<Value>(
-                on(stage, source, size), [=] { return function(source.get(), arguments...); }, isRight);
+                on(size), [=] { return function(source.get(), arguments...); }, isRight);
           }};
 }
 
@@ -79,7 +79,7 @@ Operation mapOfTwo(const char* method, size_t parameters) {
             const auto function = stage.function<Picture(Picture, Picture)>(method, parameters);
             const auto first = stage.picture(Content::photo, size),
                        second = stage.picture(Content::otherPhoto, size);
-            return making(on(stage, first, size), [=] { return function(first.get(), second.get()); });
+            return making(on(size), [=] { return function(first.get(), second.get()); });
           }};
 }
 
@@ -88,20 +88,20 @@ Operation combine() {
             const auto function = stage.function<Picture(Picture, Picture, Picture)>("CombinePicturesZVR", 3);
             const auto r = stage.picture(Content::photo, size), b = stage.picture(Content::otherPhoto, size),
                        g = stage.picture(Content::grays, size);
-            return making(on(stage, r, size), [=] { return function(r.get(), b.get(), g.get()); });
+            return making(on(size), [=] { return function(r.get(), b.get(), g.get()); });
           }};
 }
 
 // In place: RGB24 pictures are refused, since only a copy of their pixels is accessible.
-Operation scroll(const char* label, int32_t x, int32_t y) {
-  Operation operation{
-      labelled("ScrollZVR", label), [=](Stage& stage, const Size& size) {
-        const auto function =
-            stage.function<RBBoolean(Picture, int32_t, int32_t, RBBoolean, RBBoolean)>("ScrollZVR", 4);
-        const auto picture = stage.newPicture(size, nullptr);
-        return asking<RBBoolean>(
-            on(stage, picture, size), [=] { return function(picture.get(), x, y, 1, 0); }, isTrue);
-      }};
+Operation scroll(const char* label, int32_t x, int32_t y, RBBoolean wrap) {
+  Operation operation{labelled("ScrollZVR", label), [=](Stage& stage, const Size& size) {
+                        const auto function =
+                            stage.function<RBBoolean(Picture, int32_t, int32_t, RBBoolean, RBBoolean)>(
+                                "ScrollZVR", 4);
+                        const auto picture = stage.newPicture(size, nullptr);
+                        return asking<RBBoolean>(
+                            on(size), [=] { return function(picture.get(), x, y, wrap, 0); }, isTrue);
+                      }};
   operation.wordsOnly = true;
   return operation;
 }
@@ -112,7 +112,7 @@ Operation setMask() {
                             stage.method("EmbeddedMaskZVR", 1).setter);
                         const auto picture = stage.newPicture(size, nullptr);
                         const auto mask = stage.picture(Content::grays, size);
-                        Prepared prepared = on(stage, picture, size);
+                        Prepared prepared = on(size);
                         prepared.call = [=] { setter(picture.get(), 0, mask.get()); };
                         return prepared;
                       }};
@@ -129,7 +129,7 @@ Operation histograms(const char* label, Content content) {
             while (blocks.size() < 3) blocks.push_back(host::newMemoryBlock(nullptr, 1024));
             const auto expected = static_cast<int32_t>(size.pixels());
             return asking<int32_t>(
-                on(stage, source, size),
+                on(size),
                 [=] {
                   Block r = blocks[0].get(), g = blocks[1].get(), b = blocks[2].get();
                   int32_t count = 0;
@@ -153,7 +153,7 @@ Operation transformColors(const char* label, bool intoPicture) {
             const auto source = stage.picture(Content::photo, size);
             const auto r = gammaTable(0.6), b = gammaTable(1.0), g = gammaTable(1.7);
             const PictureRef target = intoPicture ? stage.newPicture(size, nullptr) : PictureRef();
-            return making(on(stage, source, size),
+            return making(on(size),
                           [=] { return function(source.get(), r.get(), b.get(), g.get(), target.get()); });
           }};
 }
@@ -162,8 +162,7 @@ Operation tint() {
   return {"TintPictureZVR", [](Stage& stage, const Size& size) {
             const auto function = stage.function<Picture(Picture, RBColor, RBColor)>("TintPictureZVR", 3);
             const auto source = stage.picture(Content::photo, size);
-            return making(on(stage, source, size),
-                          [=] { return function(source.get(), 0x555555, 0x704214); });
+            return making(on(size), [=] { return function(source.get(), 0x555555, 0x704214); });
           }};
 }
 
@@ -175,7 +174,7 @@ Operation search(const char* label, Content content) {
             const auto part = stage.newPicture(needleSize(size), needle(content, size).data());
             const Place place = needlePlace(size);
             return asking<bool>(
-                on(stage, picture, size),
+                on(size),
                 [=] {
                   int32_t x = -1, y = -1;
                   return function(picture.get(), part.get(), &x, &y) != 0 && x == place.x && y == place.y;
@@ -189,7 +188,7 @@ Operation toString() {
             const auto function = stage.function<REALstringStruct*(Picture)>("PicturetoBinaryStringZVR", 1);
             const auto source = stage.picture(Content::photo, size);
             const auto result = std::make_shared<StringRef>();
-            Prepared prepared = on(stage, source, size);
+            Prepared prepared = on(size);
             prepared.call = [=] { *result = StringRef::adopt(function(source.get())); };
             prepared.after = [=] {
               require(static_cast<bool>(*result), "no string was made");
@@ -205,7 +204,7 @@ Operation fromString() {
             const auto read = stage.function<Picture(REALstringStruct*)>("BinaryStringtoPictureZVR", 1);
             const auto source = stage.picture(Content::photo, size);
             const auto string = StringRef::adopt(write(source.get()));
-            return making(on(stage, source, size), [=] { return read(string.get()); });
+            return making(on(size), [=] { return read(string.get()); });
           }};
 }
 
@@ -238,8 +237,7 @@ Operation wave() {
                       0x274C5A, 0x203F4E, 15, 0);
     });
     prepared.items = count;
-    prepared.bytes = host::memoryBlockBytes(block.get());
-    prepared.byteCount = count * sizeof samples[0];
+    prepared.bytes = count * sizeof samples[0];
     return prepared;
   };
   Operation operation{"RenderSamplesZVR", prepare};
@@ -260,7 +258,7 @@ Operation filter(const char* className, const char* label, const SetUp& setUp) {
             setUp(stage, instance);
             host::setProperty(instance.get(), "SourcePicture", source);
             Prepared prepared = asking<RBBoolean>(
-                on(stage, source, size), [=] { return run(instance.get()); }, isTrue);
+                on(size), [=] { return run(instance.get()); }, isTrue);
             prepared.after = [=, isRight = prepared.after] {
               isRight();
               close(instance.get());
@@ -299,6 +297,15 @@ Operation sepia() {
   });
 }
 
+// For those that only read a picture, that write one from one, two or three, and that turn words into three
+// bytes or back.
+constexpr double kRead = 0.5, kMap = 1, kMapOfTwo = 1.5, kMapOfThree = 2, kRepack = 0.875;
+Operation bounded(Operation operation, double limit) {
+  operation.limit = limit;
+  operation.rgb24Limit = limit == kRepack ? 0.75 : limit * 0.75;
+  return operation;
+}
+
 Operation growing(Operation operation) {
   operation.grows = true;
   return operation;
@@ -307,56 +314,68 @@ Operation growing(Operation operation) {
 std::vector<Operation> list() {
   constexpr Content photo = Content::photo;
   return {
-      growing(map("InvertZVR", "", photo)),
-      map("InvertZVR", "part", photo, 1, 1, 1 << 20, 1 << 20),
-      map("InvertGrayZVR", "", photo),
-      map("InvertGrayZVR", "part", photo, 1, 1, 1 << 20, 1 << 20),
-      map("ChangeBrightnessLinearZVR", "", photo, 40.0),
-      map("ChangeBrightnessLinearZVR", "channels", photo, 40.0, -30.0, 12.5),
-      map("ChangeBrightnessAbsoluteZVR", "", photo, 40.0),
-      map("ChangeBrightnessAbsoluteZVR", "channels", photo, 40.0, -30.0, 12.5),
-      growing(map("ChangeContrastZVR", "", photo, 0.3)),
-      map("ChangeContrastZVR", "channels", photo, 0.3, -0.2, 0.71),
-      map("ChangeContrastBrightnessLinearZVR", "", photo, 0.3, 20.0),
-      map("ChangeContrastBrightnessLinearZVR", "channels", photo, 0.3, -0.2, 0.71, 20.0, -10.0, 5.0),
-      map("ChangeContrastBrightnessAbsoluteZVR", "", photo, 0.3, 20.0),
-      map("ChangeContrastBrightnessAbsoluteZVR", "channels", photo, 0.3, -0.2, 0.71, 20.0, -10.0, 5.0),
-      map("ChangeCustomZVR", "", photo, 1.37, -11.3),
-      growing(transformColors("", false)),
-      transformColors("into", true),
-      growing(map("ChangeSaturationZVR", "", photo, 60)),
-      growing(tint()),
-      growing(sepia()),
+      bounded(growing(map("InvertZVR", "", photo)), kMap),
+      bounded(map("InvertZVR", "part", photo, 1, 1, 1 << 20, 1 << 20), kMap),
+      bounded(map("InvertGrayZVR", "", photo), kMap),
+      bounded(map("InvertGrayZVR", "part", photo, 1, 1, 1 << 20, 1 << 20), kMap),
+      bounded(map("ChangeBrightnessLinearZVR", "", photo, 40.0), kMap),
+      bounded(map("ChangeBrightnessLinearZVR", "channels", photo, 40.0, -30.0, 12.5), kMap),
+      bounded(map("ChangeBrightnessAbsoluteZVR", "", photo, 40.0), kMap),
+      bounded(map("ChangeBrightnessAbsoluteZVR", "channels", photo, 40.0, -30.0, 12.5), kMap),
+      bounded(growing(map("ChangeContrastZVR", "", photo, 0.3)), kMap),
+      bounded(map("ChangeContrastZVR", "channels", photo, 0.3, -0.2, 0.71), kMap),
+      bounded(map("ChangeContrastBrightnessLinearZVR", "", photo, 0.3, 20.0), kMap),
+      bounded(map("ChangeContrastBrightnessLinearZVR", "channels", photo, 0.3, -0.2, 0.71, 20.0, -10.0, 5.0),
+              kMap),
+      bounded(map("ChangeContrastBrightnessAbsoluteZVR", "", photo, 0.3, 20.0), kMap),
+      bounded(
+          map("ChangeContrastBrightnessAbsoluteZVR", "channels", photo, 0.3, -0.2, 0.71, 20.0, -10.0, 5.0),
+          kMap),
+      bounded(map("ChangeCustomZVR", "", photo, 1.37, -11.3), kMap),
+      bounded(growing(transformColors("", false)), kMap),
+      bounded(transformColors("into", true), kMap),
+      bounded(growing(map("ChangeSaturationZVR", "", photo, 60)), kMap),
+      bounded(growing(tint()), kMap),
+      bounded(growing(sepia()), kMap),
       growing(lut("doubles", false)),
       growing(lut("whole", true)),
-      map("ReplaceColorZVR", "", Content::page, RBColor{0xFFFFFF}, RBColor{0x123456}),
-      map("ExtractColorZVR", "", Content::page, RBColor{0xFFFFFF}, RBColor{0x123456}, RBColor{0x654321}),
-      growing(mapOfTwo("MergePictureZVR", 2)),
-      combine(),
-      growing(mapOfTwo("ReplaceRedChannelZVR", 1)),
-      mapOfTwo("ReplaceGreenChannelZVR", 1),
-      mapOfTwo("ReplaceBlueChannelZVR", 1),
-      growing(question<int32_t>(
-          "CountColorZVR", "", Content::page, [](int32_t n) { return n > 0; }, RBColor{0xFFFFFF})),
+      bounded(map("ReplaceColorZVR", "", Content::page, RBColor{0xFFFFFF}, RBColor{0x123456}), kMap),
+      bounded(
+          map("ExtractColorZVR", "", Content::page, RBColor{0xFFFFFF}, RBColor{0x123456}, RBColor{0x654321}),
+          kMap),
+      bounded(growing(mapOfTwo("MergePictureZVR", 2)), kMapOfTwo),
+      bounded(combine(), kMapOfThree),
+      bounded(growing(mapOfTwo("ReplaceRedChannelZVR", 1)), kMapOfTwo),
+      bounded(mapOfTwo("ReplaceGreenChannelZVR", 1), kMapOfTwo),
+      bounded(mapOfTwo("ReplaceBlueChannelZVR", 1), kMapOfTwo),
+      bounded(growing(question<int32_t>(
+                  "CountColorZVR", "", Content::page, [](int32_t n) { return n > 0; }, RBColor{0xFFFFFF})),
+              kRead),
       growing(histograms("photo", photo)),
-      histograms("flat", Content::flat),
-      growing(question<RBBoolean>("isWhiteZVR", "", Content::white, isTrue)),
-      question<RBBoolean>("isBlackZVR", "", Content::black, isTrue),
-      question<RBBoolean>("isGrayZVR", "", Content::grays, isTrue, 0),
-      question<RBBoolean>("isGrayZVR", "tolerance", Content::grays, isTrue, 5),
-      growing(question<double>(
-          "ColornessZVR", "", photo, [](double share) { return share > 0 && share <= 1; }, 0)),
-      growing(search("photo", Content::place)),
-      growing(search("page", Content::page)),
-      growing(scroll("sideways", 5, 0)),
-      growing(scroll("up", 0, -5)),
-      growing(scroll("down", 0, 5)),
-      growing(map("ExtractColorRectangleMaskZVR", "", Content::blobs)),
-      map("EmbeddedMaskZVR", "", photo, RBBoolean{0}),
-      setMask(),
-      growing(toString()),
-      growing(fromString()),
-      wave(),
+      bounded(histograms("flat", Content::flat), kRead),
+      bounded(growing(question<RBBoolean>("isWhiteZVR", "", Content::white, isTrue)), kRead),
+      bounded(question<RBBoolean>("isBlackZVR", "", Content::black, isTrue), kRead),
+      bounded(question<RBBoolean>("isGrayZVR", "", Content::grays, isTrue, 0), kRead),
+      bounded(question<RBBoolean>("isGrayZVR", "tolerance", Content::grays, isTrue, 5), kRead),
+      bounded(growing(question<double>(
+                  "ColornessZVR", "", photo, [](double share) { return share > 0 && share <= 1; }, 0)),
+              kRead),
+      bounded(growing(search("photo", Content::place)), kRead),
+      bounded(growing(search("page", Content::page)), kRead),
+      bounded(growing(scroll("right", 5, 0, 1)), kMap),
+      bounded(scroll("right-fill", 5, 0, 0), kMap),
+      bounded(scroll("left", -5, 0, 1), kMap),
+      bounded(scroll("left-fill", -5, 0, 0), kMap),
+      bounded(growing(scroll("down", 0, 5, 1)), kMap),
+      bounded(scroll("down-fill", 0, 5, 0), kMap),
+      bounded(growing(scroll("up", 0, -5, 1)), kMap),
+      bounded(scroll("up-fill", 0, -5, 0), kMap),
+      bounded(growing(map("ExtractColorRectangleMaskZVR", "", Content::blobs)), kMap),
+      bounded(map("EmbeddedMaskZVR", "", photo, RBBoolean{0}), kMap),
+      bounded(setMask(), kMapOfTwo),
+      bounded(growing(toString()), kRepack),
+      bounded(growing(fromString()), kRepack),
+      bounded(wave(), kRead),
   };
 }
 

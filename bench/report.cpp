@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
-#include <fstream>
 #include <iostream>
 #include <sstream>
 
+#include "bench/machine.h"
 #include "bench/names.h"
 
 namespace bench {
@@ -47,20 +46,23 @@ class Table {
     (*found)[column] = cell;
   }
   bool isEmpty() const { return rows_.empty(); }
-  // As Markdown.
+  // As Markdown, without columns that have no cells.
   void print() const {
+    std::vector<std::string> rule(titles_.size(), "--:");
+    rule[0] = "---";
     printRow(titles_);
-    std::cout << "|---|";
-    for (size_t i = 1; i < titles_.size(); ++i) std::cout << "--:|";
-    std::cout << '\n';
+    printRow(rule);
     for (const auto& row : rows_) printRow(row);
     std::cout << '\n';
   }
 
  private:
-  static void printRow(const std::vector<std::string>& cells) {
+  void printRow(const std::vector<std::string>& cells) const {
     std::cout << '|';
-    for (const auto& cell : cells) std::cout << ' ' << cell << " |";
+    for (size_t i = 0; i < cells.size(); ++i) {
+      if (std::any_of(rows_.begin(), rows_.end(), [i](const auto& row) { return !row[i].empty(); }))
+        std::cout << ' ' << cells[i] << " |";
+    }
     std::cout << '\n';
   }
   std::vector<std::string> titles_;
@@ -76,11 +78,14 @@ struct Column {
 };
 constexpr Column kOperationColumns[] = {
     {"MP/s", kOperations, "words/large", kMegapixels},
+    {"limit", kOperations, "words/large", kLimit},
     {"copies", kOperations, "words/large", kCopies},
+    {"AVX2 only", kOperations, "words/large/avx2", kCopies},
     {"SSE2 only", kOperations, "words/large/sse2", kCopies},
+    {"console", kOperations, "rows/large", kCopies},
     {"1000 × 1000", kOperations, "words/middle", kCopies},
+    {"RGB24 limit", kOperations, "rgb24/large", kLimit},
     {"RGB24", kOperations, "rgb24/large", kCopies},
-    {"in word copies", kOperations, "rgb24/large", kWordCopies},
     {"extra KiB", kOperations, "words/large", kPeak},
     {"16 × 16: ns", kFixed, "words/tiny", kNanoseconds},
 };
@@ -167,29 +172,11 @@ void Report::Finalize() {
   (style_ == Style::lines ? std::cout : std::cerr) << '\n';
   if (!operations.isEmpty()) operations.print();
   if (!growth.isEmpty()) growth.print();
-}
-
-std::string machineName() {
-  std::ifstream info("/proc/cpuinfo");
-  for (std::string line; std::getline(info, line);) {
-    if (line.rfind("model name", 0) == 0) return line.substr(line.find(':') + 2);
-  }
-  return "unknown machine";
-}
-
-std::string compilerName() {
-#if defined(__clang__)
-  return "Clang " __clang_version__;
-#else
-  return "GCC " __VERSION__;
-#endif
-}
-
-std::string today() {
-  char text[16];
-  const time_t now = std::time(nullptr);
-  std::strftime(text, sizeof text, "%Y-%m-%d", std::localtime(&now));
-  return text;
+  const auto disturbed = std::count_if(measured_.begin(), measured_.end(),
+                                       [](const Measured& one) { return one.values.count(kBusy) > 0; });
+  if (disturbed > 0)
+    std::cout << "During " << disturbed << " of " << measured_.size()
+              << " measurements other processors were busy.\n";
 }
 
 }  // namespace bench

@@ -29,9 +29,4 @@ class Report : public benchmark::BenchmarkReporter {
   std::vector<Measured> measured_;
 };
 
-// The machine, compiler and date of the measurement: "AMD EPYC", "GCC 12.2.0", "2026-11-22".
-std::string machineName();
-std::string compilerName();
-std::string today();
-
 }  // namespace bench

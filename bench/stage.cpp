@@ -11,7 +11,9 @@ namespace {
 
 host::Settings settingsFor(Pixels pixels) {
   host::Settings settings;
-  settings.road = pixels == Pixels::words ? host::Road::cairo : host::Road::gdk;
+  settings.road = pixels == Pixels::words  ? host::Road::cairo
+                  : pixels == Pixels::rows ? host::Road::console
+                                           : host::Road::gdk;
   settings.recyclesBuffers = true;
   settings.plainDrawables = pixels == Pixels::rgb24;
   settings.serviceWatcher = watchService;
@@ -27,7 +29,9 @@ const auto& theOne(const Range& range, const std::string& what, const Fits& fits
 
 }  // namespace
 
-std::string nameOf(Pixels pixels) { return pixels == Pixels::words ? "words" : "rgb24"; }
+std::string nameOf(Pixels pixels) {
+  return pixels == Pixels::words ? "words" : pixels == Pixels::rows ? "rows" : "rgb24";
+}
 
 Stage::Stage(Pixels pixels, const std::string& library) : pixels_(pixels), library_(library) {
   host::start(settingsFor(pixels));
@@ -67,7 +71,7 @@ host::PictureRef Stage::newPicture(const Size& size, const uint32_t* words) {
 }
 
 void Stage::setRow(const host::PictureRef& picture, int y, const Size& size, const uint32_t* words) const {
-  if (pixels_ == Pixels::words) {
+  if (pixels_ != Pixels::rgb24) {
     std::transform(words, words + size.width, host::pictureRow(picture.get(), y),
                    [](uint32_t word) { return 0xFF000000 | word; });
     return;

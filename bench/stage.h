@@ -13,9 +13,9 @@
 
 namespace bench {
 
-// How the host stores pixels: as words (cairo surfaces) or as RGB24 (GDK drawables, through a stand-in for
-// GDK that reads them in place).
-enum class Pixels { words, rgb24 };
+// How the host stores pixels: as words in one block (cairo surfaces), as words in rows of their own (bitmaps
+// of console hosts), or as RGB24 (GDK drawables, through a stand-in for GDK that reads them in place).
+enum class Pixels { words, rows, rgb24 };
 std::string nameOf(Pixels pixels);
 
 // One stage at a time: there is one host in a process.
@@ -29,10 +29,6 @@ class Stage {
   // A picture of this content; cached until another size is requested.
   host::PictureRef picture(Content content, const Size& size);
   host::PictureRef newPicture(const Size& size, const uint32_t* words);
-  // The bytes of a picture's pixels without padding, and their address.
-  size_t bytesOf(const Size& size) const { return size.pixels() * (pixels_ == Pixels::words ? 4 : 3); }
-  static const void* bytesOf(const host::PictureRef& picture) { return host::pictureRow(picture.get(), 0); }
-
   // The function behind a registered method with this many parameters.
   template <typename Signature>
   Signature* function(const std::string& name, size_t parameters) const {
