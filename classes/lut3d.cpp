@@ -55,7 +55,7 @@ void mapThroughTable(const PictureLut3DData& lut, PictureReader& source, Picture
   const auto mapBy = [&](auto kernel, const auto* nodes) {
     mapRegion(
         result, area,
-        [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+        [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
           kernel(out, in, count, top, nodes);
         },
         source);

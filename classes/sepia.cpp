@@ -56,7 +56,7 @@ RBBoolean SepiaRun(REALobjectStruct* object) {
   PictureWriter result;
   if (!result.NewPictureWriter(source.width, source.height)) return false;
   const kernels::Sepia toning = toningOf(*sepia);
-  const auto kernel = [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+  const auto kernel = [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
     kernels::best().sepia(out, in, count, top, toning);
   };
   mapRegion(result, areaOf(*sepia, source), kernel, source);

@@ -12,9 +12,19 @@ namespace kernels {
 // A packed pixel at any address, aligned or not, that may alias any type.
 typedef uint32_t Pixel __attribute__((aligned(1), may_alias));
 
+// Where a kernel writes words, and how: streaming stores go past the caches. They save reading the lines
+// first, but pay only for results that no cache would hold. The caller ends them with a store fence.
+struct Output {
+  Pixel* pixels;
+  bool streams;
+
+  Output(Pixel* to, bool streaming = false) : pixels(to), streams(streaming) {}
+  operator Pixel*() const { return pixels; }
+};
+
 // Computes out[i] from in[i]; `out` may be `in`. `top` (0 or 0xFF000000) is the top byte of every word
 // written.
-using SpanMap = void(Pixel* out, const Pixel* in, size_t count, uint32_t top);
+using SpanMap = void(Output out, const Pixel* in, size_t count, uint32_t top);
 
 // Converts RGB24 pixels (bytes red, green, blue) to words with a top byte, and back.
 using SpanUnpack = void(Pixel* out, const uint8_t* in, size_t count, uint32_t top);
@@ -27,11 +37,11 @@ using SpanFill = void(Pixel* out, size_t count, uint32_t word);
 using SpanMerge = void(Pixel* out, const Pixel* in, size_t count);
 
 // As SpanMap, from two or three inputs. The inputs may alias each other; `out` may be any of them.
-using SpanMap2 = void(Pixel* out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top);
-using SpanMap3 = void(Pixel* out, const Pixel* in1, const Pixel* in2, const Pixel* in3, size_t count,
+using SpanMap2 = void(Output out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top);
+using SpanMap3 = void(Output out, const Pixel* in1, const Pixel* in2, const Pixel* in3, size_t count,
                       uint32_t top);
 // Replaces `bits` (below the top byte) of `in`'s words with those of `from`'s.
-using SpanReplace = void(Pixel* out, const Pixel* in, const Pixel* from, size_t count, uint32_t top,
+using SpanReplace = void(Output out, const Pixel* in, const Pixel* from, size_t count, uint32_t top,
                          uint32_t bits);
 
 // A lookup table for each channel. `placed` holds the same entries shifted to their place in a pixel; fill it
@@ -42,7 +52,7 @@ struct alignas(64) ChannelTables {
     uint32_t red[256], green[256], blue[256];
   } placed;
 };
-using SpanLookup = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables);
+using SpanLookup = void(Output out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables);
 
 // A piecewise linear map of a channel, with v its old value, or 255 - v if the line is falling:
 // ((256 * v + before) * slope >> 16) + offset, clamped to 0..65535, >> shift, at most 255.
@@ -56,7 +66,7 @@ struct LinearMaps {
   LinearMap red, green, blue;
   uint32_t shift;  // 1 to 8
 };
-using SpanLinear = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const LinearMaps& lines);
+using SpanLinear = void(Output out, const Pixel* in, size_t count, uint32_t top, const LinearMaps& lines);
 
 // Counts the words with `color`'s red, green and blue.
 using SpanCount = uint32_t(const Pixel* in, size_t count, uint32_t color);
@@ -89,14 +99,14 @@ using SpanDraw = void(Pixel* out, const uint8_t* cells, size_t count, uint8_t bl
 
 // Words with `searched`'s red, green and blue become `replacement`; others keep their colour, or become
 // `background`. The top bytes of the three colours are ignored.
-using SpanReplaceColor = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
+using SpanReplaceColor = void(Output out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
                               uint32_t replacement);
-using SpanExtractColor = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
+using SpanExtractColor = void(Output out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
                               uint32_t replacement, uint32_t background);
 
 // (v - gray) * factor / 255 + gray in each channel, with gray = (r + 2 * g + b) / 4 rounded down: the product
 // wraps in 32 bits, the quotient is truncated toward zero, the sum clamped to 0..255.
-using SpanSaturate = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, int32_t factor);
+using SpanSaturate = void(Output out, const Pixel* in, size_t count, uint32_t top, int32_t factor);
 
 // The state of a tint of one picture. Start with known = {}.
 struct Tint {
@@ -110,7 +120,7 @@ struct Tint {
   bool isPrepared = false;
   float lean[3] = {};
 };
-using SpanTint = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, Tint& tint);
+using SpanTint = void(Output out, const Pixel* in, size_t count, uint32_t top, Tint& tint);
 
 // Tetrahedral interpolation in a 3D lookup table. Its entries are at the channel values 0, 17, 34 ... 255; an
 // entry after those is unused. Each channel of a result is the weighted sum of four entries in 17ths, divided
@@ -129,7 +139,7 @@ struct Sepia {
   uint32_t redWeight, greenWeight, blueWeight;
   uint32_t red, green, blue;
 };
-using SpanSepia = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& sepia);
+using SpanSepia = void(Output out, const Pixel* in, size_t count, uint32_t top, const Sepia& sepia);
 
 // The sum of the negative samples and the sum of the others, modulo 2^32. Samples may lie at any address;
 // unsigned ones count from the middle of their range.

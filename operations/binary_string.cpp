@@ -83,7 +83,7 @@ REALpictureStruct* BinaryStringtoPicture(REALstringStruct* string) {
   if (!result.NewPictureWriter(contents.width, contents.height)) return nullptr;
   const uint8_t* in = contents.pixels;
   writeRegion(result, Region::whole(result),
-              [&](kernels::Pixel* out, size_t count, uint32_t top, int32_t, int32_t) {
+              [&](kernels::Output out, size_t count, uint32_t top, int32_t, int32_t) {
                 kernels::best().unpackRGB24(out, in, count, top);
                 in += count * kPixelSize;
               });

@@ -21,7 +21,7 @@ REALpictureStruct* replaceChannel(REALpictureStruct* picture, REALpictureStruct*
   mapRegion(
       result, Region::whole(source),
       [channel, kernel = kernels::best().replaceBits](
-          kernels::Pixel* out, const kernels::Pixel* in, const kernels::Pixel* from, size_t count,
+          kernels::Output out, const kernels::Pixel* in, const kernels::Pixel* from, size_t count,
           uint32_t top) { kernel(out, in, from, count, top, channel); },
       source, replacement);
   return result.RenderPictureWriter();

@@ -176,7 +176,7 @@ REALpictureStruct* ExtractColorRectangleMaskZVR(REALpictureStruct* picture, int3
     map.cover(Growth(map, map.at(seed)).run());
   }
   writeRegion(result, Region::whole(result),
-              [&](kernels::Pixel* out, size_t count, uint32_t topByte, int32_t x, int32_t y) {
+              [&](kernels::Output out, size_t count, uint32_t topByte, int32_t x, int32_t y) {
                 kernels::best().blackWhere(out, map.pixel(x, y), count, kCovered, topByte);
               });
   return result.RenderPictureWriter();

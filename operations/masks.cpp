@@ -20,7 +20,7 @@ REALpictureStruct* GetEmbededMask(REALpictureStruct* picture, RBBoolean swap) {
   const auto gray = source.format == kFormatHostBitmap ? k.grayFromTop7 : k.grayFromTop8;
   mapRegion(
       result, Region::whole(source),
-      [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+      [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
         if (isOpaque) {
           k.fill(out, count, 0xFFFFFF | top);
         } else {
@@ -43,6 +43,6 @@ void SetEmbededMask(REALpictureStruct* picture, RBBoolean swap, REALpictureStruc
   // Reads the mask at the picture's size, not its own: past its last byte it counts as black.
   mapRegion(
       target, Region::whole(target),
-      [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t) { merge(out, in, count); },
+      [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t) { merge(out, in, count); },
       source);
 }

@@ -11,7 +11,7 @@ REALpictureStruct* ReplaceColorZVR(REALpictureStruct* picture, RBColor searched,
   const auto replace = kernels::best().replaceColor;
   mapRegion(
       result, Region::whole(source),
-      [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+      [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
         replace(out, in, count, top, searched, replacement);
       },
       source);
@@ -28,7 +28,7 @@ REALpictureStruct* ExtractColorZVR(REALpictureStruct* picture, RBColor searched,
   const auto extract = kernels::best().extractColor;
   mapRegion(
       result, Region::whole(source),
-      [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+      [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
         extract(out, in, count, top, searched, replacement, background);
       },
       source);

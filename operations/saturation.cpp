@@ -13,7 +13,7 @@ REALpictureStruct* SaturationPicture(REALpictureStruct* picture, int32_t amount)
   const auto saturate = kernels::best().saturate;
   mapRegion(
       result, Region::whole(source),
-      [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+      [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
         saturate(out, in, count, top, factor);
       },
       source);

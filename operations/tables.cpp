@@ -13,7 +13,7 @@ void mapThroughTables(PictureEditor& result, kernels::ChannelTables& tables, Pic
   const auto mapBy = [&](auto kernel, const auto& parameters) {
     mapRegion(
         result, Region::whole(source),
-        [&](kernels::Pixel* out, const kernels::Pixel* in, size_t count, uint32_t top) {
+        [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
           kernel(out, in, count, top, parameters);
         },
         source);

@@ -11,7 +11,7 @@ REALpictureStruct* TintPicture(REALpictureStruct* picture, RBColor grayBase, RBC
   kernels::Tint tint = {grayBase, sepiaBase, {}};
   mapRegion(
       result, Region::whole(source),
-      [&, kernel = kernels::best().tint](kernels::Pixel* out, const kernels::Pixel* in, size_t count,
+      [&, kernel = kernels::best().tint](kernels::Output out, const kernels::Pixel* in, size_t count,
                                          uint32_t top) { kernel(out, in, count, top, tint); },
       source);
   return result.RenderPictureWriter();

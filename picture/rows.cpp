@@ -17,6 +17,7 @@ Extent cutExtent(int32_t start, int32_t length, int32_t limit) {
 }
 
 constexpr size_t kRGB24Size = 3;
+constexpr int64_t kLargePicture = 3 << 20;  // pixels
 
 size_t leftOffset(const Region& region) { return static_cast<size_t>(region.left) * 4; }
 
@@ -88,7 +89,14 @@ const kernels::Pixel* RowSource::span(size_t first, size_t count) {
 }
 
 RowTarget::RowTarget(PictureEditor& editor, const Region& region)
-    : editor_(editor), offset_(leftOffset(region)), start_(firstRowOf(editor, region) + offset_) {}
+    : editor_(editor),
+      offset_(leftOffset(region)),
+      start_(firstRowOf(editor, region) + offset_),
+      isLarge_(int64_t{region.right - region.left} * (region.bottom - region.top) >= kLargePicture) {}
+
+RowTarget::~RowTarget() {
+  if (isLarge_) __builtin_ia32_sfence();  // orders the streaming stores for other threads
+}
 
 void RowTarget::finish(size_t first, size_t count) {
   if (editor_.format == kFormatRGB24) kernels::best().packRGB24(start_ + first * kRGB24Size, tile_, count);

@@ -54,13 +54,17 @@ class RowSource {
 class RowTarget {
  public:
   RowTarget(PictureEditor& editor, const Region& region);
+  ~RowTarget();
+  RowTarget(const RowTarget&) = delete;
+  RowTarget& operator=(const RowTarget&) = delete;
 
   void nextRow() { start_ = editor_.AddPixelRow() + offset_; }
   bool isDirect() const { return editor_.hasWords(); }
   uint32_t topByte() const { return editor_.topByte(); }
   // Where to write the words of the pixels from `first` on; `finish` stores them in the picture.
-  kernels::Pixel* span(size_t first) {
-    return isDirect() ? reinterpret_cast<kernels::Pixel*>(start_) + first : tile_;
+  kernels::Output span(size_t first) {
+    return isDirect() ? kernels::Output(reinterpret_cast<kernels::Pixel*>(start_) + first, isLarge_)
+                      : kernels::Output(tile_);
   }
   void finish(size_t first, size_t count);
 
@@ -68,6 +72,7 @@ class RowTarget {
   PictureEditor& editor_;
   size_t offset_;
   uint8_t* start_;
+  bool isLarge_;  // more than the caches hold
   alignas(64) kernels::Pixel tile_[RowSource::kTile];
 };
 
@@ -142,7 +147,7 @@ void writeRegion(PictureEditor& result, const Region& region, const Kernel& kern
   const auto width = static_cast<size_t>(region.right - region.left);
   for (int32_t y = region.top; y < region.bottom; ++y) {
     int32_t x = region.left;
-    const auto placed = [&](kernels::Pixel* out, size_t count, uint32_t top) {
+    const auto placed = [&](kernels::Output out, size_t count, uint32_t top) {
       kernel(out, count, top, x, y);
       x += static_cast<int32_t>(count);
     };

@@ -4,11 +4,11 @@
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
-void invert(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
+void invert(Output out, const Pixel* in, size_t count, uint32_t top) {
   mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) { return (~p[0] & 0xFFFFFF) | top; });
 }
 
-void invertGray(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
+void invertGray(Output out, const Pixel* in, size_t count, uint32_t top) {
   mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) {
     // Gray: blue equals green and green equals red.
     const Pixels differing = (p[0] ^ p[0] >> 8) & 0xFFFF;

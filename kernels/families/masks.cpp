@@ -9,11 +9,11 @@ Pixels gray(Pixels value, uint32_t top) { return value << 16 | value << 8 | valu
 
 }  // namespace
 
-void grayFromTop8(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
+void grayFromTop8(Output out, const Pixel* in, size_t count, uint32_t top) {
   mapLightly(out, {in}, count, [=](const Pixels(&p)[1]) { return gray(p[0] >> 24, top); });
 }
 
-void grayFromTop7(Pixel* out, const Pixel* in, size_t count, uint32_t top) {
+void grayFromTop7(Output out, const Pixel* in, size_t count, uint32_t top) {
   mapLightly(out, {in}, count,
              [=](const Pixels(&p)[1]) { return gray((p[0] >> 23 & 0xFE) | (p[0] >> 24 & 1), top); });
 }

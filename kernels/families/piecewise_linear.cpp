@@ -16,7 +16,7 @@ uint32_t rise(int32_t offset) { return static_cast<uint32_t>(offset > 0 ? offset
 
 }  // namespace
 
-void mapPiecewiseLinear(Pixel* out, const Pixel* in, size_t count, uint32_t top, const LinearMaps& lines) {
+void mapPiecewiseLinear(Output out, const Pixel* in, size_t count, uint32_t top, const LinearMaps& lines) {
   const LinearMap &r = lines.red, &g = lines.green, &b = lines.blue;
   const auto bytes = [](uint32_t red, uint32_t green, uint32_t blue) {
     return allPixels(red << 16 | green << 8 | blue);

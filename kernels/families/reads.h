@@ -5,8 +5,7 @@
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 
-// Pixels per block: a small block stops early, a large one amortises the check of its outcome.
-constexpr size_t kSmallBlock = 64, kLargeBlock = 256;
+constexpr size_t kReadStreams = 4;
 
 inline bool any(Pixels bits) {
   const auto vector = reinterpret_cast<Vector>(bits);
@@ -19,18 +18,15 @@ inline bool any(Pixels bits) {
 #endif
 }
 
-// state = fold(state, pixels) for all vectors of a block.
-template <size_t block, typename Fold>
-inline Pixels foldBlock(Pixels state, const Pixel* in, const Fold& fold) {
-  constexpr size_t kCacheLinePixels = kCacheLine / sizeof(Pixel);
-  for (size_t line = 0; line < block; line += kCacheLinePixels) {
-    prefetch(in + line);
-    for (size_t i = line; i < line + kCacheLinePixels; i += kPixels) state = fold(state, load(in + i));
-  }
+// state = fold(state, pixels) for all vectors of a line.
+template <typename Fold>
+__attribute__((always_inline)) inline Pixels foldLine(Pixels state, const Pixel* in, const Fold& fold) {
+  prefetch(in);
+  for (size_t i = 0; i < kLinePixels; i += kPixels) state = fold(state, load(in + i));
   return state;
 }
 
-// The same for the tail, fewer pixels than a block; `padding` fills up the last vector.
+// The same for `count` pixels; `padding` fills up the last vector.
 template <typename Fold>
 inline Pixels foldTail(Pixels state, const Pixel* in, size_t count, uint32_t padding, const Fold& fold) {
   for (; count >= kPixels; count -= kPixels, in += kPixels) state = fold(state, load(in));
@@ -48,23 +44,34 @@ inline uint32_t countWhere(const Pixel* in, size_t count, uint32_t failing, cons
     return passed - reinterpret_cast<Pixels>(passes(pixels));
   };
   Pixels passed{};
-  for (; count >= kLargeBlock; count -= kLargeBlock, in += kLargeBlock)
-    passed = foldBlock<kLargeBlock>(passed, in, fold);
-  passed = foldTail(passed, in, count, failing, fold);
+  const size_t lines = inStreams<kReadStreams, kLinePixels>(
+      0, count, [&](size_t at) __attribute__((always_inline)) { passed = foldLine(passed, in + at, fold); });
+  passed = foldTail(passed, in + lines, count - lines, failing, fold);
   uint32_t sum = 0;
   for (size_t i = 0; i < kPixels; ++i) sum += passed[i];
   return sum;
 }
 
-// The index of the first block for which fails(folded from 0) has any bit set; `count` if there is none. The
-// tail counts as a block.
-template <size_t block, typename Fold, typename Fails>
-inline size_t findBlock(const Pixel* in, size_t count, const Fold& fold, const Fails& fails) {
-  size_t at = 0;
-  for (; count - at >= block; at += block)
-    if (any(fails(foldBlock<block>(Pixels{}, in + at, fold)))) return at;
-  if (at == count) return count;
-  return any(fails(foldTail(Pixels{}, in + at, count - at, in[at], fold))) ? at : count;
+struct Part {
+  size_t from, end;
+};
+
+// Looks at growing parts of the pixels: returns the first for which fails(folded from 0) has any bit set, or
+// an empty one at the end.
+template <typename Fold, typename Fails>
+inline Part findPart(const Pixel* in, size_t count, const Fold& fold, const Fails& fails) {
+  constexpr size_t kFirst = 64, kLongest = kReadStreams * kLongestStream;
+  size_t from = 0;
+  for (size_t length = kFirst; from < count; length = length * 2 < kLongest ? length * 2 : kLongest) {
+    const size_t end = count - from < length ? count : from + length;
+    Pixels state{};
+    const size_t lines = inStreams<kReadStreams, kLinePixels>(
+        from, end, [&](size_t at) __attribute__((always_inline)) { state = foldLine(state, in + at, fold); });
+    if (lines < end) state = foldTail(state, in + lines, end - lines, in[lines], fold);
+    if (any(fails(state))) return {from, end};
+    from = end;
+  }
+  return {count, count};
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

@@ -6,20 +6,22 @@ namespace kernels::ZVR_INSTRUCTION_SET {
 
 bool isAllColor(const Pixel* in, size_t count, uint32_t color) {
   const Pixels wanted = allOf(static_cast<uint32_t>(color));
-  return findBlock<kLargeBlock>(
+  return findPart(
              in, count, [=](Pixels differing, Pixels p) { return differing | (p ^ wanted); },
-             [](Pixels differing) { return differing & 0xFFFFFF; }) == count;
+             [](Pixels differing) { return differing & 0xFFFFFF; })
+             .from == count;
 }
 
 bool isAllGray(const Pixel* in, size_t count, int32_t tolerance) {
   if (tolerance == 0) {
-    return findBlock<kLargeBlock>(
+    return findPart(
                in, count, [](Pixels differing, Pixels p) { return differing | (p ^ p >> 8); },
-               [](Pixels differing) { return differing & 0xFFFF; }) == count;
+               [](Pixels differing) { return differing & 0xFFFF; })
+               .from == count;
   }
   // The lowest byte of each word collects the largest difference between two channels.
   const Pixels tolerated = allOf(static_cast<uint32_t>(tolerance));
-  return findBlock<kLargeBlock>(
+  return findPart(
              in, count,
              [](Pixels widest, Pixels p) {
                const Pixels green = p >> 8, red = p >> 16;
@@ -27,7 +29,8 @@ bool isAllGray(const Pixel* in, size_t count, int32_t tolerance) {
                const Pixels smallest = min(min(p, green), red);
                return max(widest, subtractSaturated(largest, smallest));
              },
-             [=](Pixels widest) { return subtractSaturated(widest & 0xFF, tolerated); }) == count;
+             [=](Pixels widest) { return subtractSaturated(widest & 0xFF, tolerated); })
+             .from == count;
 }
 
 uint32_t countColorful(const Pixel* in, size_t count, int32_t threshold) {

@@ -9,7 +9,7 @@ constexpr uint32_t kColor = 0xFFFFFF;
 
 }  // namespace
 
-void replaceColor(Pixel* out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
+void replaceColor(Output out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
                   uint32_t replacement) {
   // The shift drops the top byte from the comparison; results get `top`.
   const Pixels found = allOf(searched << 8), written = allOf((replacement & kColor) | top);
@@ -17,7 +17,7 @@ void replaceColor(Pixel* out, const Pixel* in, size_t count, uint32_t top, uint3
              [=](const Pixels(&p)[1]) { return p[0] << 8 == found ? written : (p[0] & kColor) | top; });
 }
 
-void extractColor(Pixel* out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
+void extractColor(Output out, const Pixel* in, size_t count, uint32_t top, uint32_t searched,
                   uint32_t replacement, uint32_t background) {
   const Pixels found = allOf(searched << 8), written = allOf((replacement & kColor) | top),
                other = allOf((background & kColor) | top);

@@ -160,7 +160,7 @@ void packTail(uint8_t* out, const Pixel* in, size_t count) {
 
 void unpackRGB24(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
   for (; count * 3 >= kReach; count -= kPixels, in += kPixels * 3, out += kPixels) {
-    prefetch(in, 4096);  // a tile or two: prefetching further evicts other pictures' tiles
+    prefetch(in);
     store(out, widened(in) | top);
   }
   unpackTail(out, in, count, top);

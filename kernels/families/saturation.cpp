@@ -55,7 +55,7 @@ struct Share {
 // Moves base(pixels, gray) by further(distance), away from gray, or towards the other side for negative
 // factors. The caller splits the factor into 255 * whole + remainder.
 template <typename Base, typename Distance>
-void saturateBy(Pixel* out, const Pixel* in, size_t count, uint32_t top, bool isNegative, const Base& base,
+void saturateBy(Output out, const Pixel* in, size_t count, uint32_t top, bool isNegative, const Base& base,
                 const Distance& further) {
   const Vector color = allPixels(0xFFFFFF), tops = allPixels(top),
                flip = allPixels(isNegative ? 0xFFFFFFFF : 0);
@@ -73,7 +73,7 @@ void saturateBy(Pixel* out, const Pixel* in, size_t count, uint32_t top, bool is
 
 }  // namespace
 
-void saturate(Pixel* out, const Pixel* in, size_t count, uint32_t top, int32_t factor) {
+void saturate(Output out, const Pixel* in, size_t count, uint32_t top, int32_t factor) {
   constexpr uint32_t kModerate = 128 * 255;
   const bool isNegative = factor < 0;
   const uint32_t size = isNegative ? 0 - static_cast<uint32_t>(factor) : static_cast<uint32_t>(factor);

@@ -6,10 +6,13 @@ namespace kernels::ZVR_INSTRUCTION_SET {
 
 size_t findColor(const Pixel* in, size_t count, uint32_t color) {
   const Pixels wanted = allOf(color << 8);
-  size_t at = findBlock<kSmallBlock>(
-      in, count, [=](Pixels found, Pixels p) { return found | reinterpret_cast<Pixels>(p << 8 == wanted); },
-      [](Pixels found) { return found; });
-  while (at < count && ((in[at] ^ color) & 0xFFFFFF) != 0) ++at;
+  const auto fold = [=](Pixels found, Pixels p) {
+    return found | reinterpret_cast<Pixels>(p << 8 == wanted);
+  };
+  const Part part = findPart(in, count, fold, [](Pixels found) { return found; });
+  size_t at = part.from;
+  while (part.end - at >= kPixels && !any(fold(Pixels{}, load(in + at)))) at += kPixels;
+  while (at < part.end && ((in[at] ^ color) & 0xFFFFFF) != 0) ++at;
   return at;
 }
 

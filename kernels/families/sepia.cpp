@@ -12,7 +12,7 @@ uint32_t clamped(uint32_t bits) {
 }
 
 // For any weights and tones: sums and products wrap in 32 bits.
-void sepiaByAny(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& toning) {
+void sepiaByAny(Output out, const Pixel* in, size_t count, uint32_t top, const Sepia& toning) {
   const Sepia t = toning;
   for (size_t i = 0; i < count; ++i) {
     const uint32_t pixel = in[i];
@@ -30,7 +30,7 @@ bool isSmall(uint32_t bits) { return bits + 0x8000 < 0x10000; }
 
 // For weights and tones that fit 16 bits: then every brightness does too, and sums with tones may saturate,
 // because the result is clamped to 0..255 anyway.
-void sepiaBySmall(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& t) {
+void sepiaBySmall(Output out, const Pixel* in, size_t count, uint32_t top, const Sepia& t) {
   const Vector redAndBlue = allPixels(t.redWeight << 16 | (t.blueWeight & 0xFFFF));
   const Vector green = allPixels(t.greenWeight & 0xFFFF);
   const auto word = [](uint32_t bits) { return static_cast<int16_t>(bits); };
@@ -60,7 +60,7 @@ void sepiaBySmall(Pixel* out, const Pixel* in, size_t count, uint32_t top, const
 
 }  // namespace
 
-void sepia(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Sepia& t) {
+void sepia(Output out, const Pixel* in, size_t count, uint32_t top, const Sepia& t) {
   const bool areSmall = isSmall(t.redWeight) && isSmall(t.greenWeight) && isSmall(t.blueWeight) &&
                         isSmall(t.red) && isSmall(t.green) && isSmall(t.blue);
   (areSmall ? sepiaBySmall : sepiaByAny)(out, in, count, top, t);

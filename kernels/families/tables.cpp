@@ -41,9 +41,9 @@ Vector lookUp(const uint8_t* table, Vector bytes) {
 
 }  // namespace
 
-void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables) {
+void mapThroughTables(Output out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables) {
   const Vector tops = allPixels(top | top >> 8 | top >> 16 | top >> 24);
-  mapBlocks<Work::kHeavy, 4>(
+  mapBlocks<4>(
       out, {in}, count, [&](Vector(&block)[4]) __attribute__((always_inline)) {
         transpose(block);
         block[0] = lookUp(tables.blue, block[0]);
@@ -57,16 +57,17 @@ void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t top, c
 #else
 
 // Scalar: gathering entries with vectors is slower.
-void mapThroughTables(Pixel* out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables) {
+void mapThroughTables(Output out, const Pixel* in, size_t count, uint32_t top, const ChannelTables& tables) {
   const auto& placed = tables.placed;
   const auto mapped = [&](uint32_t pixel) {
     return placed.red[pixel >> 16 & 0xFF] | placed.green[pixel >> 8 & 0xFF] | placed.blue[pixel & 0xFF] | top;
   };
   constexpr size_t kAtOnce = 16;
-  for (; count >= kAtOnce; count -= kAtOnce, in += kAtOnce, out += kAtOnce) {
-    for (size_t i = 0; i < kAtOnce; ++i) out[i] = mapped(in[i]);
+  size_t from = 0;
+  for (; count - from >= kAtOnce; from += kAtOnce) {
+    for (size_t i = from; i < from + kAtOnce; ++i) out[i] = mapped(in[i]);
   }
-  for (size_t i = 0; i < count; ++i) out[i] = mapped(in[i]);
+  for (; from < count; ++from) out[from] = mapped(in[from]);
 }
 
 #endif

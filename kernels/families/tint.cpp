@@ -184,7 +184,7 @@ struct Toner {
 
 }  // namespace
 
-void tint(Pixel* out, const Pixel* in, size_t count, uint32_t top, Tint& tint) {
+void tint(Output out, const Pixel* in, size_t count, uint32_t top, Tint& tint) {
   if (!tint.isPrepared) {
     tint.lean[0] = leanOf(tint.gray, redOf(tint.sepia));
     tint.lean[1] = leanOf(tint.gray, greenOf(tint.sepia));

@@ -95,13 +95,33 @@ inline Pixels subtractSaturated(Pixels a, Pixels b) {
 }
 
 constexpr size_t kCacheLine = 64;  // bytes
-// The hardware prefetcher stops at the end of a page; this distance reaches the pages after it. In bytes.
-constexpr size_t kPrefetchDistance = 16384;
-// Results of at least this many pixels use streaming stores. Smaller ones are faster in the caches.
-constexpr size_t kStreamingThreshold = 3 << 20;
+constexpr size_t kLinePixels = kCacheLine / sizeof(Pixel);
+// How far ahead of a sequential read to prefetch, in bytes.
+constexpr size_t kPrefetchDistance = 512;
 
-inline void prefetch(const void* at, size_t ahead = kPrefetchDistance) {
-  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
+inline void prefetch(const void* at) {
+  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + kPrefetchDistance));
+}
+
+// Memory serves several sequential accesses far from each other faster than one. These are the longest and
+// the shortest distances between the streams that a span is split into, in pixels. The longest is no power of
+// two, so that streams don't compete for the same sets of the caches.
+constexpr size_t kLongestStream = (65536 + 1024) / sizeof(Pixel), kShortestStream = 3072 / sizeof(Pixel);
+
+// Calls step(at) for all steps of `length` pixels that fit in from .. end - 1, in `streams` streams taken in
+// turn where the range is long enough. Returns the end of the last step.
+template <size_t streams, size_t length, typename Step>
+__attribute__((always_inline)) inline size_t inStreams(size_t from, size_t end, const Step& step) {
+  while (end - from >= streams * kShortestStream) {
+    const size_t most = (end - from) / streams;
+    const size_t stream = (most < kLongestStream ? most : kLongestStream) / length * length;
+    for (size_t i = 0; i < stream; i += length) {
+      for (size_t s = 0; s < streams; ++s) step(from + s * stream + i);
+    }
+    from += streams * stream;
+  }
+  for (; end - from >= length; from += length) step(from);
+  return from;
 }
 
 // A non-temporal store. `to` must be aligned to the vector's size.
