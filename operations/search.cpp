@@ -70,40 +70,33 @@ class Search {
         columns_(picture.width - needle.width + 1),
         lines_(picture.height - needle.height + 1),
         anchor_(chooseAnchor(picture, needle)),
-        anchorRow_(picture, Region::whole(picture)),
+        anchors_{0, anchor_.y, picture.width, anchor_.y + lines_},
+        walk_(rows::walkOf(anchors_, picture)),
+        anchorRow_(picture, anchors_),
         pictureRow_(picture, Region::whole(picture)),
         needleRow_(needle, Region::whole(needle)) {}
 
-  // The first match in row order; false if there is none.
+  // The first match in row order; false if there is none, with any x and y.
   bool run(int32_t* x, int32_t* y) {
-    for (int32_t top = 0; top < lines_; ++top) {
-      anchorRow_.toRow(top + anchor_.y);
-      const auto first = static_cast<size_t>(anchor_.x), end = first + static_cast<size_t>(columns_);
+    for (int32_t row = 0; row < walk_.height; ++row) {
+      anchorRow_.toRow(anchor_.y + row);
       const bool none =
-          rows::scanRow(anchorRow_, first, end, [&](const kernels::Pixel* in, size_t count, size_t at) {
-            const size_t found = findAnchor(in, count, at - first, top);
-            if (found < count) *x = static_cast<int32_t>(at - first + found);
-            return found == count;
+          rows::scanRow(anchorRow_, 0, walk_.width, [&](const kernels::Pixel* in, size_t count, size_t at) {
+            for (size_t i = 0; (i += kernels::best().findColor(in + i, count - i, anchor_.color)) < count;
+                 ++i) {
+              const auto width = static_cast<size_t>(anchors_.right);
+              *x = static_cast<int32_t>((at + i) % width) - anchor_.x;
+              *y = static_cast<int32_t>((at + i) / width) + row;
+              if (*x >= 0 && *x < columns_ && matches(static_cast<size_t>(*x), *y)) return false;
+            }
+            return true;
           });
-      if (none) continue;
-      *y = top;
-      return true;
+      if (!none) return true;
     }
     return false;
   }
 
  private:
-  // The index of the first pixel that is the anchor of a match, or `count`. Pixel 0 is the anchor of a needle
-  // whose left edge is at `left`.
-  size_t findAnchor(const kernels::Pixel* in, size_t count, size_t left, int32_t top) {
-    size_t i = 0;
-    while ((i += kernels::best().findColor(in + i, count - i, anchor_.color)) < count) {
-      if (matches(left + i, top)) return i;
-      ++i;
-    }
-    return count;
-  }
-
   // Compares the anchor's row first: rows near a rare pixel are more distinctive than those at an edge.
   bool matches(size_t left, int32_t top) {
     for (int32_t i = 0, y = anchor_.y; i < height_; ++i, y = y + 1 < height_ ? y + 1 : 0) {
@@ -130,6 +123,8 @@ class Search {
   int32_t width_, height_;   // of the needle
   int32_t columns_, lines_;  // number of positions of its top left corner
   Anchor anchor_;
+  Region anchors_;   // where it may lie, in whole rows
+  rows::Walk walk_;  // of that region
   RowSource anchorRow_, pictureRow_, needleRow_;
 };
 

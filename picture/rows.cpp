@@ -19,6 +19,22 @@ Extent cutExtent(int32_t start, int32_t length, int32_t limit) {
 constexpr size_t kRGB24Size = 3;
 constexpr int64_t kLargePicture = 3 << 20;  // pixels
 
+// Rows of a host bitmap may lie anywhere, but often one lies after the other.
+bool areAdjacent(const PictureEditor& editor, const Region& region) {
+  for (int32_t y = region.top; y < region.bottom; ++y) {
+    if (editor.rowTable[y] != rowAt(editor.rowTable[region.top], y - region.top, editor.rowBytes))
+      return false;
+  }
+  return true;
+}
+
+// The last row of the block that a region's rows lie in; null if each is a block of its own.
+const uint8_t* lastRowOf(const PictureEditor& editor, const Region& region) {
+  if (editor.format != kFormatHostBitmap) return rowAt(editor.firstRow, editor.height - 1, editor.rowBytes);
+  return !region.isEmpty() && rows::areContiguous(editor, region) ? editor.rowTable[region.bottom - 1]
+                                                                  : nullptr;
+}
+
 size_t leftOffset(const Region& region) { return static_cast<size_t>(region.left) * 4; }
 
 // Moves an editor to the region's first row. An editor that is already there keeps its row pointer: for a
@@ -37,13 +53,14 @@ Region Region::cut(int32_t left, int32_t top, int32_t width, int32_t height, con
 }
 
 bool rows::areContiguous(const PictureEditor& editor, const Region& region) {
-  // Rows of a host bitmap may lie anywhere. Past its last row a picture repeats row 0.
-  return editor.hasWords() && editor.format != kFormatHostBitmap && editor.rowBytes == editor.width * 4 &&
-         region.left == 0 && region.right == editor.width && region.bottom <= editor.height;
+  // Past its last row a picture repeats row 0.
+  return editor.hasWords() && editor.rowBytes == editor.width * 4 && region.left == 0 &&
+         region.right == editor.width && region.bottom <= editor.height &&
+         (editor.format != kFormatHostBitmap || areAdjacent(editor, region));
 }
 
 RowSource::RowSource(PictureEditor& editor, const Region& region)
-    : editor_(editor), offset_(leftOffset(region)) {
+    : editor_(editor), offset_(leftOffset(region)), lastRow_(lastRowOf(editor, region)) {
   at(firstRowOf(editor, region));
 }
 
@@ -52,11 +69,8 @@ void RowSource::at(const uint8_t* row) {
   available_ = 0;
   const size_t size = static_cast<size_t>(editor_.GetBytesPerPixel());
   if (!row || size == 0) return;  // no rows, or an unknown pixel format
-  // Rows of a host bitmap may lie anywhere; other rows lie in one block that ends with the last row's pixels.
   // The block may be larger than ptrdiff_t can hold, hence uintptr_t.
-  const uint8_t* lastRow = editor_.format == kFormatHostBitmap
-                               ? row
-                               : rowAt(editor_.firstRow, editor_.height - 1, editor_.rowBytes);
+  const uint8_t* lastRow = lastRow_ ? lastRow_ : row;
   const auto end = reinterpret_cast<uintptr_t>(lastRow) + static_cast<size_t>(editor_.width) * size;
   const auto start = reinterpret_cast<uintptr_t>(row) + offset_;
   if (start >= end) return;

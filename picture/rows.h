@@ -45,6 +45,7 @@ class RowSource {
 
   PictureEditor& editor_;
   size_t offset_;                           // of the left column, in bytes
+  const uint8_t* lastRow_;                  // of the block that can be read; null: the current row
   const uint8_t* start_;                    // left column of the current row
   size_t available_ = 0;                    // readable bytes from there
   alignas(64) kernels::Pixel tile_[kTile];  // vectors in it don't cross cache lines
