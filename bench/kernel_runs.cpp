@@ -48,7 +48,7 @@ RowRun on(kernels::SpanUnpack* Table::*slot) {
       [=](const Table& t, const Row& row) { (t.*slot)(row.out, Row::bytesOf(row.photo), row.width, kTop); };
 }
 RowRun on(kernels::SpanPack* Table::*slot) {
-  return [=](const Table& t, const Row& row) { (t.*slot)(row.outBytes(), row.photo, row.width); };
+  return [=](const Table& t, const Row& row) { (t.*slot)(row.outBytes(), row.photo, row.width, false); };
 }
 RowRun on(kernels::SpanFill* Table::*slot) {
   return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.width, 0xFF3C78B4); };

@@ -27,8 +27,8 @@ struct Output {
 using SpanMap = void(Output out, const Pixel* in, size_t count, uint32_t top);
 
 // Converts RGB24 pixels (bytes red, green, blue) to words with a top byte, and back.
-using SpanUnpack = void(Pixel* out, const uint8_t* in, size_t count, uint32_t top);
-using SpanPack = void(uint8_t* out, const Pixel* in, size_t count);
+using SpanUnpack = void(Output out, const uint8_t* in, size_t count, uint32_t top);
+using SpanPack = void(uint8_t* out, const Pixel* in, size_t count, bool streams);
 
 // Sets every word to `word`.
 using SpanFill = void(Pixel* out, size_t count, uint32_t word);

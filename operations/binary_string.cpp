@@ -68,7 +68,7 @@ REALstringStruct* PicturetoBinaryString(REALpictureStruct* picture) {
   memcpy(buffer.get(), &header, sizeof header);
   uint8_t* out = buffer.get() + kHeaderSize;
   scanRegion(source, Region::whole(source), [&](const kernels::Pixel* in, size_t count) {
-    kernels::best().packRGB24(out, in, count);
+    kernels::best().packRGB24(out, in, count, false);
     out += count * kPixelSize;
     return true;
   });

@@ -68,6 +68,8 @@ class RowTarget {
                       : kernels::Output(tile_);
   }
   void finish(size_t first, size_t count);
+  // The size of the first tile: others begin a cache line, as streaming stores need it.
+  size_t firstTile() const;
 
  private:
   PictureEditor& editor_;
@@ -102,7 +104,8 @@ void mapRow(RowTarget& target, [[maybe_unused]] RowSource* sources, size_t width
             std::index_sequence<i...>) {
   const bool direct = target.isDirect() && (sources[i].isDirect(width) && ...);
   for (size_t first = 0, count; first < width; first += count) {
-    count = direct || width - first < RowSource::kTile ? width - first : RowSource::kTile;
+    const size_t most = direct ? width : first == 0 ? target.firstTile() : RowSource::kTile;
+    count = width - first < most ? width - first : most;
     kernel(target.span(first), sources[i].span(first, count)..., count, target.topByte());
     target.finish(first, count);
   }

@@ -15,7 +15,7 @@ void countPixel(ChannelCounts& counts, size_t lane, uint32_t pixel, uint32_t tim
 
 // Pixels per block.
 constexpr size_t kBlock = 8;
-static_assert(kBlock % kCountingLanes == 0);
+static_assert(kBlock % kCountingLanes == 0 && kLinePixels % kBlock == 0);
 
 bool isOneColor(const Pixel* block) {
   const __m128i first = _mm_set1_epi32(static_cast<int32_t>(block[0]));
@@ -33,21 +33,25 @@ uint32_t countColor(const Pixel* in, size_t count, uint32_t color) {
 }
 
 void histogram(const Pixel* in, size_t count, ChannelCounts& counts) {
-  // A run of blocks of one colour is added once, when another colour follows.
+  // Blocks of one colour are added once, when another colour follows.
   uint32_t color = 0, times = 0;
-  for (; count >= kBlock; count -= kBlock, in += kBlock) {
-    if (!isOneColor(in)) {
-      for (size_t i = 0; i < kBlock; ++i) countPixel(counts, i % kCountingLanes, in[i], 1);
-    } else if (((in[0] ^ color) & kColor) == 0) {
+  const auto countBlock = [&](const Pixel* block) {
+    if (!isOneColor(block)) {
+      for (size_t i = 0; i < kBlock; ++i) countPixel(counts, i % kCountingLanes, block[i], 1);
+    } else if (((block[0] ^ color) & kColor) == 0) {
       times += kBlock;
     } else {
       countPixel(counts, 0, color, times);
-      color = in[0];
+      color = block[0];
       times = kBlock;
     }
-  }
+  };
+  const size_t lines = inStreams<kReadStreams, kLinePixels>(0, count, [&](size_t at) {
+    prefetch(in + at);
+    for (size_t i = 0; i < kLinePixels; i += kBlock) countBlock(in + at + i);
+  });
   countPixel(counts, 0, color, times);
-  for (; count > 0; --count) countPixel(counts, 0, *in++, 1);
+  for (size_t i = lines; i < count; ++i) countPixel(counts, 0, in[i], 1);
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

@@ -15,6 +15,10 @@ constexpr size_t kReach = 28;
 constexpr size_t kReach = 14;
 #endif
 
+// Prefetching reaches beyond the tile that is being processed, but not so far that tiles of other pictures
+// leave the cache.
+constexpr size_t kTileDistance = 4096;
+
 #if defined(__AVX2__)
 
 // Shuffle indices: for each byte of 16 words its place in the RGB24 pixels, and the inverse.
@@ -158,15 +162,39 @@ void packTail(uint8_t* out, const Pixel* in, size_t count) {
 
 }  // namespace
 
-void unpackRGB24(Pixel* out, const uint8_t* in, size_t count, uint32_t top) {
-  for (; count * 3 >= kReach; count -= kPixels, in += kPixels * 3, out += kPixels) {
-    prefetch(in);
-    store(out, widened(in) | top);
+void unpackRGB24(Output out, const uint8_t* in, size_t count, uint32_t top) {
+  size_t at = 0;
+  const size_t misalignment = reinterpret_cast<uintptr_t>(out.pixels) % kCacheLine;
+  if (out.streams && misalignment % sizeof(Pixel) == 0) {
+    const size_t head = (kCacheLine - misalignment) % kCacheLine / sizeof(Pixel);
+    if (count >= head + kReach) {
+      unpackTail(out, in, head, top);
+      at = inStreams<2, kLinePixels>(
+          head, count - kReach, [=](size_t line) __attribute__((always_inline)) {
+            prefetch(in + line * 3);
+            for (size_t i = line; i < line + kLinePixels; i += kPixels)
+              stream(out + i, reinterpret_cast<Vector>(widened(in + i * 3) | top));
+          });
+    }
   }
-  unpackTail(out, in, count, top);
+  for (; (count - at) * 3 >= kReach; at += kPixels) {
+    prefetch(in + at * 3, kTileDistance);
+    store(out + at, widened(in + at * 3) | top);
+  }
+  unpackTail(out + at, in + at * 3, count - at, top);
 }
 
-void packRGB24(uint8_t* out, const Pixel* in, size_t count) {
+void packRGB24(uint8_t* out, const Pixel* in, size_t count, bool streams) {
+  // Streaming stores write whole lines: packs to some lines in the cache first.
+  constexpr size_t kLines = 24, kAtOnce = kLines * kCacheLine / 3;
+  alignas(kCacheLine) uint8_t lines[kLines * kCacheLine];
+  if (streams && reinterpret_cast<uintptr_t>(out) % kCacheLine == 0) {
+    for (; count >= kAtOnce; count -= kAtOnce, in += kAtOnce, out += sizeof lines) {
+      packRGB24(lines, in, kAtOnce, false);
+      for (size_t i = 0; i < sizeof lines; i += sizeof(Vector))
+        stream(out + i, reinterpret_cast<Vector>(load(lines + i)));
+    }
+  }
   for (; count * 3 >= kReach; count -= kPixels, in += kPixels, out += kPixels * 3) narrow(out, load(in));
   packTail(out, in, count);
 }

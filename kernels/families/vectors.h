@@ -99,8 +99,8 @@ constexpr size_t kLinePixels = kCacheLine / sizeof(Pixel);
 // How far ahead of a sequential read to prefetch, in bytes.
 constexpr size_t kPrefetchDistance = 512;
 
-inline void prefetch(const void* at) {
-  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + kPrefetchDistance));
+inline void prefetch(const void* at, size_t ahead = kPrefetchDistance) {
+  __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
 }
 
 // Memory serves several sequential accesses far from each other faster than one. These are the longest and
