@@ -102,6 +102,7 @@ TEST_F(Pictures, ClonesWithAndWithoutMasks) {
                                   ClonePictureWithMask(nullptr), CopyMask(nullptr)})
     EXPECT_EQ(none, nullptr);
   EXPECT_FALSE(AssignMask(picture.get(), nullptr));
+  EXPECT_TRUE(AssignMask(picture.get(), pictureOf(maskPixels).get()));
   EXPECT_EQ(own(BitmapPicture(picture.get())).get(), picture.get());
 }
 
