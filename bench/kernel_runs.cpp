@@ -91,10 +91,15 @@ RowRun on(kernels::SpanIsGray* Table::*slot) {
 RowRun on(kernels::SpanCompare* Table::*slot) {
   return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.photo, row.photo, row.width); };
 }
-// The row as two-byte samples; one-byte samples use half of it.
+// Quarters of the row as two-byte samples; one-byte samples use half of them.
 RowRun on(kernels::SampleSums* Table::*slot) {
   return [=](const Table& t, const Row& row) {
-    sink = (t.*slot)(Row::bytesOf(row.photo), row.width * sizeof(Pixel) / 2).positive;
+    kernels::SampleSpans spans;
+    for (size_t k = 0; k < kernels::kSampleSpans; ++k)
+      spans[k] = {Row::bytesOf(row.photo + k * row.width / 4), row.width / 4 * sizeof(Pixel) / 2};
+    kernels::SpanExcursions sums;
+    (t.*slot)(spans, sums);
+    sink = sums[0].positive;
   };
 }
 RowRun on(kernels::SpanLookup* Table::*slot) {

@@ -141,12 +141,19 @@ struct Sepia {
 };
 using SpanSepia = void(Output out, const Pixel* in, size_t count, uint32_t top, const Sepia& sepia);
 
-// The sum of the negative samples and the sum of the others, modulo 2^32. Samples may lie at any address;
-// unsigned ones count from the middle of their range.
+// Sums of some spans of samples at once, each with its negative samples and the others apart, modulo 2^32.
+// Samples may lie at any address; unsigned ones count from the middle of their range.
+constexpr size_t kSampleSpans = 4;
+struct SampleSpan {
+  const uint8_t* samples;
+  size_t count;
+};
 struct Excursions {
   uint32_t negative, positive;
 };
-using SampleSums = Excursions(const uint8_t* samples, size_t count);
+using SampleSpans = SampleSpan[kSampleSpans];
+using SpanExcursions = Excursions[kSampleSpans];
+using SampleSums = void(const SampleSpans& spans, SpanExcursions& sums);
 // Writes `inside` in the columns with first <= row <= last, `outside` in the others.
 using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, size_t count, int32_t row,
                       uint32_t inside, uint32_t outside);

@@ -46,30 +46,37 @@ class Samples {
         sums_(kernels::best().*kind.sums),
         length_(bytesWithin(block, INT64_MAX)) {}
 
-  kernels::Excursions sum(int32_t start, int32_t end) const {
+  // The samples start .. end - 1.
+  struct Range {
+    int32_t start, end;
+  };
+  void sum(const Range (&ranges)[kernels::kSampleSpans], kernels::SpanExcursions& sums) const {
     const int64_t whole = length_ / kind_.size;
-    const int64_t stop = end < whole ? end : whole;
-    kernels::Excursions sums = {};
-    int64_t next = start;
-    if (next < stop) {
-      sums = sums_(bytes_ + next * kind_.size, static_cast<size_t>(stop - next));
-      next = stop;
+    kernels::SampleSpans spans = {};
+    for (size_t k = 0; k < kernels::kSampleSpans; ++k) {
+      const int64_t stop = ranges[k].end < whole ? ranges[k].end : whole;
+      if (ranges[k].start < stop)
+        spans[k] = {bytes_ + int64_t{ranges[k].start} * kind_.size,
+                    static_cast<size_t>(stop - ranges[k].start)};
     }
-    if (next == whole && next < end && length_ % kind_.size != 0) {
-      const uint8_t cut[2] = {bytes_[length_ - 1], 0};
-      add(sums, sums_(cut, 1));
-      ++next;
-    }
-    if (next < end) {
-      sums.negative += static_cast<uint32_t>(end - next) * static_cast<uint32_t>(kind_.valueOfZero);
-    }
-    return sums;
+    sums_(spans, sums);
+    for (size_t k = 0; k < kernels::kSampleSpans; ++k) addPastEnd(ranges[k], whole, sums[k]);
   }
 
  private:
-  static void add(kernels::Excursions& sums, const kernels::Excursions& more) {
-    sums.negative += more.negative;
-    sums.positive += more.positive;
+  void addPastEnd(const Range& range, int64_t whole, kernels::Excursions& sums) const {
+    int64_t next = range.start < whole ? whole : range.start;
+    if (next == whole && next < range.end && length_ % kind_.size != 0) {
+      const uint8_t cut[2] = {bytes_[length_ - 1], 0};
+      kernels::SpanExcursions more;
+      sums_({{cut, 1}}, more);
+      sums.negative += more[0].negative;
+      sums.positive += more[0].positive;
+      ++next;
+    }
+    if (next < range.end) {
+      sums.negative += static_cast<uint32_t>(range.end - next) * static_cast<uint32_t>(kind_.valueOfZero);
+    }
   }
 
   const uint8_t* bytes_;
@@ -115,20 +122,33 @@ struct Waveform {
   // Returns the largest distance from 0.
   double measure(const Samples& samples, int32_t count) {
     double peak = 0;
-    int32_t start = 0;
-    for (int32_t x = 0; x < width; ++x) {
-      // The order of operations matters: another one rounds to other samples.
-      const int32_t end = toInt32(static_cast<long double>(x + 1) / width * count);
-      const kernels::Excursions sums = samples.sum(start, end);
-      // A column without samples gives 0 / 0, on purpose.
-      const long double half = (end - start) * 0.5L;
-      negative[x] = static_cast<double>(static_cast<int32_t>(sums.negative) / half);
-      positive[x] = static_cast<double>(static_cast<int32_t>(sums.positive) / half);
-      if (positive[x] > peak) peak = positive[x];
-      if (-negative[x] > peak) peak = -negative[x];
-      start = end;
+    // A column of each quarter at a time: see kernels::SampleSums.
+    const int32_t quarter = (width + 3) / 4;
+    for (int32_t i = 0; i < quarter; ++i) {
+      Samples::Range ranges[kernels::kSampleSpans] = {};
+      kernels::SpanExcursions sums;
+      for (int32_t q = 0; q < 4; ++q) {
+        const int32_t x = q * quarter + i;
+        if (x < width) ranges[q] = {boundary(x, count), boundary(x + 1, count)};
+      }
+      samples.sum(ranges, sums);
+      for (int32_t q = 0; q < 4; ++q) {
+        const int32_t x = q * quarter + i;
+        if (x >= width) break;
+        // A column without samples gives 0 / 0, on purpose.
+        const long double half = (ranges[q].end - ranges[q].start) * 0.5L;
+        negative[x] = static_cast<double>(static_cast<int32_t>(sums[q].negative) / half);
+        positive[x] = static_cast<double>(static_cast<int32_t>(sums[q].positive) / half);
+        if (positive[x] > peak) peak = positive[x];
+        if (-negative[x] > peak) peak = -negative[x];
+      }
     }
     return peak;
+  }
+
+  // The first sample of column x. The order of operations matters: another one rounds to other samples.
+  int32_t boundary(int32_t x, int32_t count) const {
+    return toInt32(static_cast<long double>(x) / width * count);
   }
 
   // Smooths the values and scales them to pixels; `fullScale` is the value of the whole height.

@@ -40,48 +40,56 @@ uint32_t total(Vector lanes) {
 
 // XOR with the four bytes of `flips` turns samples into the values that the lanes add; `silences` are four
 // bytes of samples that add 0.
-template <typename SampleLanes>
-Excursions sum(const uint8_t* in, size_t bytes, uint32_t flips, uint32_t silences) {
+template <typename SampleLanes, size_t sampleSize>
+void sum(const SampleSpans& spans, SpanExcursions& sums, uint32_t flips, uint32_t silences) {
   const Vector flip = allPixels(flips), silence = allPixels(silences);
-  SampleLanes lanes;
-  const auto addFew = [&](size_t count) __attribute__((always_inline)) {
+  SampleLanes lanes[kSampleSpans];
+  const uint8_t *in[kSampleSpans], *end[kSampleSpans];
+  const auto addFew = [&](size_t k, size_t count) __attribute__((always_inline)) {
     Vector few = silence;
-    __builtin_memcpy(&few, in, count);
-    lanes.add(few ^ flip);
-    in += count;
-    bytes -= count;
+    __builtin_memcpy(&few, in[k], count);
+    lanes[k].add(few ^ flip);
+    in[k] += count;
   };
-  // Aligns the loads, so that vectors don't cross cache lines unless samples do.
-  const size_t head = (0 - reinterpret_cast<uintptr_t>(in)) % sizeof(Vector) & ~size_t{1};
-  if (head > 0 && head < bytes) addFew(head);
-  while (bytes >= kCacheLine) {
-    prefetch(in);
-    for (size_t i = 0; i < kCacheLine / sizeof(Vector); ++i, in += sizeof(Vector), bytes -= sizeof(Vector)) {
-      Vector samples;
-      __builtin_memcpy(&samples, in, sizeof samples);
-      lanes.add(samples ^ flip);
-      __asm__("" : "+x"(lanes.all), "+x"(lanes.positive));  // keeps them in registers
+  size_t lines = SIZE_MAX;
+  for (size_t k = 0; k < kSampleSpans; ++k) {
+    in[k] = spans[k].samples;
+    end[k] = in[k] + spans[k].count * sampleSize;
+    // Aligns the loads, so that vectors don't cross cache lines unless samples do.
+    const size_t head = (0 - reinterpret_cast<uintptr_t>(in[k])) % sizeof(Vector) & ~size_t{1};
+    if (head > 0 && head < static_cast<size_t>(end[k] - in[k])) addFew(k, head);
+    const size_t whole = static_cast<size_t>(end[k] - in[k]) / kCacheLine;
+    if (whole < lines) lines = whole;
+  }
+  for (; lines > 0; --lines) {
+    for (size_t k = 0; k < kSampleSpans; ++k) {
+      prefetch(in[k]);
+      for (size_t i = 0; i < kCacheLine; i += sizeof(Vector), in[k] += sizeof(Vector))
+        lanes[k].add(reinterpret_cast<Vector>(load(in[k])) ^ flip);
     }
   }
-  while (bytes > 0) addFew(bytes < sizeof(Vector) ? bytes : sizeof(Vector));
-  const uint32_t positive = total(lanes.positive);
-  return {total(lanes.all) - positive, positive};
+  for (size_t k = 0; k < kSampleSpans; ++k) {
+    for (size_t left; (left = static_cast<size_t>(end[k] - in[k])) > 0;)
+      addFew(k, left < sizeof(Vector) ? left : sizeof(Vector));
+    const uint32_t positive = total(lanes[k].positive);
+    sums[k] = {total(lanes[k].all) - positive, positive};
+  }
 }
 
 }  // namespace
 
-Excursions sumInt8(const uint8_t* samples, size_t count) {
-  return sum<ByteLanes>(samples, count, 0x80808080, 0);
+void sumInt8(const SampleSpans& spans, SpanExcursions& sums) {
+  sum<ByteLanes, 1>(spans, sums, 0x80808080, 0);
 }
 
-Excursions sumUInt8(const uint8_t* samples, size_t count) {
-  return sum<ByteLanes>(samples, count, 0, 0x80808080);
+void sumUInt8(const SampleSpans& spans, SpanExcursions& sums) {
+  sum<ByteLanes, 1>(spans, sums, 0, 0x80808080);
 }
 
-Excursions sumInt16(const uint8_t* samples, size_t count) { return sum<WordLanes>(samples, count * 2, 0, 0); }
+void sumInt16(const SampleSpans& spans, SpanExcursions& sums) { sum<WordLanes, 2>(spans, sums, 0, 0); }
 
-Excursions sumUInt16(const uint8_t* samples, size_t count) {
-  return sum<WordLanes>(samples, count * 2, 0x80008000, 0x80008000);
+void sumUInt16(const SampleSpans& spans, SpanExcursions& sums) {
+  sum<WordLanes, 2>(spans, sums, 0x80008000, 0x80008000);
 }
 
 void bars(Pixel* out, const int32_t* first, const int32_t* last, size_t count, int32_t row, uint32_t inside,
