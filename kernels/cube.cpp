@@ -74,6 +74,7 @@ void prepareCube(Cube& cube, const double* entries) {
       *node = {part(2), part(1), part(0), 0};
     }
   });
+  for (; node != cube.nodes + sizeof cube.nodes / sizeof *node; ++node) *node = {};
   const bool isExact = isAll(areHalves);
   cube.shift = 4 - coarser;
   cube.start = kCell * middle - kMiddle * units + (isExact ? kLost : 0);

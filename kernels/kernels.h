@@ -128,7 +128,7 @@ struct Cube {
   uint8_t sure;   // the largest fraction in 256ths with which a result is sure
   struct Node {
     int16_t blue, green, red, unused;
-  } nodes[16 * 16 * 16 + 1];  // by red, green and blue index; one is padding
+  } nodes[16 * 16 * 16 + 274];  // by red, green and blue index; the last 274 are read, but have weight 0
 };
 using SpanCube = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Cube& cube);
 

@@ -32,10 +32,10 @@ Words min(Words a, Words b) {
       ZVR_VECTOR(min_epi16)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
 }
 
-// One channel of each pixel.
-Words channelOf(Pixels low, Pixels high, int shift) {
-  return reinterpret_cast<Words>(ZVR_VECTOR(packs_epi32)(reinterpret_cast<Vector>(low >> shift & 0xFF),
-                                                         reinterpret_cast<Vector>(high >> shift & 0xFF)));
+// The upper or, of words shifted left, the lower halves of pixels.
+Words upperHalves(Pixels low, Pixels high) {
+  const auto half = [](Pixels v) { return ZVR_VECTOR(srai_epi32)(reinterpret_cast<Vector>(v), 16); };
+  return reinterpret_cast<Words>(ZVR_VECTOR(packs_epi32)(half(low), half(high)));
 }
 
 // Sort key: the share of an axis above the step along it. Between equal shares the smaller step comes first,
@@ -47,26 +47,30 @@ Words stepOf(Words key) { return kStepMask - (key & kStepMask); }
 struct Axis {
   Words entry, share, step;
 
-  Axis(Words value, uint16_t stepAlong)
+  Axis(Words value, uint16_t stepAlong, bool isGuarded)
       : entry(multiplyHigh(value, all(65536 / kCell + 1))),  // value / 17
         share(value - entry * kCell),
-        // No step goes beyond the last entry, not even to a corner of weight 0.
-        step(all(stepAlong) & reinterpret_cast<Words>(entry < kLast)) {}
+        step(all(stepAlong)) {
+    if (isGuarded) step &= reinterpret_cast<Words>(entry != kLast);
+  }
   Words key() const { return share << kStepBits | (kStepMask - step); }
 };
 
+// Guarded corners of weight 0 do not lie beyond the last entries; others do, or begin the next row.
+template <bool isGuarded>
 void findMixes(Mixes& mixes, const Pixel* in) {
   Pixels low, high;
   __builtin_memcpy(&low, in, sizeof low);
   __builtin_memcpy(&high, in + kPixels, sizeof high);
-  const Axis red(channelOf(low, high, 16), kRed), green(channelOf(low, high, 8), kGreen),
-      blue(channelOf(low, high, 0), kBlue);
+  const Words greenBlue = upperHalves(low << 16, high << 16);
+  const Axis red(upperHalves(low, high) & 0xFF, kRed, isGuarded), green(greenBlue >> 8, kGreen, isGuarded),
+      blue(greenBlue & 0xFF, kBlue, isGuarded);
   const Words first = max(max(red.key(), green.key()), blue.key());
   const Words last = min(min(red.key(), green.key()), blue.key());
   const Words share1 = first >> kStepBits, share3 = last >> kStepBits;
   const Words share2 = red.share + green.share + blue.share - share1 - share3;
   const Words near = red.entry * kRed + green.entry * kGreen + blue.entry * kBlue;
-  const Words far = near + red.step + green.step + blue.step;
+  const Words far = near + (red.step + green.step + blue.step);
   const Words corner[4] = {near, near + stepOf(first), far - stepOf(last), far};
   __builtin_memcpy(mixes.corner, corner, sizeof corner);
   mixes.weight[0] = kCell - share1;
@@ -76,7 +80,7 @@ void findMixes(Mixes& mixes, const Pixel* in) {
 }
 
 // Calls mix(Pixel* out, const Mixes&) for each kWords pixels.
-template <typename Mix>
+template <bool isGuarded, typename Mix>
 void mapMixed(Pixel* out, const Pixel* in, size_t count, const Mix& mix) {
   constexpr size_t kTogether = 64 / kWords;
   Mixes tile[kTogether];
@@ -84,18 +88,18 @@ void mapMixed(Pixel* out, const Pixel* in, size_t count, const Mix& mix) {
   for (; count >= kTogether * kWords; count -= kTogether * kWords, in += kTogether * kWords) {
     for (size_t i = 0; i < kTogether; ++i) {
       prefetch(in + i * kWords);
-      findMixes(tile[i], in + i * kWords);
+      findMixes<isGuarded>(tile[i], in + i * kWords);
     }
     for (size_t i = 0; i < kTogether; ++i, out += kWords) mix(out, tile[i]);
   }
   for (; count >= kWords; count -= kWords, in += kWords, out += kWords) {
-    findMixes(mixes, in);
+    findMixes<isGuarded>(mixes, in);
     mix(out, mixes);
   }
   if (count == 0) return;
   Pixel rest[kWords] = {};
   __builtin_memcpy(rest, in, count * sizeof *in);
-  findMixes(mixes, rest);
+  findMixes<isGuarded>(mixes, rest);
   mix(rest, mixes);
   __builtin_memcpy(out, rest, count * sizeof *out);
 }
@@ -148,17 +152,17 @@ __m128i fourPixels(const Entry* sums) {
 }
 #endif
 
-// Mixes as places in the table of doubles, and doubles.
+// Mixes with places in the table of doubles, and doubles.
 struct ExactMixes {
   uint16_t place[4][kWords];
   double weight[4][kWords];
 
   explicit ExactMixes(const Mixes& mixes) {
-    constexpr uint16_t kSide = kCubeSide;
     for (size_t c = 0; c < 4; ++c) {
       Words node;
       __builtin_memcpy(&node, mixes.corner[c], sizeof node);
-      const Words r = node >> 8, g = node >> 4 & 15, b = node & 15;
+      constexpr uint16_t kSide = kCubeSide;
+      const Words r = node >> 8 & 15, g = node >> 4 & 15, b = node & 15;
       const Words places = ((r * kSide + g) * kSide + b) * 3;
       __builtin_memcpy(place[c], &places, sizeof places);
       for (size_t i = 0; i < kWords; ++i) weight[c][i] = mixes.weight[c][i];
@@ -172,7 +176,7 @@ struct ExactMixes {
 
 void mapExactly(Pixel* out, const Pixel* in, size_t count, uint32_t top, const double* entries) {
   const __m128i tops = _mm_set1_epi32(static_cast<int32_t>(top));
-  mapMixed(out, in, count, [=](Pixel* to, const Mixes& mixes) {
+  mapMixed<true>(out, in, count, [=](Pixel* to, const Mixes& mixes) {
     const ExactMixes exact(mixes);
     for (size_t four = 0; four < kWords / 4; ++four) {
       Entry sums[4];
@@ -185,22 +189,21 @@ void mapExactly(Pixel* out, const Pixel* in, size_t count, uint32_t top, const d
 
 // ---- Fixed point ----
 
-// Two corners of one pixel in each 128-bit lane, interleaved.
-__m128i nodePair(const Cube& cube, uint16_t first, uint16_t second) {
-  return _mm_unpacklo_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(&cube.nodes[first])),
-                            _mm_loadu_si128(reinterpret_cast<const __m128i*>(&cube.nodes[second])));
-}
-Vector nodePairs(const Cube& cube, const uint16_t* first, const uint16_t* second) {
-  const auto pair = [&](size_t lane) { return nodePair(cube, first[lane * 8], second[lane * 8]); };
+// A node in the lower half of each 128-bit lane.
+Vector nodesAt(const Cube& cube, const uint16_t* places) {
+  const auto node = [&](size_t lane) {
+    return reinterpret_cast<const __m128i*>(&cube.nodes[places[lane * 8]]);
+  };
 #if defined(__AVX512VBMI__)
-  __m512i all = _mm512_castsi128_si512(pair(0));
-  all = _mm512_maskz_inserti32x4(0xFFFF, all, pair(1), 1);
-  all = _mm512_maskz_inserti32x4(0xFFFF, all, pair(2), 2);
-  return _mm512_maskz_inserti32x4(0xFFFF, all, pair(3), 3);
+  __m512i all = _mm512_castsi128_si512(_mm_loadl_epi64(node(0)));
+  all = _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(1)), 1);
+  all = _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(2)), 2);
+  return _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(3)), 3);
 #elif defined(__AVX2__)
-  return _mm256_inserti128_si256(_mm256_castsi128_si256(pair(0)), pair(1), 1);
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadl_epi64(node(0))), _mm_loadu_si128(node(1)),
+                                 1);
 #else
-  return pair(0);
+  return _mm_loadl_epi64(node(0));
 #endif
 }
 
@@ -228,13 +231,14 @@ uint32_t pixelsSet(Vector v) {
 #endif
 }
 
-// Computes those pixels of a half that are set in `unsure`.
-[[gnu::noinline]] void decide(Pixel* to, uint32_t unsure, const Mixes& mixes, size_t half, uint32_t top,
+// Computes those pixels whose bits are set in `unsure`.
+[[gnu::noinline]] void decide(Pixel* to, uint32_t unsure, const Mixes& mixes, uint32_t top,
                               const double* entries) {
   const ExactMixes exact(mixes);
   for (; unsure != 0; unsure &= unsure - 1) {
     const auto pixel = static_cast<size_t>(__builtin_ctz(unsure));
-    const Entry sum = exact.sum(entries, pixel / 4 * 8 + half * 4 + pixel % 4);
+    const size_t half = pixel / kPixels, four = pixel % kPixels / 4;
+    const Entry sum = exact.sum(entries, (four * 2 + half) * 4 + pixel % 4);
     const Entry sums[4] = {sum, sum, sum, sum};
     to[pixel] = static_cast<uint32_t>(_mm_cvtsi128_si32(fourPixels(sums))) | top;
   }
@@ -246,37 +250,42 @@ void mapByNodes(Pixel* out, const Pixel* in, size_t count, uint32_t top, const C
       allLanes(_mm_setr_epi32(cube.start, cube.start, cube.start, top != 0 ? INT32_MAX / 2 : INT32_MIN / 2));
   const Vector sure = allWords(0xFF00U | cube.sure);
   const __m128i shift = _mm_cvtsi32_si128(cube.shift);
-  // The fraction of a sum that exceeds the range is sure.
-  const Vector most = allWords(0x7F80);
-  mapMixed(
+  const Vector most = allWords(0x7F80);  // beyond the range the fraction is sure
+  mapMixed<false>(
       out, in, count, [&](Pixel * to, const Mixes& mixes) __attribute__((always_inline)) {
-        const auto weight = [&](size_t c) { return reinterpret_cast<Vector>(mixes.weight[c]); };
+        uint32_t unsure = 0;
         unroll<2>([&](size_t half) __attribute__((always_inline)) {
-          const Vector weights[2] = {half ? ZVR_VECTOR(unpackhi_epi16)(weight(0), weight(1))
-                                          : ZVR_VECTOR(unpacklo_epi16)(weight(0), weight(1)),
-                                     half ? ZVR_VECTOR(unpackhi_epi16)(weight(2), weight(3))
-                                          : ZVR_VECTOR(unpacklo_epi16)(weight(2), weight(3))};
+          const auto weights = [&](size_t c) __attribute__((always_inline)) {
+            const auto first = reinterpret_cast<Vector>(mixes.weight[c]),
+                       second = reinterpret_cast<Vector>(mixes.weight[c + 1]);
+            return half == 0 ? ZVR_VECTOR(unpacklo_epi16)(first, second)
+                             : ZVR_VECTOR(unpackhi_epi16)(first, second);
+          };
+          const Vector near = weights(0), far = weights(2);
           Vector sums[4];
           unroll<4>([&](size_t i) __attribute__((always_inline)) {
-            Vector sum = start;
-            unroll<2>([&](size_t k) __attribute__((always_inline)) {
-              const size_t at = half * 4 + i;
-              const Vector pair = nodePairs(cube, mixes.corner[2 * k] + at, mixes.corner[2 * k + 1] + at);
-              const Vector w = fourthsOf(weights[k], i);
-              sum = ZVR_VECTOR(add_epi32)(sum, ZVR_VECTOR(madd_epi16)(pair, w));
-            });
-            sums[i] = ZVR_VECTOR(sra_epi32)(sum, shift);
+            const auto part = [&](size_t c, Vector weight) __attribute__((always_inline)) {
+              const Vector nodes =
+                  ZVR_VECTOR(unpacklo_epi16)(nodesAt(cube, mixes.corner[c] + half * 4 + i),
+                                             nodesAt(cube, mixes.corner[c + 1] + half * 4 + i));
+              return ZVR_VECTOR(madd_epi16)(nodes, fourthsOf(weight, i));
+            };
+            const Vector sum = ZVR_VECTOR(add_epi32)(part(0, near), part(2, far));
+            sums[i] = ZVR_VECTOR(sra_epi32)(ZVR_VECTOR(add_epi32)(sum, start), shift);
           });
-          const Vector low = ZVR_VECTOR(min_epi16)(ZVR_VECTOR(packs_epi32)(sums[0], sums[1]), most);
-          const Vector high = ZVR_VECTOR(min_epi16)(ZVR_VECTOR(packs_epi32)(sums[2], sums[3]), most);
-          const Vector whole =
+          // Results in 256ths, 128 too low.
+          const auto results = [&](Vector a, Vector b) __attribute__((always_inline)) {
+            return ZVR_VECTOR(min_epi16)(ZVR_VECTOR(packs_epi32)(a, b), most);
+          };
+          const Vector low = results(sums[0], sums[1]), high = results(sums[2], sums[3]);
+          const Vector pixels =
               ZVR_VECTOR(packs_epi16)(ZVR_VECTOR(srai_epi16)(low, 8), ZVR_VECTOR(srai_epi16)(high, 8));
-          const Vector unsure =
-              ZVR_VECTOR(packs_epi16)(ZVR_VECTOR(subs_epu8)(low, sure), ZVR_VECTOR(subs_epu8)(high, sure));
-          Pixel* pixels = to + half * kPixels;
-          store(pixels, reinterpret_cast<Pixels>(whole) ^ 0x80808080);
-          if (const uint32_t set = pixelsSet(unsure)) decide(pixels, set, mixes, half, top, cube.entries);
+          store(to + half * kPixels, reinterpret_cast<Pixels>(pixels) ^ 0x80808080);
+          unsure |= pixelsSet(ZVR_VECTOR(packs_epi16)(ZVR_VECTOR(subs_epu8)(low, sure),
+                                                      ZVR_VECTOR(subs_epu8)(high, sure)))
+                    << half * kPixels;
         });
+        if (unsure != 0) decide(to, unsure, mixes, top, cube.entries);
       });
 }
 
