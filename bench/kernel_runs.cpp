@@ -4,6 +4,8 @@
 #include <cmath>
 #include <memory>
 
+#include "kernels/cube.h"
+
 namespace bench {
 namespace {
 
@@ -117,22 +119,22 @@ RowRun on(kernels::SpanLinear* Table::*slot) {
   const kernels::LinearMaps maps{rising, rising, falling, 7};
   return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, maps); };
 }
-RowRun on(kernels::SpanCube* Table::*slot) {
-  const auto cube = std::make_shared<std::vector<double>>();
+// Through a table whose entries are all whole or all not.
+RowRun mapping(kernels::SpanCube* Table::*slot, bool isWhole) {
+  struct Mapping {
+    std::vector<double> entries;
+    kernels::Cube cube;
+  };
+  const auto mapping = std::make_shared<Mapping>();
   for (size_t i = 0; i < kernels::kCubeSide * kernels::kCubeSide * kernels::kCubeSide * 3; ++i) {
-    cube->push_back(127 + 127 * std::sin(static_cast<double>(i) * 0.37));
+    const double entry = 127 + 127 * std::sin(static_cast<double>(i) * 0.37);
+    mapping->entries.push_back(isWhole ? std::floor(entry) : entry);
   }
+  kernels::prepareCube(mapping->cube, mapping->entries.data());
   return
-      [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, cube->data()); };
+      [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, mapping->cube); };
 }
-RowRun on(kernels::SpanWholeCube* Table::*slot) {
-  const auto cube = std::make_shared<std::vector<uint32_t>>();
-  for (uint32_t i = 0; i < kernels::kWholeCubeSide * kernels::kWholeCubeSide * kernels::kWholeCubeSide; ++i) {
-    cube->push_back(i * 0x9E3779B1 >> 8);
-  }
-  return
-      [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width, kTop, cube->data()); };
-}
+RowRun on(kernels::SpanCube* Table::*slot) { return mapping(slot, false); }
 RowRun counting(kernels::SpanHistogram* Table::*slot, const Pixel* Row::*contents) {
   const auto counts = std::make_shared<kernels::ChannelCounts>();
   return [=](const Table& t, const Row& row) { (t.*slot)(row.*contents, row.width, *counts); };
@@ -162,6 +164,7 @@ std::vector<KernelRun> list() {
 #define ZVR_RUN(type, kernel) {#kernel, on(&Table::kernel)},
   return {ZVR_KERNELS(ZVR_RUN)  //
           {"histogram-flat", counting(&Table::histogram, &Row::flat)},
+          {"mapThroughCube-whole", mapping(&Table::mapThroughCube, true)},
           {"saturate-wrapping", saturating(&Table::saturate, 1 << 30)}};
 #undef ZVR_RUN
 }

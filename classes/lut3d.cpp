@@ -2,7 +2,7 @@
 
 #include "classes/classes.h"
 #include "classes/instances.h"
-#include "kernels/convert.h"
+#include "kernels/cube.h"
 
 namespace {
 
@@ -15,58 +15,23 @@ double* element(REALobjectStruct* object, uint32_t r, uint32_t g, uint32_t b, ui
                                                                                  : nullptr;
 }
 
-// The used part of a table as bytes, if it holds only integers from 0 to 255. Maps large pictures faster,
-// with the same results.
-class WholeTable {
- public:
-  // False if an entry doesn't fit.
-  bool fill(const PictureLut3DData& lut) {
-    kernels::Pixel* node = nodes_;
-    for (uint32_t r = 0; r < kSide; ++r) {
-      for (uint32_t g = 0; g < kSide; ++g) {
-        for (uint32_t b = 0; b < kSide; ++b) {
-          if (!pack(lut.table[r][g][b], *node++)) return false;
-        }
-      }
-    }
-    return true;
-  }
-  const kernels::Pixel* nodes() const { return nodes_; }
-
- private:
-  static constexpr uint32_t kSide = kernels::kWholeCubeSide;
-
-  static bool pack(const double (&entry)[kLutChannels], kernels::Pixel& node) {
-    uint32_t word = 0;
-    for (double value : entry) {
-      const int32_t whole = toInt32(value);
-      if (whole < 0 || whole > 255 || whole != value) return false;
-      word = word << 8 | static_cast<uint32_t>(whole);
-    }
-    node = word;
-    return true;
-  }
-
-  kernels::Pixel nodes_[kSide * kSide * kSide];
-};
-
 void mapThroughTable(const PictureLut3DData& lut, PictureReader& source, PictureWriter& result) {
+  constexpr int64_t kManyPixels = 20000;  // from this many on, nodes pay off
   const Region area = areaOf(lut, source);
-  const auto mapBy = [&](auto kernel, const auto* nodes) {
-    mapRegion(
-        result, area,
-        [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
-          kernel(out, in, count, top, nodes);
-        },
-        source);
-  };
-  constexpr int64_t kManyPixels = 20000;  // from this many on, filling a WholeTable pays off
-  WholeTable whole;
-  if (int64_t{area.right} * area.bottom >= kManyPixels && whole.fill(lut)) {
-    mapBy(kernels::best().mapThroughWholeCube, whole.nodes());
+  const double* entries = &lut.table[0][0][0][0];
+  kernels::Cube cube;
+  if (int64_t{area.right} * area.bottom >= kManyPixels) {
+    kernels::prepareCube(cube, entries);
   } else {
-    mapBy(kernels::best().mapThroughCube, &lut.table[0][0][0][0]);
+    cube.entries = entries;
+    cube.hasNodes = false;
   }
+  mapRegion(
+      result, area,
+      [&](kernels::Output out, const kernels::Pixel* in, size_t count, uint32_t top) {
+        kernels::best().mapThroughCube(out, in, count, top, cube);
+      },
+      source);
 }
 
 }  // namespace

@@ -126,12 +126,21 @@ using SpanTint = void(Output out, const Pixel* in, size_t count, uint32_t top, T
 // entry after those is unused. Each channel of a result is the weighted sum of four entries in 17ths, divided
 // by 17, clamped to 0..255 and truncated; NaN gives 0.
 constexpr size_t kCubeSide = 18;  // entries along an axis, of which the first 16 are used
-// `cube`: kCubeSide^3 entries of three doubles (red, green, blue), blue changing fastest, at any address. May
-// read one double after the last used entry.
-using SpanCube = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const double* cube);
-// The same for integer entries from 0 to 255: kWholeCubeSide^3 words.
-constexpr size_t kWholeCubeSide = 16;
-using SpanWholeCube = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Pixel* cube);
+// A table, with nodes in fixed point that give nearly all pixels faster. Fill it with prepareCube from
+// kernels/cube.h, or set only `entries` and hasNodes = false.
+struct Cube {
+  // kCubeSide^3 entries of three doubles (red, green, blue), blue changing fastest, at any address. One
+  // double after the last used entry may be read.
+  const double* entries;
+  bool hasNodes;
+  int32_t shift;  // from a sum of weighted nodes to 256ths
+  int32_t start;  // added to each sum
+  uint8_t sure;   // the largest fraction in 256ths with which a result is sure
+  struct Node {
+    int16_t blue, green, red, unused;
+  } nodes[16 * 16 * 16 + 274];  // by red, green and blue index; the last 274 are read, but have weight 0
+};
+using SpanCube = void(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Cube& cube);
 
 // A toned monochrome: the weights of the brightness in 1024ths, and the tone added to it in each channel, all
 // signed in two's complement.
@@ -189,7 +198,6 @@ using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, siz
   X(SpanSaturate, saturate)                                                                   \
   X(SpanTint, tint)                                                                           \
   X(SpanCube, mapThroughCube)                                                                 \
-  X(SpanWholeCube, mapThroughWholeCube)                                                       \
   X(SpanSepia, sepia)                                                                         \
   X(SampleSums, sumInt8)                                                                      \
   X(SampleSums, sumUInt8)                                                                     \

@@ -80,15 +80,16 @@ host::Color makeColor(Random& random, const Pixels* first) {
   return {(color & 0xFFFFFF) | random.word() << 24};
 }
 
-// Entries of three kinds: numbers in `parts` of one within or just beyond the range of colours; numbers that
-// are hard to calculate with among others; and sums at and just below whole results. Entries that may not be
-// read are no numbers.
+// Entries of three kinds: numbers in `parts` of one within, just beyond or far beyond the range of colours;
+// numbers that are hard to calculate with among others; and sums at and just below whole results. Entries
+// that may not be read are no numbers.
 Bytes makeTable(Random& random) {
   constexpr double kHard[] = {NAN, INFINITY, -INFINITY, 1e308, -1e308, 5e-324, 255.5, 256, -1e-9, -4e9};
   const bool isWhole = random.chance(30), isStepped = !isWhole && random.chance(20);
-  const int parts = isWhole ? 1 : random.among({1, 64}), low = isWhole ? 0 : random.between(-1, 0),
-            high = isWhole ? 255 : random.between(255, 256);
-  const int hard = isWhole ? 0 : random.among({0, 5, 50}), first = random.between(1, 241);
+  const int parts = isWhole ? 1 : random.among({1, 64}), low = isWhole ? 0 : random.among({-1, 0, -100}),
+            high = isWhole ? 255 : random.among({255, 256, 600});
+  const int hard = isWhole ? 0 : random.among({0, 0, 0, 5, 50});
+  const int first = random.between(1, 241);
   std::vector<double> table(kTableEntries * 3, NAN);
   for (int i = 0; i < 16 * 16 * 16; ++i) {
     const double whole = first + i % 16;

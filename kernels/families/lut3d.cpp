@@ -1,6 +1,6 @@
 // Tetrahedral interpolation in a colour table.
 
-#include "kernels/families/vectors.h"
+#include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
@@ -8,20 +8,18 @@ namespace {
 constexpr uint32_t kCell = 17;  // channel values between two entries
 constexpr uint32_t kLast = 15;  // the entry of 255, the last that may be read
 
+// Distances between nodes along red, green and blue.
+constexpr uint16_t kRed = 256, kGreen = 16, kBlue = 1;
+
 // Pixels processed at a time, in 16-bit lanes. Every four lanes hold four neighbours; the fours come
 // alternately from the first and the second half of the pixels.
 constexpr size_t kWords = 2 * kPixels;
 constexpr size_t firstPixelOf(size_t four) { return four % 2 * kPixels + four / 2 * 4; }
 
-// The offsets of the four corners that a colour is mixed from, and their weights in 17ths.
+// The nodes at the four corners that a colour is mixed from, and their weights in 17ths.
 struct Mixes {
   alignas(64) uint16_t corner[4][kWords];
   Words weight[4];
-};
-
-// Strides between entries along red, green and blue.
-struct Steps {
-  uint32_t red, green, blue;
 };
 
 Words all(uint32_t word) { return reinterpret_cast<Words>(allWords(word)); }
@@ -34,10 +32,10 @@ Words min(Words a, Words b) {
       ZVR_VECTOR(min_epi16)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
 }
 
-// One channel of each pixel.
-Words channelOf(Pixels low, Pixels high, int shift) {
-  return reinterpret_cast<Words>(ZVR_VECTOR(packs_epi32)(reinterpret_cast<Vector>(low >> shift & 0xFF),
-                                                         reinterpret_cast<Vector>(high >> shift & 0xFF)));
+// The upper or, of words shifted left, the lower halves of pixels.
+Words upperHalves(Pixels low, Pixels high) {
+  const auto half = [](Pixels v) { return ZVR_VECTOR(srai_epi32)(reinterpret_cast<Vector>(v), 16); };
+  return reinterpret_cast<Words>(ZVR_VECTOR(packs_epi32)(half(low), half(high)));
 }
 
 // Sort key: the share of an axis above the step along it. Between equal shares the smaller step comes first,
@@ -49,28 +47,30 @@ Words stepOf(Words key) { return kStepMask - (key & kStepMask); }
 struct Axis {
   Words entry, share, step;
 
-  Axis(Words value, uint32_t stepAlong)
+  Axis(Words value, uint16_t stepAlong, bool isGuarded)
       : entry(multiplyHigh(value, all(65536 / kCell + 1))),  // value / 17
         share(value - entry * kCell),
-        // No step goes beyond the last entry, not even to a corner of weight 0.
-        step(all(stepAlong) & reinterpret_cast<Words>(entry < kLast)) {}
+        step(all(stepAlong)) {
+    if (isGuarded) step &= reinterpret_cast<Words>(entry != kLast);
+  }
   Words key() const { return share << kStepBits | (kStepMask - step); }
 };
 
-void findMixes(Mixes& mixes, const Pixel* in, const Steps& steps) {
+// Guarded corners of weight 0 do not lie beyond the last entries; others do, or begin the next row.
+template <bool isGuarded>
+void findMixes(Mixes& mixes, const Pixel* in) {
   Pixels low, high;
   __builtin_memcpy(&low, in, sizeof low);
   __builtin_memcpy(&high, in + kPixels, sizeof high);
-  const Axis red(channelOf(low, high, 16), steps.red), green(channelOf(low, high, 8), steps.green),
-      blue(channelOf(low, high, 0), steps.blue);
+  const Words greenBlue = upperHalves(low << 16, high << 16);
+  const Axis red(upperHalves(low, high) & 0xFF, kRed, isGuarded), green(greenBlue >> 8, kGreen, isGuarded),
+      blue(greenBlue & 0xFF, kBlue, isGuarded);
   const Words first = max(max(red.key(), green.key()), blue.key());
   const Words last = min(min(red.key(), green.key()), blue.key());
   const Words share1 = first >> kStepBits, share3 = last >> kStepBits;
   const Words share2 = red.share + green.share + blue.share - share1 - share3;
-  const Words near = red.entry * static_cast<uint16_t>(steps.red) +
-                     green.entry * static_cast<uint16_t>(steps.green) +
-                     blue.entry * static_cast<uint16_t>(steps.blue);
-  const Words far = near + red.step + green.step + blue.step;
+  const Words near = red.entry * kRed + green.entry * kGreen + blue.entry * kBlue;
+  const Words far = near + (red.step + green.step + blue.step);
   const Words corner[4] = {near, near + stepOf(first), far - stepOf(last), far};
   __builtin_memcpy(mixes.corner, corner, sizeof corner);
   mixes.weight[0] = kCell - share1;
@@ -80,23 +80,26 @@ void findMixes(Mixes& mixes, const Pixel* in, const Steps& steps) {
 }
 
 // Calls mix(Pixel* out, const Mixes&) for each kWords pixels.
-template <typename Mix>
-void mapMixed(Pixel* out, const Pixel* in, size_t count, const Steps& steps, const Mix& mix) {
+template <bool isGuarded, typename Mix>
+void mapMixed(Pixel* out, const Pixel* in, size_t count, const Mix& mix) {
   constexpr size_t kTogether = 64 / kWords;
   Mixes tile[kTogether];
   Mixes& mixes = tile[0];
   for (; count >= kTogether * kWords; count -= kTogether * kWords, in += kTogether * kWords) {
-    for (size_t i = 0; i < kTogether; ++i) findMixes(tile[i], in + i * kWords, steps);
+    for (size_t i = 0; i < kTogether; ++i) {
+      prefetch(in + i * kWords);
+      findMixes<isGuarded>(tile[i], in + i * kWords);
+    }
     for (size_t i = 0; i < kTogether; ++i, out += kWords) mix(out, tile[i]);
   }
   for (; count >= kWords; count -= kWords, in += kWords, out += kWords) {
-    findMixes(mixes, in, steps);
+    findMixes<isGuarded>(mixes, in);
     mix(out, mixes);
   }
   if (count == 0) return;
   Pixel rest[kWords] = {};
   __builtin_memcpy(rest, in, count * sizeof *in);
-  findMixes(mixes, rest, steps);
+  findMixes<isGuarded>(mixes, rest);
   mix(rest, mixes);
   __builtin_memcpy(out, rest, count * sizeof *out);
 }
@@ -149,89 +152,151 @@ __m128i fourPixels(const Entry* sums) {
 }
 #endif
 
-// ---- Tables of integers ----
+// Mixes with places in the table of doubles, and doubles.
+struct ExactMixes {
+  uint16_t place[4][kWords];
+  double weight[4][kWords];
 
-// Gathers four entries.
-__m128i fourEntries(const Pixel* cube, const uint16_t* places) {
-  const auto number = [=](size_t i) { return static_cast<int32_t>(cube[places[i]]); };
-  const auto entry = [=](size_t i) { return _mm_cvtsi32_si128(number(i)); };
-#ifdef __AVX2__
-  return _mm_insert_epi32(_mm_insert_epi32(_mm_insert_epi32(entry(0), number(1), 1), number(2), 2), number(3),
-                          3);
-#else
-  return _mm_unpacklo_epi64(_mm_unpacklo_epi32(entry(0), entry(1)), _mm_unpacklo_epi32(entry(2), entry(3)));
-#endif
-}
-
-// Gathers the entries of one half of the pixels.
-Words entries(const Pixel* cube, const uint16_t* places) {
-#if defined(__AVX512VBMI__)
-  __m512i all = _mm512_castsi128_si512(fourEntries(cube, places));
-  all = _mm512_maskz_inserti32x4(0xFFFF, all, fourEntries(cube, places + 8), 1);
-  all = _mm512_maskz_inserti32x4(0xFFFF, all, fourEntries(cube, places + 16), 2);
-  return reinterpret_cast<Words>(_mm512_maskz_inserti32x4(0xFFFF, all, fourEntries(cube, places + 24), 3));
-#elif defined(__AVX2__)
-  return reinterpret_cast<Words>(_mm256_inserti128_si256(_mm256_castsi128_si256(fourEntries(cube, places)),
-                                                         fourEntries(cube, places + 8), 1));
-#else
-  return reinterpret_cast<Words>(fourEntries(cube, places));
-#endif
-}
-
-// Sums of weighted entries in 17ths.
-struct Sums {
-  Words redBlue = {}, green = {};
-
-  void add(Words entries, Vector weights) {
-    redBlue += (entries & 0xFF) * reinterpret_cast<Words>(weights);
-    green += (entries >> 8) * reinterpret_cast<Words>(weights);
+  explicit ExactMixes(const Mixes& mixes) {
+    for (size_t c = 0; c < 4; ++c) {
+      Words node;
+      __builtin_memcpy(&node, mixes.corner[c], sizeof node);
+      constexpr uint16_t kSide = kCubeSide;
+      const Words r = node >> 8 & 15, g = node >> 4 & 15, b = node & 15;
+      const Words places = ((r * kSide + g) * kSide + b) * 3;
+      __builtin_memcpy(place[c], &places, sizeof places);
+      for (size_t i = 0; i < kWords; ++i) weight[c][i] = mixes.weight[c][i];
+    }
   }
-  // v * 61681 >> 20 is v / 17 up to 65535.
-  static Words seventeenth(Words sums) { return multiplyHigh(sums, all(61681)) >> 4; }
-  Vector pixels(uint32_t top) const {
-    const auto redBlues = reinterpret_cast<Pixels>(seventeenth(redBlue));
-    const auto greens = reinterpret_cast<Pixels>(seventeenth(green));
-    return reinterpret_cast<Vector>(redBlues | (greens << 8 & 0xFF00) | top);
+  Entry sum(const double* entries, size_t lane) const {
+    const auto part = [&](size_t c) { return weighted(entries + place[c][lane], &weight[c][lane]); };
+    return plus(plus(plus(part(0), part(1)), part(2)), part(3));
   }
 };
 
-}  // namespace
-
-void mapThroughCube(Pixel* out, const Pixel* in, size_t count, uint32_t top, const double* cube) {
-  constexpr Steps kSteps = {kCubeSide * kCubeSide * 3, kCubeSide * 3, 3};
-  static_assert(kSteps.red <= kStepMask);
+void mapExactly(Pixel* out, const Pixel* in, size_t count, uint32_t top, const double* entries) {
   const __m128i tops = _mm_set1_epi32(static_cast<int32_t>(top));
-  mapMixed(out, in, count, kSteps, [=](Pixel* to, const Mixes& mixes) {
-    double weight[4][kWords];
-    for (size_t c = 0; c < 4; ++c) {
-      for (size_t i = 0; i < kWords; ++i) weight[c][i] = mixes.weight[c][i];
-    }
-    const auto part = [&](size_t c, size_t i) { return weighted(cube + mixes.corner[c][i], &weight[c][i]); };
+  mapMixed<true>(out, in, count, [=](Pixel* to, const Mixes& mixes) {
+    const ExactMixes exact(mixes);
     for (size_t four = 0; four < kWords / 4; ++four) {
       Entry sums[4];
-      for (size_t i = 0; i < 4; ++i) {
-        const size_t lane = four * 4 + i;
-        sums[i] = plus(plus(plus(part(0, lane), part(1, lane)), part(2, lane)), part(3, lane));
-      }
+      for (size_t i = 0; i < 4; ++i) sums[i] = exact.sum(entries, four * 4 + i);
       _mm_storeu_si128(reinterpret_cast<__m128i*>(to + firstPixelOf(four)),
                        _mm_or_si128(fourPixels(sums), tops));
     }
   });
 }
 
-void mapThroughWholeCube(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Pixel* cube) {
-  constexpr Steps kSteps = {kWholeCubeSide * kWholeCubeSide, kWholeCubeSide, 1};
-  mapMixed(out, in, count, kSteps, [=](Pixel* to, const Mixes& mixes) {
-    Sums low, high;
-    for (size_t c = 0; c < 4; ++c) {
-      const auto weight = reinterpret_cast<Vector>(mixes.weight[c]);
-      low.add(entries(cube, mixes.corner[c]), ZVR_VECTOR(unpacklo_epi16)(weight, weight));
-      high.add(entries(cube, mixes.corner[c] + 4), ZVR_VECTOR(unpackhi_epi16)(weight, weight));
-    }
-    const Vector first = low.pixels(top), second = high.pixels(top);
-    __builtin_memcpy(to, &first, sizeof first);
-    __builtin_memcpy(to + kPixels, &second, sizeof second);
-  });
+// ---- Fixed point ----
+
+// A node in the lower half of each 128-bit lane.
+Vector nodesAt(const Cube& cube, const uint16_t* places) {
+  const auto node = [&](size_t lane) {
+    return reinterpret_cast<const __m128i*>(&cube.nodes[places[lane * 8]]);
+  };
+#if defined(__AVX512VBMI__)
+  __m512i all = _mm512_castsi128_si512(_mm_loadl_epi64(node(0)));
+  all = _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(1)), 1);
+  all = _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(2)), 2);
+  return _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(3)), 3);
+#elif defined(__AVX2__)
+  return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadl_epi64(node(0))), _mm_loadu_si128(node(1)),
+                                 1);
+#else
+  return _mm_loadl_epi64(node(0));
+#endif
+}
+
+// Element i of each 128-bit lane, throughout the lane.
+__attribute__((always_inline)) inline Vector fourthsOf(Vector v, size_t i) {
+  constexpr auto shuffled = [](Vector from, auto element) {
+    return ZVR_VECTOR(shuffle_epi32)(from, static_cast<_MM_PERM_ENUM>(element * 0x55));
+  };
+  using std::integral_constant;
+  return i == 0   ? shuffled(v, integral_constant<int, 0>())
+         : i == 1 ? shuffled(v, integral_constant<int, 1>())
+         : i == 2 ? shuffled(v, integral_constant<int, 2>())
+                  : shuffled(v, integral_constant<int, 3>());
+}
+
+// Bit i: whether any byte of pixel i is set.
+uint32_t pixelsSet(Vector v) {
+#if defined(__AVX512VBMI__)
+  return _mm512_test_epi32_mask(v, v);
+#elif defined(__AVX2__)
+  return ~static_cast<uint32_t>(_mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpeq_epi32(v, Vector{})))) &
+         0xFF;
+#else
+  return ~static_cast<uint32_t>(_mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(v, Vector{})))) & 0xF;
+#endif
+}
+
+// Computes those pixels whose bits are set in `unsure`.
+[[gnu::noinline]] void decide(Pixel* to, uint32_t unsure, const Mixes& mixes, uint32_t top,
+                              const double* entries) {
+  const ExactMixes exact(mixes);
+  for (; unsure != 0; unsure &= unsure - 1) {
+    const auto pixel = static_cast<size_t>(__builtin_ctz(unsure));
+    const size_t half = pixel / kPixels, four = pixel % kPixels / 4;
+    const Entry sum = exact.sum(entries, (four * 2 + half) * 4 + pixel % 4);
+    const Entry sums[4] = {sum, sum, sum, sum};
+    to[pixel] = static_cast<uint32_t>(_mm_cvtsi128_si32(fourPixels(sums))) | top;
+  }
+}
+
+void mapByNodes(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Cube& cube) {
+  // The fourth sum is far beyond the range, so that it gives the top byte.
+  const Vector start =
+      allLanes(_mm_setr_epi32(cube.start, cube.start, cube.start, top != 0 ? INT32_MAX / 2 : INT32_MIN / 2));
+  const Vector sure = allWords(0xFF00U | cube.sure);
+  const __m128i shift = _mm_cvtsi32_si128(cube.shift);
+  const Vector most = allWords(0x7F80);  // beyond the range the fraction is sure
+  mapMixed<false>(
+      out, in, count, [&](Pixel * to, const Mixes& mixes) __attribute__((always_inline)) {
+        uint32_t unsure = 0;
+        unroll<2>([&](size_t half) __attribute__((always_inline)) {
+          const auto weights = [&](size_t c) __attribute__((always_inline)) {
+            const auto first = reinterpret_cast<Vector>(mixes.weight[c]),
+                       second = reinterpret_cast<Vector>(mixes.weight[c + 1]);
+            return half == 0 ? ZVR_VECTOR(unpacklo_epi16)(first, second)
+                             : ZVR_VECTOR(unpackhi_epi16)(first, second);
+          };
+          const Vector near = weights(0), far = weights(2);
+          Vector sums[4];
+          unroll<4>([&](size_t i) __attribute__((always_inline)) {
+            const auto part = [&](size_t c, Vector weight) __attribute__((always_inline)) {
+              const Vector nodes =
+                  ZVR_VECTOR(unpacklo_epi16)(nodesAt(cube, mixes.corner[c] + half * 4 + i),
+                                             nodesAt(cube, mixes.corner[c + 1] + half * 4 + i));
+              return ZVR_VECTOR(madd_epi16)(nodes, fourthsOf(weight, i));
+            };
+            const Vector sum = ZVR_VECTOR(add_epi32)(part(0, near), part(2, far));
+            sums[i] = ZVR_VECTOR(sra_epi32)(ZVR_VECTOR(add_epi32)(sum, start), shift);
+          });
+          // Results in 256ths, 128 too low.
+          const auto results = [&](Vector a, Vector b) __attribute__((always_inline)) {
+            return ZVR_VECTOR(min_epi16)(ZVR_VECTOR(packs_epi32)(a, b), most);
+          };
+          const Vector low = results(sums[0], sums[1]), high = results(sums[2], sums[3]);
+          const Vector pixels =
+              ZVR_VECTOR(packs_epi16)(ZVR_VECTOR(srai_epi16)(low, 8), ZVR_VECTOR(srai_epi16)(high, 8));
+          store(to + half * kPixels, reinterpret_cast<Pixels>(pixels) ^ 0x80808080);
+          unsure |= pixelsSet(ZVR_VECTOR(packs_epi16)(ZVR_VECTOR(subs_epu8)(low, sure),
+                                                      ZVR_VECTOR(subs_epu8)(high, sure)))
+                    << half * kPixels;
+        });
+        if (unsure != 0) decide(to, unsure, mixes, top, cube.entries);
+      });
+}
+
+}  // namespace
+
+void mapThroughCube(Pixel* out, const Pixel* in, size_t count, uint32_t top, const Cube& cube) {
+  if (cube.hasNodes) {
+    mapByNodes(out, in, count, top, cube);
+  } else {
+    mapExactly(out, in, count, top, cube.entries);
+  }
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET
