@@ -20,6 +20,9 @@ using SpanMap = void(Pixel* out, const Pixel* in, size_t count, uint32_t top);
 using SpanUnpack = void(Pixel* out, const uint8_t* in, size_t count, uint32_t top);
 using SpanPack = void(uint8_t* out, const Pixel* in, size_t count);
 
+// Results of at least this many pixels are written past the caches. Smaller ones are faster in the caches.
+constexpr size_t kStreamingThreshold = 3 << 20;
+
 // Sets every word to `word`.
 using SpanFill = void(Pixel* out, size_t count, uint32_t word);
 
@@ -83,9 +86,10 @@ using SpanFind = size_t(const Pixel* in, size_t count, uint32_t color);
 // Whether two spans have the same colours.
 using SpanCompare = bool(const Pixel* in1, const Pixel* in2, size_t count);
 
-// Converts pixels to the cells of a map, one byte per cell, and cells to pixels.
-using SpanMark = void(uint8_t* cells, const Pixel* in, size_t count, uint8_t colored);
-using SpanDraw = void(Pixel* out, const uint8_t* cells, size_t count, uint8_t black, uint32_t top);
+// The index of the first pixel of `in` whose red, green and blue are not all equal, where `out` is not black;
+// `count` if there is none. `out` is black and white, or `in`.
+using SpanFindUncovered = size_t(const Pixel* in, const Pixel* out, size_t count);
+using SpanFindUncoveredRGB24 = size_t(const uint8_t* in, const uint8_t* out, size_t count);
 
 // Words with `searched`'s red, green and blue become `replacement`; others keep their colour, or become
 // `background`. The top bytes of the three colours are ignored.
@@ -151,6 +155,7 @@ using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, siz
   X(SpanMap, grayFromTop8) /* gray pixels from the top byte a */                              \
   X(SpanMap, grayFromTop7) /* the same from its lower 7 bits, as a * 2 + (a & 1) */           \
   X(SpanFill, fill)                                                                           \
+  X(SpanFill, streamFill)   /* the same past the caches */                                    \
   X(SpanMerge, redIntoBlue) /* copies the red of `in` into the blue of `out` */               \
   X(SpanMerge, invertedRedIntoBlue)                                                           \
   X(SpanMap2, max)             /* the larger value in each channel */                         \
@@ -165,8 +170,8 @@ using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, siz
   X(SpanCountBeyond, countColorful)                                                           \
   X(SpanFind, findColor)                                                                      \
   X(SpanCompare, areEqual)                                                                    \
-  X(SpanMark, markColored) /* `colored` unless red = green = blue, else 0 */                  \
-  X(SpanDraw, blackWhere)  /* black where a cell is `black`, else white */                    \
+  X(SpanFindUncovered, findUncovered)                                                         \
+  X(SpanFindUncoveredRGB24, findUncoveredRGB24)                                               \
   X(SpanReplaceColor, replaceColor)                                                           \
   X(SpanExtractColor, extractColor)                                                           \
   X(SpanSaturate, saturate)                                                                   \

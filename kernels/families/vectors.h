@@ -97,8 +97,6 @@ inline Pixels subtractSaturated(Pixels a, Pixels b) {
 constexpr size_t kCacheLine = 64;  // bytes
 // The hardware prefetcher stops at the end of a page; this distance reaches the pages after it. In bytes.
 constexpr size_t kPrefetchDistance = 16384;
-// Results of at least this many pixels use streaming stores. Smaller ones are faster in the caches.
-constexpr size_t kStreamingThreshold = 3 << 20;
 
 inline void prefetch(const void* at, size_t ahead = kPrefetchDistance) {
   __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
