@@ -55,12 +55,12 @@ RowRun on(kernels::SpanPack* Table::*slot) {
 RowRun on(kernels::SpanFill* Table::*slot) {
   return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.width, 0xFF3C78B4); };
 }
-RowRun on(kernels::SpanMark* Table::*slot) {
-  return [=](const Table& t, const Row& row) { (t.*slot)(row.outBytes(), row.photo, row.width, 1); };
+RowRun on(kernels::SpanFindUncovered* Table::*slot) {
+  return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.grays, row.photo, row.width); };
 }
-RowRun on(kernels::SpanDraw* Table::*slot) {
+RowRun on(kernels::SpanFindUncoveredRGB24* Table::*slot) {
   return [=](const Table& t, const Row& row) {
-    (t.*slot)(row.out, Row::bytesOf(row.photo), row.width, 1, kTop);
+    sink = (t.*slot)(Row::bytesOf(row.grays), Row::bytesOf(row.photo), row.width);
   };
 }
 RowRun on(kernels::SpanReplaceColor* Table::*slot) {

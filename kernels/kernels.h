@@ -13,7 +13,7 @@ namespace kernels {
 typedef uint32_t Pixel __attribute__((aligned(1), may_alias));
 
 // Where a kernel writes words, and how: streaming stores go past the caches. They save reading the lines
-// first, but pay only for results that no cache would hold. The caller ends them with a store fence.
+// first, but pay only for results that no cache would hold. After the last of them comes endStreaming.
 struct Output {
   Pixel* pixels;
   bool streams;
@@ -21,6 +21,8 @@ struct Output {
   Output(Pixel* to, bool streaming = false) : pixels(to), streams(streaming) {}
   operator Pixel*() const { return pixels; }
 };
+// Orders streaming stores for other threads.
+inline void endStreaming() { __builtin_ia32_sfence(); }
 
 // Computes out[i] from in[i]; `out` may be `in`. `top` (0 or 0xFF000000) is the top byte of every word
 // written.
@@ -31,7 +33,7 @@ using SpanUnpack = void(Output out, const uint8_t* in, size_t count, uint32_t to
 using SpanPack = void(uint8_t* out, const Pixel* in, size_t count, bool streams);
 
 // Sets every word to `word`.
-using SpanFill = void(Pixel* out, size_t count, uint32_t word);
+using SpanFill = void(Output out, size_t count, uint32_t word);
 
 // Copies part of each word of `in` into `out`, which is read and written.
 using SpanMerge = void(Pixel* out, const Pixel* in, size_t count);
@@ -93,9 +95,10 @@ using SpanFind = size_t(const Pixel* in, size_t count, uint32_t color);
 // Whether two spans have the same colours.
 using SpanCompare = bool(const Pixel* in1, const Pixel* in2, size_t count);
 
-// Converts pixels to the cells of a map, one byte per cell, and cells to pixels.
-using SpanMark = void(uint8_t* cells, const Pixel* in, size_t count, uint8_t colored);
-using SpanDraw = void(Pixel* out, const uint8_t* cells, size_t count, uint8_t black, uint32_t top);
+// The index of the first pixel of `in` whose red, green and blue are not all equal, where `out` is not black;
+// `count` if there is none. `out` is black and white, or `in`.
+using SpanFindUncovered = size_t(const Pixel* in, const Pixel* out, size_t count);
+using SpanFindUncoveredRGB24 = size_t(const uint8_t* in, const uint8_t* out, size_t count);
 
 // Words with `searched`'s red, green and blue become `replacement`; others keep their colour, or become
 // `background`. The top bytes of the three colours are ignored.
@@ -191,8 +194,8 @@ using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, siz
   X(SpanCountBeyond, countColorful)                                                           \
   X(SpanFind, findColor)                                                                      \
   X(SpanCompare, areEqual)                                                                    \
-  X(SpanMark, markColored) /* `colored` unless red = green = blue, else 0 */                  \
-  X(SpanDraw, blackWhere)  /* black where a cell is `black`, else white */                    \
+  X(SpanFindUncovered, findUncovered)                                                         \
+  X(SpanFindUncoveredRGB24, findUncoveredRGB24)                                               \
   X(SpanReplaceColor, replaceColor)                                                           \
   X(SpanExtractColor, extractColor)                                                           \
   X(SpanSaturate, saturate)                                                                   \

@@ -2,160 +2,341 @@
 
 #include <string.h>
 
-#include "frame/memory.h"
 #include "operations/operations.h"
 #include "picture/rows.h"
 
 namespace {
 
-enum Cell : uint8_t { kGray = 0, kColored = 1, kCovered = 2 };
+using kernels::Pixel;
 
-// Columns left .. right and rows top .. bottom of a map, inclusive.
+// Columns left .. right and rows top .. bottom, inclusive.
 struct Box {
-  ptrdiff_t left, top, right, bottom;
+  int32_t left, top, right, bottom;
+
+  bool hasRow(int32_t y) const { return y >= top && y <= bottom; }
 };
 
-// One cell per pixel, surrounded by a ring of gray sentinels so that a box can't grow out of the picture:
-// pixel (x, y) is the cell in column x + 1 of row y + 1.
-class ColorMap {
+int32_t smaller(int32_t a, int32_t b) { return a < b ? a : b; }
+int32_t larger(int32_t a, int32_t b) { return a > b ? a : b; }
+
+uint8_t* rowOf(const PictureEditor& editor, int32_t y) {
+  return editor.format == kFormatHostBitmap ? editor.rowTable[y] : rowAt(editor.firstRow, y, editor.rowBytes);
+}
+
+// A row of the source, and the same row of the result if that tells what is covered. Columns are the
+// result's.
+struct Row {
+  const uint8_t *in, *out;
+  int32_t inStep, outStep;  // bytes
+  int32_t end;              // of the columns that can be read
+
+  bool isColored(int32_t x) const {
+    const uint8_t* pixel = in + x * inStep;
+    return x < end && (pixel[0] != pixel[1] || pixel[1] != pixel[2]) && out[x * outStep] != 0;
+  }
+  // The first coloured pixel first <= x < last; `last` if there is none.
+  int32_t find(int32_t first, int32_t last) const {
+    // In a crowd of small areas the next one is near.
+    for (const int32_t near = smaller(last, first + 4); first < near; ++first) {
+      if (isColored(first)) return first;
+    }
+    return first < last ? findFar(first, last) : last;
+  }
+  int32_t findFar(int32_t first, int32_t last) const;
+};
+
+// The coloured pixels of a region that no box covers yet. There is no map: the source tells the colours, and
+// what is covered is black in the result. The rows of the result are written from top to bottom, each when a
+// box or the search reaches it; before that nothing in it is covered.
+class Areas {
  public:
-  ColorMap(int32_t width, int32_t height)
-      : stride_(ptrdiff_t{width} + 2),
-        size_((int64_t{width} + 2) * (int64_t{height} + 2)),
-        memory_(size_ + 2 * kMargin),
-        cells_(memory_ ? memory_.get() + kMargin : nullptr) {}
-  explicit operator bool() const { return static_cast<bool>(memory_); }
+  Areas(const PictureReader& source, PictureWriter& result, const Region& searched)
+      : region(searched.isEmpty() ? Region{} : searched),
+        source_(source),
+        result_(result),
+        isLarge_(Region::whole(result).isLarge()) {}
 
-  uint8_t* pixel(int32_t x, int32_t y) const { return row(ptrdiff_t{y} + 1) + x + 1; }
-  uint8_t* row(ptrdiff_t y) const { return cells_ + y * stride_; }
+  Row row(int32_t y) const;
+  void coverAll();
 
-  // The first coloured cell from `from` on in row order, or null. A null `from` means the first cell.
-  uint8_t* findColored(const uint8_t* from) const {
-    if (!from) from = cells_;
-    const auto left = static_cast<size_t>(cells_ + size_ - from);
-    return const_cast<uint8_t*>(static_cast<const uint8_t*>(memchr(from, kColored, left)));
+  const Region region;
+
+ private:
+  int32_t start(int32_t y);
+  void search(int32_t y, int32_t x);
+  void cover(const Box& box);
+  void fill(int32_t y, int32_t first, int32_t end, bool white, bool streams) const;
+
+  const PictureReader& source_;
+  PictureWriter& result_;
+  const bool isLarge_;
+  int32_t written_ = 0;  // rows of the result
+  // Large boxes: neither searched nor filled again.
+  static constexpr int32_t kMostKept = 8;
+  Box kept_[kMostKept];
+  int32_t keptCount_ = 0;
+};
+
+// Which columns beside a box have a coloured pixel in the box's rows. Reads strips of columns, and each pixel
+// once.
+class Side {
+ public:
+  // `seed`: the box's first row. direction: -1 for the left side, 1 for the right.
+  Side(const Areas& areas, const Row& seed, int32_t direction)
+      : areas_(areas), direction_(direction), likely_(seed) {}
+
+  // The box has got a row.
+  void addRow(const Row& row) {
+    for (int32_t x = first_; x < end_; ++x) {
+      if (!row.isColored(x)) continue;
+      found_[x - first_] = true;
+      likely_ = row;
+    }
   }
-  bool hasColored(ptrdiff_t y, ptrdiff_t left, ptrdiff_t end) const {
-    return left < end && memchr(row(y) + left, kColored, static_cast<size_t>(end - left));
-  }
-  Box at(const uint8_t* cell) const {
-    const ptrdiff_t offset = cell - cells_, x = offset % stride_, y = offset / stride_;
-    return {x, y, x, y};
-  }
-  void cover(const Box& box) const {
-    for (ptrdiff_t y = box.top; y <= box.bottom; ++y)
-      memset(row(y) + box.left, kCovered, static_cast<size_t>(box.right - box.left + 1));
+  bool hasColored(const Box& box, int32_t column) {
+    if (column < areas_.region.left || column >= areas_.region.right) return false;
+    if (likely_.isColored(column)) return true;
+    if (column < first_ || column >= end_) restart(box, column);
+    // From below: most areas are wider there.
+    while (!found_[column - first_]) {
+      if (top_ == box.top) return false;
+      addRow(areas_.row(--top_));
+    }
+    return true;
   }
 
  private:
-  // Lets callers read eight cells at once wherever they may read one.
-  static constexpr ptrdiff_t kMargin = 8;
+  // A box of few rows is not worth many columns.
+  void restart(const Box& box, int32_t column) {
+    const int32_t columns = smaller(kColumns, box.bottom - box.top + 1);
+    first_ = direction_ > 0 ? column : larger(column - columns + 1, areas_.region.left);
+    end_ = smaller(first_ + columns, areas_.region.right);
+    top_ = box.bottom + 1;
+    memset(found_, 0, sizeof found_);
+  }
 
-  ptrdiff_t stride_;
-  int64_t size_;
-  Scratch memory_;
-  uint8_t* cells_;
+  static constexpr int32_t kColumns = 16;
+
+  const Areas& areas_;
+  const int32_t direction_;
+  Row likely_;                   // one that had a coloured pixel
+  int32_t first_ = 0, end_ = 0;  // columns
+  int32_t top_ = 0;              // first of the rows that were read
+  bool found_[kColumns];
 };
 
-// Which of eight neighbouring columns have a coloured cell in a box's rows: the OR of eight cells per row. A
-// column outside the map contains cells of other rows, but no box gets that far.
-class Strip {
- public:
-  Strip(const ColorMap& map, const Box& box, ptrdiff_t first) : map_(map) { gather(box, first); }
-
-  void gather(const Box& box, ptrdiff_t first) {
-    first_ = first;
-    cells_ = 0;
-    for (ptrdiff_t y = box.top; y <= box.bottom; ++y) addRow(y);
-  }
-  void addRow(ptrdiff_t y) {
-    uint64_t eight;
-    memcpy(&eight, map_.row(y) + first_, sizeof eight);
-    cells_ |= eight;
-  }
-  bool covers(ptrdiff_t column) const { return column >= first_ && column < first_ + kColumns; }
-  bool hasColored(ptrdiff_t column) const { return (cells_ >> 8 * (column - first_) & kColored) != 0; }
-
-  static constexpr ptrdiff_t kColumns = 8;
-
- private:
-  const ColorMap& map_;
-  ptrdiff_t first_;
-  uint64_t cells_;
-};
-
-// Grows a box from one coloured cell and avoids repeated reads: cells of the row below that were found gray
+// Grows a box from one coloured pixel and avoids repeated reads: pixels of the row below that were found gray
 // are not read again until the box has moved down.
 class Growth {
  public:
-  Growth(const ColorMap& map, const Box& seed)
-      : map_(map),
-        box_(seed),
-        grayLeft_(seed.left),
-        grayEnd_(seed.left),
-        left_(map, seed, seed.left - Strip::kColumns),
-        right_(map, seed, seed.right + 1) {}
+  Growth(const Areas& areas, int32_t x, int32_t y, const Row& seed, const Row& below)
+      : areas_(areas),
+        box_{x, y, x, y},
+        grayLeft_(x),
+        grayEnd_(x),
+        below_(below),
+        left_(areas, seed, -1),
+        right_(areas, seed, 1) {}
 
-  // Each side moves by at most one cell per round, until none moves. Corners don't count. The top never
-  // moves: the seed is the first coloured cell of the map, so the rows above have none.
+  // Each side moves by at most one pixel per round, until none moves. Corners don't count. The top never
+  // moves: the seed is the first coloured pixel, so the rows above have none, nor has the pixel to its left.
   Box run() {
+    bool left = false, right = true;
     for (bool moved = true; moved;) {
-      const bool down = growDown(), left = growLeft(), right = growRight();
+      const bool down = growDown();
+      left = (left || down) && left_.hasColored(box_, box_.left - 1);
+      box_.left -= left;
+      right = (right || down) && right_.hasColored(box_, box_.right + 1);
+      box_.right += right;
       moved = down || left || right;
     }
     return box_;
   }
 
  private:
+  bool hasColored(int32_t left, int32_t end) const { return left < end && below_.find(left, end) < end; }
   bool growDown() {
-    const ptrdiff_t below = box_.bottom + 1, end = box_.right + 1;
-    if (!map_.hasColored(below, box_.left, grayLeft_) && !map_.hasColored(below, grayEnd_, end)) {
+    const int32_t end = box_.right + 1;
+    if (!hasColored(box_.left, grayLeft_) && !hasColored(grayEnd_, end)) {
       grayLeft_ = box_.left;
       grayEnd_ = end;
       return false;
     }
-    box_.bottom = below;
+    left_.addRow(below_);
+    right_.addRow(below_);
+    ++box_.bottom;
     grayLeft_ = grayEnd_ = box_.left;
-    left_.addRow(below);
-    right_.addRow(below);
+    below_ = areas_.row(box_.bottom + 1);
+    if (box_.left < box_.right) {
+      // The box will need these; rows are far from one another in memory.
+      const Row ahead = areas_.row(smaller(box_.bottom + kAhead, areas_.region.bottom));
+      __builtin_prefetch(ahead.in + (box_.left - 8) * ahead.inStep);
+      __builtin_prefetch(ahead.in + (box_.right + 8) * ahead.inStep);
+    }
     return true;
   }
 
-  bool growLeft() {
-    const ptrdiff_t column = box_.left - 1;
-    if (!left_.covers(column)) left_.gather(box_, column - Strip::kColumns + 1);
-    if (!left_.hasColored(column)) return false;
-    box_.left = column;
-    return true;
-  }
+  static constexpr int32_t kAhead = 5;
 
-  bool growRight() {
-    const ptrdiff_t column = box_.right + 1;
-    if (!right_.covers(column)) right_.gather(box_, column);
-    if (!right_.hasColored(column)) return false;
-    box_.right = column;
-    return true;
-  }
-
-  const ColorMap& map_;
+  const Areas& areas_;
   Box box_;
-  ptrdiff_t grayLeft_, grayEnd_;  // columns of the row below known to be gray
-  Strip left_, right_;
+  int32_t grayLeft_, grayEnd_;  // columns of the row below known to be gray
+  Row below_;
+  Side left_, right_;
 };
 
-// Marks the coloured pixels of a rectangle. It reads the given columns, but the picture's rows from row 0 on
-// instead of from `top`, on purpose.
-void mark(const ColorMap& map, PictureReader& source, const Region& region) {
-  if (region.isEmpty()) return;
-  RowSource row(source, {region.left, 0, region.right, region.bottom - region.top});
-  const auto width = static_cast<size_t>(region.right - region.left);
-  for (int32_t y = region.top; y < region.bottom; ++y, row.nextRow()) {
-    uint8_t* cells = map.pixel(region.left, y);
-    rows::scanRow(row, 0, width, [&](const kernels::Pixel* in, size_t count, size_t x) {
-      kernels::best().markColored(cells + x, in, count, kColored);
-      return true;
-    });
+int32_t Row::findFar(int32_t first, int32_t last) const {
+  const int32_t readable = smaller(last, end);
+  if (first >= readable) return last;
+  const auto count = static_cast<size_t>(readable - first);
+  const uint8_t *from = in + first * inStep, *to = outStep == 0 ? from : out + first * outStep;
+  size_t found = 0;
+  if (outStep != 0 && inStep != outStep) {
+    while (found < count && !isColored(first + static_cast<int32_t>(found))) ++found;
+  } else if (inStep == sizeof(Pixel)) {
+    found = kernels::best().findUncovered(reinterpret_cast<const Pixel*>(from),
+                                          reinterpret_cast<const Pixel*>(to), count);
+  } else {
+    found = kernels::best().findUncoveredRGB24(from, to, count);
   }
+  return found < count ? first + static_cast<int32_t>(found) : last;
+}
+
+// The picture's rows are read from row 0 on instead of from the region's top, and the left column lies 4
+// bytes a column from a row's start in every format; both on purpose.
+Row Areas::row(int32_t y) const {
+  static constexpr uint8_t kWhite = 255;
+  if (y == region.bottom) return {&kWhite, &kWhite, 0, 0, 0};
+  const int32_t step = source_.bytesPerPixel;
+  const uint8_t* left = rowOf(source_, y - region.top) + region.left * 4;
+  Row row{left - region.left * step, &kWhite, step, 0, region.right};
+  if (y < written_) {
+    row.out = rowOf(result_, y);
+    row.outStep = result_.bytesPerPixel;
+  }
+  if (step == sizeof(Pixel)) return row;
+  // Past the last row nothing can be read.
+  const auto start = reinterpret_cast<uintptr_t>(left),
+             end = reinterpret_cast<uintptr_t>(rowOf(source_, source_.height - 1) + source_.width * step);
+  const auto wanted = static_cast<uintptr_t>((region.right - region.left) * step);
+  if (start >= end) {
+    row.end = region.left;
+  } else if (end - start < wanted) {
+    row.end = region.left + static_cast<int32_t>(end - start) / step;
+  }
+  return row;
+}
+
+// Pixels of a row of the result.
+void Areas::fill(int32_t y, int32_t first, int32_t end, bool white, bool streams) const {
+  if (first >= end) return;
+  uint8_t* out = rowOf(result_, y) + first * result_.bytesPerPixel;
+  auto size = static_cast<size_t>(end - first) * static_cast<size_t>(result_.bytesPerPixel);
+  // A word of white RGB24 pixels is all ones, and one of black ones all zeros.
+  const uint32_t top = result_.hasWords() ? result_.topByte()
+                       : white            ? 0xFF000000
+                                          : 0,
+                 word = white ? top | 0xFFFFFF : top;
+  if (size > 32) {
+    const size_t words = size / sizeof word;
+    kernels::best().fill({reinterpret_cast<Pixel*>(out), streams}, words, word);
+    out += words * sizeof word;
+    size %= sizeof word;
+  }
+  for (; size >= sizeof word; size -= sizeof word, out += sizeof word) memcpy(out, &word, sizeof word);
+  for (; size > 0; --size) *out++ = static_cast<uint8_t>(word);
+}
+
+void Areas::cover(const Box& box) {
+  // A kept box that has ended, or that this one takes in.
+  int32_t i = 0;
+  while (i < keptCount_ && kept_[i].bottom >= box.top &&
+         (kept_[i].left < box.left || kept_[i].right > box.right))
+    ++i;
+  const Box black = i < keptCount_ ? kept_[i] : Box{0, 0, 0, -1};
+  const int32_t area = (box.right - box.left + 1) * (box.bottom - box.top + 1);
+  // Small boxes have neighbours that change the same rows.
+  const bool streams = isLarge_ && area >= 1 << 17;
+  for (int32_t y = box.top; y <= box.bottom; ++y) {
+    if (y >= written_) {
+      fill(y, 0, box.left, true, streams);
+      fill(y, box.right + 1, result_.width, true, streams);
+    }
+    const bool isPartBlack = black.hasRow(y);
+    if (isPartBlack) fill(y, box.left, black.left, false, streams);
+    fill(y, isPartBlack ? black.right + 1 : box.left, box.right + 1, false, streams);
+  }
+  written_ = larger(written_, box.bottom + 1);
+  if (area < 1 << 12) return;
+  if (i == kMostKept) --i;
+  if (i == keptCount_) ++keptCount_;
+  kept_[i] = box;
+}
+
+// Writes a row white, while it has no boxes. Returns the first coloured pixel; the region's right if none.
+int32_t Areas::start(int32_t y) {
+  constexpr int32_t kPiece = 1024;
+  int32_t x = 0, seed = region.right;
+  if (y >= region.top && y < region.bottom) {
+    const Row searched = row(y);
+    fill(y, 0, x = region.left, true, isLarge_);
+    // In pieces, so that reads and writes overlap.
+    for (int32_t end; x < region.right; x = end) {
+      end = smaller(x + kPiece, region.right);
+      const int32_t found = searched.findFar(x, end);
+      if (found < end) {
+        seed = found;
+        break;
+      }
+      fill(y, x, end, true, isLarge_);
+    }
+  }
+  fill(y, x, result_.width, true, isLarge_ && seed == region.right);
+  written_ = y + 1;
+  return seed;
+}
+
+// Covers what is coloured in a row from x on, where the rows above are done.
+void Areas::search(int32_t y, int32_t x) {
+  const Row searched = row(y);
+  Row below = row(y + 1);
+  while (x < region.right) {
+    int32_t end = region.right, skipped = x;
+    for (int32_t i = 0; i < keptCount_; ++i) {
+      const Box& box = kept_[i];
+      if (!box.hasRow(y) || box.right < x) continue;
+      if (box.left <= x)
+        skipped = larger(skipped, box.right + 1);
+      else
+        end = smaller(end, box.left);
+    }
+    if (skipped > x) {
+      x = skipped;
+      continue;
+    }
+    x = searched.find(x, end);
+    if (x == end) continue;
+    // In a crowd most boxes are single pixels.
+    if (!searched.isColored(x + 1) && !below.isColored(x)) {
+      fill(y, x, x + 1, false, false);
+      x += 2;
+      continue;
+    }
+    const Box box = Growth(*this, x, y, searched, below).run();
+    cover(box);
+    below = row(y + 1);
+    x = box.right + 2;  // the pixel between is gray, or the box would be wider
+  }
+}
+
+void Areas::coverAll() {
+  for (int32_t y = 0; y < result_.height; ++y) {
+    const bool isSearched = y >= region.top && y < region.bottom;
+    const int32_t x = y < written_ ? region.left : start(y);
+    if (isSearched) search(y, x);
+  }
+  kernels::endStreaming();
+  if (result_.losesFirstRow()) fill(0, 0, result_.width, false, false);
 }
 
 }  // namespace
@@ -166,19 +347,9 @@ REALpictureStruct* ExtractColorRectangleMaskZVR(REALpictureStruct* picture, int3
   if (!source.GetPictureReader(picture)) return nullptr;
   if (width < 0) width = source.width;
   if (height < 0) height = source.height;
-  const ColorMap map(source.width, source.height);
-  if (!map) return nullptr;
   PictureWriter result;
   if (!result.NewPictureWriter(source.width, source.height)) return nullptr;
-  mark(map, source, Region::cut(left, top, width, height, source));
-  // Everything before a seed is gray or covered, so the search resumes there.
-  for (const uint8_t* seed = nullptr; (seed = map.findColored(seed));) {
-    map.cover(Growth(map, map.at(seed)).run());
-  }
-  writeRegion(result, Region::whole(result),
-              [&](kernels::Output out, size_t count, uint32_t topByte, int32_t x, int32_t y) {
-                kernels::best().blackWhere(out, map.pixel(x, y), count, kCovered, topByte);
-              });
+  Areas(source, result, Region::cut(left, top, width, height, source)).coverAll();
   return result.RenderPictureWriter();
 }
 

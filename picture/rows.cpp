@@ -17,7 +17,6 @@ Extent cutExtent(int32_t start, int32_t length, int32_t limit) {
 }
 
 constexpr size_t kRGB24Size = 3;
-constexpr int64_t kLargePicture = 3 << 20;  // pixels
 
 // Rows of a host bitmap may lie anywhere, but often one lies after the other.
 bool areAdjacent(const PictureEditor& editor, const Region& region) {
@@ -106,10 +105,10 @@ RowTarget::RowTarget(PictureEditor& editor, const Region& region)
     : editor_(editor),
       offset_(leftOffset(region)),
       start_(firstRowOf(editor, region) + offset_),
-      isLarge_(int64_t{region.right - region.left} * (region.bottom - region.top) >= kLargePicture) {}
+      isLarge_(region.isLarge()) {}
 
 RowTarget::~RowTarget() {
-  if (isLarge_) __builtin_ia32_sfence();  // orders the streaming stores for other threads
+  if (isLarge_) kernels::endStreaming();
 }
 
 size_t RowTarget::firstTile() const {

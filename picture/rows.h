@@ -13,6 +13,8 @@ struct Region {
   int32_t left, top, right, bottom;
 
   bool isEmpty() const { return left >= right || top >= bottom; }
+  // Whether it has more pixels than the caches hold: then results go past them.
+  bool isLarge() const { return int64_t{right - left} * (bottom - top) >= 3 << 20; }
 
   static Region whole(const PictureEditor& editor) { return {0, 0, editor.width, editor.height}; }
   // Clips a rectangle to a picture. Its right and bottom edges count from the unclipped left and top.
@@ -75,7 +77,7 @@ class RowTarget {
   PictureEditor& editor_;
   size_t offset_;
   uint8_t* start_;
-  bool isLarge_;  // more than the caches hold
+  bool isLarge_;
   alignas(64) kernels::Pixel tile_[RowSource::kTile];
 };
 

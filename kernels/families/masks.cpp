@@ -18,8 +18,15 @@ void grayFromTop7(Output out, const Pixel* in, size_t count, uint32_t top) {
              [=](const Pixels(&p)[1]) { return gray((p[0] >> 23 & 0xFE) | (p[0] >> 24 & 1), top); });
 }
 
-void fill(Pixel* out, size_t count, uint32_t word) {
-  for (size_t i = 0; i < count; ++i) out[i] = word;
+void fill(Output out, size_t count, uint32_t word) {
+  size_t at = 0;
+  const size_t misalignment = reinterpret_cast<uintptr_t>(out.pixels) % kCacheLine;
+  const size_t head = (kCacheLine - misalignment) % kCacheLine / sizeof(Pixel);
+  if (out.streams && misalignment % sizeof(Pixel) == 0 && head < count) {
+    for (; at < head; ++at) out[at] = word;
+    for (const Vector words = allPixels(word); count - at >= kPixels; at += kPixels) stream(out + at, words);
+  }
+  for (Pixel* const to = out; at < count; ++at) to[at] = word;
 }
 
 void redIntoBlue(Pixel* out, const Pixel* in, size_t count) {

@@ -20,8 +20,9 @@ inline bool any(Pixels bits) {
 
 // state = fold(state, pixels) for all vectors of a line.
 template <typename Fold>
-__attribute__((always_inline)) inline Pixels foldLine(Pixels state, const Pixel* in, const Fold& fold) {
-  prefetch(in);
+__attribute__((always_inline)) inline Pixels foldLine(Pixels state, const Pixel* in, const Fold& fold,
+                                                      size_t ahead = kPrefetchDistance) {
+  prefetch(in, ahead);
   for (size_t i = 0; i < kLinePixels; i += kPixels) state = fold(state, load(in + i));
   return state;
 }
