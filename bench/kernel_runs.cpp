@@ -58,7 +58,7 @@ RowRun on(kernels::SpanMove* Table::*slot) {
   return [=](const Table& t, const Row& row) {
     kernels::Soon soon = {};
     for (uintptr_t& place : soon.places) place = reinterpret_cast<uintptr_t>(row.out + row.width);
-    (t.*slot)(row.outBytes(), row.outBytes() + sizeof(Pixel), (row.width - 1) * sizeof(Pixel), soon);
+    (t.*slot)(row.outBytes(), row.outBytes() + sizeof(Pixel), (row.width - 1) * sizeof(Pixel), &soon);
   };
 }
 RowRun on(kernels::SpanMark* Table::*slot) {

@@ -33,7 +33,7 @@ struct Soon {
 };
 // As memmove. Meanwhile fetches a part of about size / kPlaces bytes of each place into the cache, and
 // advances the places past these.
-using SpanMove = void(uint8_t* to, const uint8_t* from, size_t size, Soon& soon);
+using SpanMove = void(uint8_t* to, const uint8_t* from, size_t size, Soon* soon);
 
 // As SpanMap, from two or three inputs. The inputs may alias each other; `out` may be any of them.
 using SpanMap2 = void(Pixel* out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top);

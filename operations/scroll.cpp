@@ -80,18 +80,25 @@ struct Tour {
   }
 };
 
+// Smaller pictures mostly lie in the cache already.
+constexpr int64_t kFetchedFrom = 512 << 10;  // bytes
+
 // Tells a kernel which rows to fetch while it moves others: the four after the current four.
 class Fetcher {
  public:
-  // `tour` begins with the first row that is read, but never reads rows before `firstRead`.
+  // `tour` begins with the first row that is read, and rows before `firstRead` are never read.
   Fetcher(const Rows& rows, const Tour& tour, int32_t firstRead)
-      : rows_(rows), tour_(tour), firstRead_(firstRead) {
-    lookAhead();
+      : rows_(rows),
+        tour_(tour),
+        firstRead_(firstRead),
+        isUseful_(pixelBytes(rows.editor) * rows.editor.height >= kFetchedFrom) {
+    if (isUseful_) lookAhead();
   }
   // To be called for every row that is read.
-  kernels::Soon& forNextRow() {
+  kernels::Soon* forNextRow() {
+    if (!isUseful_) return nullptr;
     if (count_++ % kernels::kPlaces == 0) lookAhead();
-    return soon_;
+    return &soon_;
   }
 
  private:
@@ -106,6 +113,7 @@ class Fetcher {
   Rows rows_;
   Tour tour_;
   int32_t firstRead_;
+  bool isUseful_;
   size_t count_ = 0;
   kernels::Soon soon_ = {};
 };
@@ -123,7 +131,7 @@ bool moveSideways(PictureEditor& editor, int32_t delta, bool wrap) {
   Fetcher fetcher(rows, {editor.height, 1}, 0);
   for (int32_t y = 0; y < editor.height; ++y) {
     uint8_t* const row = rows.at(y);
-    kernels::Soon& soon = fetcher.forNextRow();
+    kernels::Soon* const soon = fetcher.forNextRow();
     if (wrap) move(saved.get(), shift < 0 ? row : row + others, uncovered, soon);
     move(shift < 0 ? row : row + uncovered, shift < 0 ? row + uncovered : row, others, soon);
     uint8_t* const free = shift < 0 ? row + others : row;
@@ -142,13 +150,14 @@ void moveUp(const Rows& rows, int32_t step, uint8_t* saved) {
   Tour tour{rows.editor.height, step}, read = tour;
   read.advance();
   Fetcher fetcher(rows, read, saved ? 0 : step);
+  const auto move = kernels::best().move;
   for (int32_t i = 0; i < rows.editor.height; ++i, tour.advance()) {
     const int32_t to = tour.y, from = tour.next();
     if (saved && to == tour.start) MoveMemory(saved, rows.at(to), rows.size(to));
     if (saved || from > to) {
       const size_t target = rows.size(to), source = rows.size(from);
-      kernels::best().move(rows.at(to), saved && from == tour.start ? saved : rows.at(from),
-                           target < source ? target : source, fetcher.forNextRow());
+      move(rows.at(to), saved && from == tour.start ? saved : rows.at(from),
+           target < source ? target : source, fetcher.forNextRow());
     } else {
       rows.whiten(to);
     }
