@@ -53,7 +53,7 @@ void move(uint8_t* to, const uint8_t* from, size_t size, Soon* soon) {
       fetch(soon);
       unroll<kPlaces>([&](size_t i) { moveLine(at + i * kCacheLine); });
     }
-    for (; at <= lastAt; at += kCacheLine) moveLine(at);
+    for (; at < lastAt; at += kCacheLine) moveLine(at);
   } else {
     size_t end = size - (address + size) % kCacheLine;
     for (; end >= kTurn; end -= kTurn) {
