@@ -55,6 +55,14 @@ RowRun on(kernels::SpanPack* Table::*slot) {
 RowRun on(kernels::SpanFill* Table::*slot) {
   return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.width, 0xFF3C78B4); };
 }
+// Within the row, which is fetched ahead.
+RowRun on(kernels::SpanMove* Table::*slot) {
+  return [=](const Table& t, const Row& row) {
+    kernels::Soon soon = {};
+    for (uintptr_t& place : soon.places) place = reinterpret_cast<uintptr_t>(row.out + row.width);
+    (t.*slot)(row.outBytes(), row.outBytes() + sizeof(Pixel), (row.width - 1) * sizeof(Pixel), &soon);
+  };
+}
 RowRun on(kernels::SpanFindUncovered* Table::*slot) {
   return [=](const Table& t, const Row& row) { sink = (t.*slot)(row.grays, row.photo, row.width); };
 }

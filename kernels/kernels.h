@@ -38,6 +38,15 @@ using SpanFill = void(Output out, size_t count, uint32_t word);
 // Copies part of each word of `in` into `out`, which is read and written.
 using SpanMerge = void(Pixel* out, const Pixel* in, size_t count);
 
+// Places that are needed soon, at any addresses. Memory delivers several streams faster than one.
+constexpr size_t kPlaces = 4;
+struct Soon {
+  uintptr_t places[kPlaces];
+};
+// As memmove. Meanwhile fetches a part of about size / kPlaces bytes of each place into the cache, and
+// advances the places past these.
+using SpanMove = void(uint8_t* to, const uint8_t* from, size_t size, Soon* soon);
+
 // As SpanMap, from two or three inputs. The inputs may alias each other; `out` may be any of them.
 using SpanMap2 = void(Output out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top);
 using SpanMap3 = void(Output out, const Pixel* in1, const Pixel* in2, const Pixel* in3, size_t count,
@@ -180,6 +189,7 @@ using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, siz
   X(SpanMap, grayFromTop8) /* gray pixels from the top byte a */                              \
   X(SpanMap, grayFromTop7) /* the same from its lower 7 bits, as a * 2 + (a & 1) */           \
   X(SpanFill, fill)                                                                           \
+  X(SpanMove, move)                                                                           \
   X(SpanMerge, redIntoBlue) /* copies the red of `in` into the blue of `out` */               \
   X(SpanMerge, invertedRedIntoBlue)                                                           \
   X(SpanMap2, max)             /* the larger value in each channel */                         \

@@ -1,9 +1,8 @@
 // Scrolls a picture's pixels in place: sideways, up or down.
 
-#include <numeric>
-
 #include "frame/held.h"
 #include "frame/memory.h"
+#include "kernels/kernels.h"
 #include "operations/operations.h"
 #include "picture/editor.h"
 
@@ -46,121 +45,135 @@ bool leavesNothing(int32_t delta, int32_t extent) { return delta >= extent || de
 
 int64_t pixelBytes(const PictureEditor& editor) { return int64_t{editor.width} * 4; }
 
-// The bytes that move with a row. Rows of a surface include their padding, but the bytes after the pixels of
-// the last row, or of any row of a host bitmap, may belong to others.
-size_t bytesOfRow(const PictureEditor& editor, int32_t y) {
-  const bool endsWithPixels = editor.format == kFormatHostBitmap || y == editor.height - 1;
-  return static_cast<size_t>(endsWithPixels ? pixelBytes(editor) : editor.rowBytes);
-}
+// The rows of a picture, counted from the top or from the bottom. Those of a host bitmap need not be
+// contiguous.
+struct Rows {
+  PictureEditor& editor;
+  bool fromBottom;
 
-void whitenRows(PictureEditor& editor, int32_t first, int32_t count) {
-  for (int32_t y = first; y < first + count; ++y) FillMemory(editor.GetRow(y), bytesOfRow(editor, y), kWhite);
-}
-
-// ---- Sideways ----
-
-// Moves the first `first` bytes of a row after the others. Saves the smaller of the two parts in `saved`.
-void rotateRow(uint8_t* row, size_t first, size_t size, uint8_t* saved) {
-  const size_t others = size - first;
-  if (first < others) {
-    MoveMemory(saved, row, first);
-    MoveMemory(row, row + first, others);
-    MoveMemory(row + others, saved, first);
-  } else {
-    MoveMemory(saved, row + first, others);
-    MoveMemory(row + others, row, first);
-    MoveMemory(row, saved, others);
+  int32_t placeOf(int32_t y) const { return fromBottom ? editor.height - 1 - y : y; }
+  uint8_t* at(int32_t y) const { return editor.GetRow(placeOf(y)); }
+  // The bytes that move with a row. Rows of a surface include their padding, but the bytes after the pixels
+  // of the last row, or of any row of a host bitmap, may belong to others.
+  size_t size(int32_t y) const {
+    const bool endsWithPixels = editor.format == kFormatHostBitmap || placeOf(y) == editor.height - 1;
+    return static_cast<size_t>(endsWithPixels ? pixelBytes(editor) : editor.rowBytes);
   }
+  void whiten(int32_t y) const { FillMemory(at(y), size(y), kWhite); }
+};
+
+bool whiten(PictureEditor& editor) {
+  for (int32_t y = 0; y < editor.height; ++y) Rows{editor, false}.whiten(y);
+  return true;
 }
 
-// The hardware prefetcher stops at the end of a page, and doesn't adapt when moves change direction.
-void prefetchRow(uintptr_t row, size_t size) {
-  for (size_t i = 0; i < size; i += 64) __builtin_prefetch(reinterpret_cast<void*>(row + i), 1);
-}
+// Visits every row, in rings: each row is followed by the one `step` below it, modulo the height. After the
+// last ring come some of them again.
+struct Tour {
+  int32_t height, step;  // 1 to `height`
+  int32_t start = 0, y = 0;
+
+  int32_t next() const { return y < height - step ? y + step : y - (height - step); }
+  void advance() {
+    y = next();
+    if (y == start) y = start = start + 1 < step ? start + 1 : 0;
+  }
+};
+
+// Smaller pictures mostly lie in the cache already.
+constexpr int64_t kFetchedFrom = 512 << 10;  // bytes
+
+// Tells a kernel which rows to fetch while it moves others: the four after the current four.
+class Fetcher {
+ public:
+  // `tour` begins with the first row that is read, and rows before `firstRead` are never read.
+  Fetcher(const Rows& rows, const Tour& tour, int32_t firstRead)
+      : rows_(rows),
+        tour_(tour),
+        firstRead_(firstRead),
+        isUseful_(pixelBytes(rows.editor) * rows.editor.height >= kFetchedFrom) {
+    if (isUseful_) lookAhead();
+  }
+  // To be called for every row that is read.
+  kernels::Soon* forNextRow() {
+    if (!isUseful_) return nullptr;
+    if (count_++ % kernels::kPlaces == 0) lookAhead();
+    return &soon_;
+  }
+
+ private:
+  void lookAhead() {
+    for (uintptr_t& place : soon_.places) {
+      while (tour_.y < firstRead_) tour_.advance();
+      place = reinterpret_cast<uintptr_t>(rows_.at(tour_.y));
+      tour_.advance();
+    }
+  }
+
+  Rows rows_;
+  Tour tour_;
+  int32_t firstRead_;
+  bool isUseful_;
+  size_t count_ = 0;
+  kernels::Soon soon_ = {};
+};
 
 bool moveSideways(PictureEditor& editor, int32_t delta, bool wrap) {
-  if (!wrap && leavesNothing(delta, editor.width)) {
-    whitenRows(editor, 0, editor.height);
-    return true;
-  }
+  if (!wrap && leavesNothing(delta, editor.width)) return whiten(editor);
   const int32_t shift = wrap ? turnOf(delta, editor.width) : delta;
-  Scratch saved(pixelBytes(editor));
+  Scratch saved(int64_t{editor.width / 2 + 1} * 4);
   // Out of memory the picture stays unchanged, and that counts as success, on purpose.
   if (shift == 0 || !saved) return true;
-  const auto size = static_cast<size_t>(pixelBytes(editor));
-  const auto uncovered = static_cast<size_t>(shift < 0 ? -shift : shift) * 4;
-  for (int32_t y = 0; y < editor.height; ++y, editor.AddPixelRow()) {
-    prefetchRow(reinterpret_cast<uintptr_t>(editor.row) + static_cast<uintptr_t>(editor.rowBytes), size);
-    rotateRow(editor.row, shift < 0 ? uncovered : size - uncovered, size, saved.get());
-    if (!wrap) FillMemory(shift < 0 ? editor.row + size - uncovered : editor.row, uncovered, kWhite);
-  }
-  return true;
-}
-
-// ---- Up and down ----
-
-// Rows don't overlap. `rep movsl` need not read the cache lines that it overwrites.
-void copyRow(uint8_t* to, const uint8_t* from, size_t size) {
-  size_t words = size / 4;
-  __asm__ volatile("rep movsl" : "+D"(to), "+S"(from), "+c"(words) : : "memory");
-  MoveMemory(to, from, size % 4);
-}
-
-// Row by row, because rows of a host bitmap need not be contiguous.
-void moveRow(PictureEditor& editor, int32_t to, int32_t from) {
-  const size_t target = bytesOfRow(editor, to), source = bytesOfRow(editor, from);
-  copyRow(editor.GetRow(to), editor.GetRow(from), target < source ? target : source);
-}
-
-void moveRows(PictureEditor& editor, int32_t to, int32_t from, int32_t count) {
-  for (int32_t i = 0; i < count; ++i) {
-    const int32_t step = to < from ? i : count - 1 - i;
-    moveRow(editor, to + step, from + step);
-  }
-}
-
-// Moves the first `first` rows after the others. Each row moves straight to its place, right after that
-// place's old row has moved to its own; so only one row of `saved`, which has room for many, is used.
-void rotateRows(PictureEditor& editor, int32_t first, uint8_t* saved) {
-  const int32_t others = editor.height - first, rings = std::gcd(first, others);
-  for (int32_t start = 0; start < rings; ++start) {
-    const size_t size = bytesOfRow(editor, start);
-    copyRow(saved, editor.GetRow(start), size);
-    int32_t to = start;
-    const auto next = [=](int32_t y) { return y < others ? y + first : y - others; };
-    for (int32_t from = next(to); from != start; from = next(to)) {
-      moveRow(editor, to, from);
-      to = from;
+  const auto uncovered = static_cast<size_t>(shift < 0 ? -shift : shift) * 4,
+             others = static_cast<size_t>(pixelBytes(editor)) - uncovered;
+  const auto move = kernels::best().move;
+  const Rows rows{editor, false};
+  Fetcher fetcher(rows, {editor.height, 1}, 0);
+  for (int32_t y = 0; y < editor.height; ++y) {
+    uint8_t* const row = rows.at(y);
+    kernels::Soon* const soon = fetcher.forNextRow();
+    if (wrap) move(saved.get(), shift < 0 ? row : row + others, uncovered, soon);
+    move(shift < 0 ? row : row + uncovered, shift < 0 ? row + uncovered : row, others, soon);
+    uint8_t* const free = shift < 0 ? row + others : row;
+    if (wrap) {
+      MoveMemory(free, saved.get(), uncovered);
+    } else {
+      FillMemory(free, uncovered, kWhite);
     }
-    const size_t target = bytesOfRow(editor, to);
-    copyRow(editor.GetRow(to), saved, target < size ? target : size);
   }
+  return true;
 }
 
-bool turnVertically(PictureEditor& editor, int32_t delta) {
-  const int32_t turn = turnOf(delta, editor.height);
-  if (turn == 0) return true;
-  const int32_t first = turn > 0 ? editor.height - turn : -turn;
-  // Allocates room for `first` rows when scrolling down but for the whole picture when scrolling up, on
-  // purpose: if that fails, nothing is scrolled.
-  Scratch saved(int64_t{turn > 0 ? first : editor.height} * editor.rowBytes);
-  if (!saved) return false;
-  rotateRows(editor, first, saved.get());
-  return true;
+// Moves rows up by `step`. Each moves straight to its place, right after that place's old row has moved to
+// its own, so that the place still lies in the cache. With `saved`, room for a row, rows wrap.
+void moveUp(const Rows& rows, int32_t step, uint8_t* saved) {
+  Tour tour{rows.editor.height, step}, read = tour;
+  read.advance();
+  Fetcher fetcher(rows, read, saved ? 0 : step);
+  const auto move = kernels::best().move;
+  for (int32_t i = 0; i < rows.editor.height; ++i, tour.advance()) {
+    const int32_t to = tour.y, from = tour.next();
+    if (saved && to == tour.start) MoveMemory(saved, rows.at(to), rows.size(to));
+    if (saved || from > to) {
+      const size_t target = rows.size(to), source = rows.size(from);
+      move(rows.at(to), saved && from == tour.start ? saved : rows.at(from),
+           target < source ? target : source, fetcher.forNextRow());
+    } else {
+      rows.whiten(to);
+    }
+  }
 }
 
 bool moveVertically(PictureEditor& editor, int32_t delta, bool wrap) {
-  if (wrap) return turnVertically(editor, delta);
-  const int32_t height = editor.height;
-  if (leavesNothing(delta, height)) {
-    whitenRows(editor, 0, height);
-  } else if (delta < 0) {
-    moveRows(editor, 0, -delta, height + delta);
-    whitenRows(editor, height + delta, -delta);
-  } else {
-    moveRows(editor, delta, 0, height - delta);
-    whitenRows(editor, 0, delta);
-  }
+  if (!wrap && leavesNothing(delta, editor.height)) return whiten(editor);
+  const int32_t shift = wrap ? turnOf(delta, editor.height) : delta;
+  if (shift == 0) return true;
+  Scratch saved;
+  // Asks for much more than the one row that is used, on purpose: for all rows but those that wrap when
+  // scrolling down and for the whole picture when scrolling up. If that fails, nothing is scrolled.
+  if (wrap && !saved.allocate(int64_t{shift > 0 ? editor.height - shift : editor.height} * editor.rowBytes))
+    return false;
+  moveUp({editor, shift > 0}, shift < 0 ? -shift : shift, saved.get());
   return true;
 }
 
