@@ -121,7 +121,7 @@ class Fetcher {
 bool moveSideways(PictureEditor& editor, int32_t delta, bool wrap) {
   if (!wrap && leavesNothing(delta, editor.width)) return whiten(editor);
   const int32_t shift = wrap ? turnOf(delta, editor.width) : delta;
-  Scratch saved(int64_t{editor.width / 2 + 1} * 4);
+  Scratch saved(pixelBytes(editor));
   // Out of memory the picture stays unchanged, and that counts as success, on purpose.
   if (shift == 0 || !saved) return true;
   const auto uncovered = static_cast<size_t>(shift < 0 ? -shift : shift) * 4,
