@@ -35,11 +35,16 @@ void sepiaBySmall(Output out, const Pixel* in, size_t count, uint32_t top, const
   const Vector green = allPixels(t.greenWeight & 0xFFFF);
   const auto word = [](uint32_t bits) { return static_cast<int16_t>(bits); };
   const int16_t r = word(t.red), g = word(t.green), b = word(t.blue);
-  const Vector tones = allLanes(_mm_setr_epi16(b, g, r, 0, b, g, r, 0));
-  const Vector color = allPixels(0xFFFFFF), tops = allPixels(top);
+  // Brightness is at most 24480 in magnitude: the top byte becomes 0 or 255 whatever it is.
+  const int16_t a = top == 0 ? -32768 : 32767;
+  const Vector tones = allLanes(_mm_setr_epi16(b, g, r, a, b, g, r, a));
   const auto toned = [&](Vector brightness) __attribute__((always_inline)) {
     return reinterpret_cast<Words>(ZVR_VECTOR(adds_epi16)(brightness, tones));
   };
+#ifdef __AVX2__
+  const Vector lowerPixels = allLanes(_mm_setr_epi8(0, 1, 0, 1, 0, 1, 0, 1, 4, 5, 4, 5, 4, 5, 4, 5)),
+               upperPixels = allLanes(_mm_setr_epi8(8, 9, 8, 9, 8, 9, 8, 9, 12, 13, 12, 13, 12, 13, 12, 13));
+#endif
   mapVectors(
       out, in, count, [&](Vector pixels) __attribute__((always_inline)) {
         const auto even = reinterpret_cast<Vector>(reinterpret_cast<Words>(pixels) & 0xFF);
@@ -49,12 +54,15 @@ void sepiaBySmall(Output out, const Pixel* in, size_t count, uint32_t top, const
         // Truncation toward zero: adds 1023 to negative sums before the shift.
         const Vector brightness = ZVR_VECTOR(srai_epi32)(
             ZVR_VECTOR(add_epi32)(sum, ZVR_VECTOR(srli_epi32)(ZVR_VECTOR(srai_epi32)(sum, 31), 22)), 10);
-        // Repeats each brightness four times.
-        const Vector once = ZVR_VECTOR(packs_epi32)(brightness, brightness),
-                     twice = ZVR_VECTOR(unpacklo_epi16)(once, once);
-        const Vector result = packed(toned(ZVR_VECTOR(unpacklo_epi32)(twice, twice)),
-                                     toned(ZVR_VECTOR(unpackhi_epi32)(twice, twice)));
-        return (result & color) | tops;
+    // Repeats each brightness four times.
+#ifdef __AVX2__
+        const Vector lower = ZVR_VECTOR(shuffle_epi8)(brightness, lowerPixels),
+                     upper = ZVR_VECTOR(shuffle_epi8)(brightness, upperPixels);
+#else
+        const Vector once = _mm_packs_epi32(brightness, brightness), twice = _mm_unpacklo_epi16(once, once);
+        const Vector lower = _mm_unpacklo_epi32(twice, twice), upper = _mm_unpackhi_epi32(twice, twice);
+#endif
+        return packed(toned(lower), toned(upper));
       });
 }
 

@@ -19,19 +19,16 @@ Floats allFloats(float value) { return ZVR_VECTOR(set1_ps)(value); }
 Floats toFloats(Vector ints) { return __builtin_convertvector(reinterpret_cast<Ints>(ints), Floats); }
 
 #if defined(__AVX512VBMI__)
-Floats min(Floats a, Floats b) { return _mm512_maskz_min_ps(0xFFFF, a, b); }
 Floats max(Floats a, Floats b) { return _mm512_maskz_max_ps(0xFFFF, a, b); }
 Vector minWords(Vector a, Vector b) { return _mm512_min_epu16(a, b); }
 bool isAnyLowerWordZero(Vector v) { return _mm512_testn_epi16_mask(v, v) & 0x55555555; }
 #elif defined(__AVX2__)
-Floats min(Floats a, Floats b) { return _mm256_min_ps(a, b); }
 Floats max(Floats a, Floats b) { return _mm256_max_ps(a, b); }
 Vector minWords(Vector a, Vector b) { return _mm256_min_epu16(a, b); }
 bool isAnyLowerWordZero(Vector v) {
   return _mm256_movemask_epi8(_mm256_cmpeq_epi16(v, Vector{})) & 0x33333333;
 }
 #else
-Floats min(Floats a, Floats b) { return _mm_min_ps(a, b); }
 Floats max(Floats a, Floats b) { return _mm_max_ps(a, b); }
 Vector minWords(Vector a, Vector b) { return _mm_sub_epi16(a, _mm_subs_epu16(a, b)); }
 bool isAnyLowerWordZero(Vector v) { return _mm_movemask_epi8(_mm_cmpeq_epi16(v, Vector{})) & 0x3333; }
@@ -86,9 +83,9 @@ constexpr WeightErrors kErrors;
 
 uint32_t commonDivisor(uint32_t a, uint32_t b) { return b == 0 ? a : commonDivisor(b, a % b); }
 
-// A bias in 65536ths that makes single precision right near integers too: it has the sign of D. That works if
-// the sign is the same for all pixels, because each term of D has it, and if the values of n lie far enough
-// apart. 0 where each pixel needs its own decision.
+// A bias in 65536ths that makes single precision right near integers too: it has the sign of D. A channel
+// below 0 is truncated to 0. That works if the sign is the same for all pixels, because each term of D has
+// it, and if the values of n lie far enough apart. 0 where each pixel needs its own decision.
 float leanOf(uint32_t gray, uint32_t sepia) {
   uint32_t distance = 65025;
   bool isUp = true, isDown = true, isExact = true;
@@ -109,6 +106,21 @@ float leanOf(uint32_t gray, uint32_t sepia) {
 
 // ---- Vectors ----
 
+// Pixels from channels, which saturate to 0..255.
+Vector joined(Ints red, Ints green, Ints blue, Vector tops) {
+  const Vector lower =
+      ZVR_VECTOR(packs_epi32)(reinterpret_cast<Vector>(blue), reinterpret_cast<Vector>(green));
+  const Vector upper = ZVR_VECTOR(packs_epi32)(reinterpret_cast<Vector>(red), tops);
+  const Vector bytes = ZVR_VECTOR(packus_epi16)(lower, upper);  // in each lane four of each channel
+#ifdef __AVX2__
+  const __m128i order = _mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
+  return ZVR_VECTOR(shuffle_epi8)(bytes, allLanes(order));
+#else
+  const auto interleaved = [](Vector v) { return _mm_unpacklo_epi8(v, _mm_unpackhi_epi64(v, v)); };
+  return interleaved(interleaved(bytes));
+#endif
+}
+
 // Weights in the layout of the multiply-add.
 struct Weights {
   Vector redBlue, green;
@@ -127,42 +139,40 @@ struct Weights {
 struct Share {
   Floats factor, lean, sepia, error;
 
-  Share(uint32_t share, float itsLean)
+  Share(uint32_t share, float itsLean, float units)
       // Rounded up to cover the rounding errors to come: no value falls below an integer that the exact one
       // reaches, and none exceeds the exact one by 4 / 65536.
-      : factor(allFloats(static_cast<float>(share * (65536 / 65025.0 * (1 + 0x1p-23))))),
-        lean(allFloats(itsLean)),
+      : factor(allFloats(static_cast<float>(share * (units / 65025.0 * (1 + 0x1p-23))))),
+        lean(allFloats(itsLean * (units / 65536))),
         sepia(allFloats(static_cast<float>(share))),
         error(allFloats(kErrors.of[share])) {}
 
-  // The channel in 65536ths.
-  Pixels of(Floats brightness) const {
-    const Floats value = min(brightness * factor + lean, allFloats(255.5F * 65536));
-    return reinterpret_cast<Pixels>(__builtin_convertvector(value, Ints));
-  }
+  // The channel in the units, not clamped.
+  Ints of(Floats brightness) const { return __builtin_convertvector(brightness * factor + lean, Ints); }
   // The channel as an integer; sets all bits of `unsure` where it may be off by one.
-  Pixels decided(Floats brightness, Floats weightErrors, Ints& unsure) const {
-    const Pixels value = of(brightness) >> 16;
+  Ints decided(Floats brightness, Floats weightErrors, Ints& unsure) const {
+    const Ints value = of(brightness) >> 16;
     const Floats remainder = brightness * sepia - toFloats(reinterpret_cast<Vector>(value)) * 65025;
     // Where the remainder is 0 this is D, within 1000; elsewhere it exceeds any D.
     const Floats side = remainder * 0x1p40F + (weightErrors * sepia + brightness * error);
-    constexpr float kSure = 0x1p22F;  // above 0.19 * n for all n that matter
+    constexpr float kSure = 0x1p22F;  // above 0.19 * n for all n that matter; above 255 the channel saturates
     unsure |= (side < kSure) & (side > -kSure);
-    return value + reinterpret_cast<Pixels>(side < 0);
+    return value + (side < 0);
   }
 };
 
+// `units`: how many are 1 in a channel, 65536 where it may be near an integer.
 struct Toner {
   Weights weights, errors;
   Share red, green, blue;
 
-  explicit Toner(const Tint& t)
+  Toner(const Tint& t, float units)
       : weights(static_cast<int32_t>(redOf(t.gray)), static_cast<int32_t>(greenOf(t.gray)),
                 static_cast<int32_t>(blueOf(t.gray))),
         errors(kErrors.of[redOf(t.gray)], kErrors.of[greenOf(t.gray)], kErrors.of[blueOf(t.gray)]),
-        red(redOf(t.sepia), t.lean[0]),
-        green(greenOf(t.sepia), t.lean[1]),
-        blue(blueOf(t.sepia), t.lean[2]) {}
+        red(redOf(t.sepia), t.lean[0], units),
+        green(greenOf(t.sepia), t.lean[1], units),
+        blue(blueOf(t.sepia), t.lean[2], units) {}
 
   // At least 128: lower values give 0 in all channels, as 128 does, but 128 is not near an integer.
   Floats brightnessOf(Vector pixels) const { return max(weights.sum(pixels), allFloats(128)); }
@@ -172,10 +182,10 @@ struct Toner {
 [[gnu::noinline]] Vector decide(Vector pixels, const Toner& toner, uint32_t top, Tint& tint) {
   const Floats brightness = toner.brightnessOf(pixels), errors = toner.errors.sum(pixels);
   Ints unsure{};
-  const Pixels red = toner.red.decided(brightness, errors, unsure);
-  const Pixels green = toner.green.decided(brightness, errors, unsure);
-  const Pixels blue = toner.blue.decided(brightness, errors, unsure);
-  Pixels result = red << 16 | green << 8 | blue | top;
+  const Ints red = toner.red.decided(brightness, errors, unsure);
+  const Ints green = toner.green.decided(brightness, errors, unsure);
+  const Ints blue = toner.blue.decided(brightness, errors, unsure);
+  auto result = reinterpret_cast<Pixels>(joined(red, green, blue, allPixels(top >> 24)));
   for (size_t i = 0; i < kPixels; ++i) {
     if (unsure[i]) result[i] = remembered(tint, reinterpret_cast<Pixels>(pixels)[i] & 0xFFFFFF) | top;
   }
@@ -191,18 +201,28 @@ void tint(Output out, const Pixel* in, size_t count, uint32_t top, Tint& tint) {
     tint.lean[2] = leanOf(tint.gray, blueOf(tint.sepia));
     tint.isPrepared = true;
   }
-  const Toner toner(tint);
+  const Vector tops = allPixels(top >> 24);
+  if (tint.lean[0] != 0 && tint.lean[1] != 0 && tint.lean[2] != 0) {
+    const Toner toner(tint, 1);
+    return mapVectors(
+        out, in, count, [&](Vector pixels) __attribute__((always_inline)) {
+          const Floats brightness = toner.weights.sum(pixels);
+          return joined(toner.red.of(brightness), toner.green.of(brightness), toner.blue.of(brightness),
+                        tops);
+        });
+  }
+  const Toner toner(tint, 65536);
   mapVectors(
       out, in, count, [&](Vector pixels) __attribute__((always_inline)) {
         const Floats brightness = toner.brightnessOf(pixels);
-        const Pixels red = toner.red.of(brightness), green = toner.green.of(brightness),
-                     blue = toner.blue.of(brightness);
+        const Ints red = toner.red.of(brightness), green = toner.green.of(brightness),
+                   blue = toner.blue.of(brightness);
         const Vector nearest =
             minWords(minWords(reinterpret_cast<Vector>(red), reinterpret_cast<Vector>(green)),
                      reinterpret_cast<Vector>(blue));
         if (isAnyLowerWordZero(ZVR_VECTOR(subs_epu16)(nearest, allWords(3))))
           return decide(pixels, toner, top, tint);
-        return reinterpret_cast<Vector>((red & 0xFF0000) | (green >> 8 & 0xFF00) | blue >> 16 | top);
+        return joined(red >> 16, green >> 16, blue >> 16, tops);
       });
 }
 
