@@ -44,9 +44,11 @@ inline uint32_t countWhere(const Pixel* in, size_t count, uint32_t failing, cons
   const auto fold = [&](Pixels passed, Pixels pixels) {
     return passed - reinterpret_cast<Pixels>(passes(pixels));
   };
-  Pixels passed{};
+  const size_t head = headOf(in, count);
+  Pixels passed = foldTail(Pixels{}, in, head, failing, fold);
   const size_t lines = inStreams<kReadStreams, kLinePixels>(
-      0, count, [&](size_t at) __attribute__((always_inline)) { passed = foldLine(passed, in + at, fold); });
+      head,
+      count, [&](size_t at) __attribute__((always_inline)) { passed = foldLine(passed, in + at, fold); });
   passed = foldTail(passed, in + lines, count - lines, failing, fold);
   uint32_t sum = 0;
   for (size_t i = 0; i < kPixels; ++i) sum += passed[i];
@@ -62,17 +64,18 @@ struct Part {
 template <typename Fold, typename Fails>
 inline Part findPart(const Pixel* in, size_t count, const Fold& fold, const Fails& fails) {
   constexpr size_t kFirst = 64, kLongest = kReadStreams * kLongestStream;
-  size_t from = 0;
-  for (size_t length = kFirst; from < count; length = length * 2 < kLongest ? length * 2 : kLongest) {
-    const size_t end = count - from < length ? count : from + length;
+  size_t from = 0, end = headOf(in, count), length = kFirst;
+  for (;;) {
     Pixels state{};
     const size_t lines = inStreams<kReadStreams, kLinePixels>(
         from, end, [&](size_t at) __attribute__((always_inline)) { state = foldLine(state, in + at, fold); });
     if (lines < end) state = foldTail(state, in + lines, end - lines, in[lines], fold);
     if (any(fails(state))) return {from, end};
+    if (end == count) return {count, count};
     from = end;
+    end = count - from < length ? count : from + length;
+    length = length * 2 < kLongest ? length * 2 : kLongest;
   }
-  return {count, count};
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

@@ -103,6 +103,12 @@ inline void prefetch(const void* at, size_t ahead = kPrefetchDistance) {
   __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(at) + ahead));
 }
 
+// The pixels from `at` to the next cache line, at most `count`: vectors that cross lines are slow.
+inline size_t headOf(const Pixel* at, size_t count) {
+  const size_t head = (0 - reinterpret_cast<uintptr_t>(at)) % kCacheLine / sizeof(Pixel);
+  return head < count ? head : count;
+}
+
 // Memory serves several sequential accesses far from each other faster than one. These are the longest and
 // the shortest distances between the streams that a span is split into, in pixels. The longest is no power of
 // two, so that streams don't compete for the same sets of the caches.
