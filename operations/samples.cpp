@@ -105,6 +105,11 @@ class Envelope {
       (*this)[x] = static_cast<double>(static_cast<long double>((*this)[x]) * factor / divisor);
     }
   }
+  // Distances from a row become rows. Positive ones lie below it; NaN lies far above it.
+  void countFrom(int32_t row) {
+    for (int32_t x = 0; x < width_; ++x) (*this)[x] = toInt32(static_cast<long double>(row) + (*this)[x]);
+  }
+  int32_t row(int32_t x) const { return static_cast<int32_t>((*this)[x]); }
 
  private:
   int32_t width_;
@@ -112,7 +117,7 @@ class Envelope {
 };
 
 // The means of the negative and of the positive excursions in each column's share of the samples; `fit` turns
-// them into distances from the centre line in pixels.
+// them into rows.
 struct Waveform {
   int32_t width, height, centre;
   Envelope negative, positive;
@@ -124,12 +129,13 @@ struct Waveform {
     double peak = 0;
     // A column of each quarter at a time: see kernels::SampleSums.
     const int32_t quarter = (width + 3) / 4;
+    Samples::Range ranges[kernels::kSampleSpans] = {};
     for (int32_t i = 0; i < quarter; ++i) {
-      Samples::Range ranges[kernels::kSampleSpans] = {};
       kernels::SpanExcursions sums;
       for (int32_t q = 0; q < 4; ++q) {
         const int32_t x = q * quarter + i;
-        if (x < width) ranges[q] = {boundary(x, count), boundary(x + 1, count)};
+        const int32_t start = i > 0 || x >= width ? ranges[q].end : boundary(x, count);
+        ranges[q] = {start, x < width ? boundary(x + 1, count) : start};
       }
       samples.sum(ranges, sums);
       for (int32_t q = 0; q < 4; ++q) {
@@ -162,10 +168,9 @@ struct Waveform {
     }
     negative.scale(height, fullScale);
     positive.scale(height, fullScale);
+    negative.countFrom(centre);
+    positive.countFrom(centre);
   }
-
-  // Positive values lie below the centre line; NaN lies far above it.
-  int32_t rowOf(double value) const { return toInt32(static_cast<long double>(centre) + value); }
 };
 
 // The bars of some neighbouring columns: the rows from the end of the negative bar, across the centre, to the
@@ -177,7 +182,7 @@ struct Bars {
     for (size_t i = 0; i < count; ++i) {
       const int32_t x = left + static_cast<int32_t>(i);
       first[i] = last[i] = wave.centre;
-      for (const int32_t row : {wave.rowOf(wave.negative[x]), wave.rowOf(wave.positive[x])}) {
+      for (const int32_t row : {wave.negative.row(x), wave.positive.row(x)}) {
         if (row < first[i]) first[i] = row;
         if (row > last[i]) last[i] = row;
       }
@@ -210,7 +215,7 @@ template <typename Draw>
 void traceOutline(const Waveform& wave, const Draw& draw) {
   int32_t fromX = 0, fromNegative = wave.centre, fromPositive = wave.centre;
   for (int32_t x = 0; x < wave.width; ++x) {
-    const int32_t toNegative = wave.rowOf(wave.negative[x]), toPositive = wave.rowOf(wave.positive[x]);
+    const int32_t toNegative = wave.negative.row(x), toPositive = wave.positive.row(x);
     draw(fromX, fromNegative, x, toNegative);
     draw(fromX, fromPositive, x, toPositive);
     fromX = x;
