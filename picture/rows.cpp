@@ -54,7 +54,7 @@ Region Region::cut(int32_t left, int32_t top, int32_t width, int32_t height, con
 
 bool rows::areContiguous(const PictureEditor& editor, const Region& region) {
   // Past its last row a picture repeats row 0.
-  return editor.hasWords() && editor.rowBytes == editor.width * 4 && region.left == 0 &&
+  return editor.rowBytes == int64_t{editor.width} * editor.GetBytesPerPixel() && region.left == 0 &&
          region.right == editor.width && region.bottom <= editor.height &&
          (editor.format != kFormatHostBitmap || areAdjacent(editor, region));
 }
