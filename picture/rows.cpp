@@ -112,11 +112,10 @@ RowTarget::~RowTarget() {
   if (isLarge_) __builtin_ia32_sfence();  // orders the streaming stores for other threads
 }
 
-size_t RowTarget::firstTile() const {
+size_t RowTarget::head() const {
   constexpr size_t kLine = 64, kInverse = 43;  // 3 * 43 is 1 modulo 64
   static_assert(RowSource::kTile * kRGB24Size % kLine == 0);
-  const size_t head = (0 - reinterpret_cast<uintptr_t>(start_)) * kInverse % kLine;
-  return head > 0 ? head : RowSource::kTile;
+  return isLarge_ ? (0 - reinterpret_cast<uintptr_t>(start_)) * kInverse % kLine : 0;
 }
 
 void RowTarget::finish(size_t first, size_t count) {

@@ -1,6 +1,6 @@
 // Rows of pixels as packed words. An operation names a region and a kernel for spans of words; this layer
 // handles the pixel formats: words go to the kernel in place, RGB24 pixels go through a tile that stays in
-// the first-level cache.
+// the first-level cache, or to a kernel of their own.
 #pragma once
 
 #include <utility>
@@ -79,8 +79,9 @@ class RowTarget {
     return {reinterpret_cast<kernels::Pixel*>(start_ + offset), isLarge_};
   }
   void finish(size_t first, size_t count);
-  // The size of the first tile: RGB24 pixels after it begin a cache line, as streaming stores need it.
-  size_t firstTile() const;
+  // The number of RGB24 pixels before one that begins a cache line, as streaming stores need it; 0 if there
+  // will be none.
+  size_t head() const;
 
  private:
   PictureEditor& editor_;
@@ -123,7 +124,7 @@ void mapRow(RowTarget& target, [[maybe_unused]] RowSource* sources, size_t width
             std::index_sequence<i...>) {
   const bool direct = target.isDirect() && (sources[i].isDirect(width) && ...);
   for (size_t first = 0, count; first < width; first += count) {
-    const size_t most = direct ? width : first == 0 ? target.firstTile() : RowSource::kTile;
+    const size_t most = direct ? width : first < target.head() ? target.head() : RowSource::kTile;
     count = width - first < most ? width - first : most;
     kernel(target.span(first), sources[i].span(first, count)..., count, target.topByte());
     target.finish(first, count);
@@ -136,9 +137,11 @@ void mapRow(RowTarget& target, RowSource* sources, size_t width, const BothForma
             std::index_sequence<i...> all) {
   if (!target.isDirectRGB24() || !(sources[i].isDirectRGB24(width) && ...))
     return mapRow(target, sources, width, kernels.words, all);
-  const size_t tile = target.firstTile(), head = tile < width ? tile : width;
-  kernels.rgb24(target.inPlace(0), sources[i].inPlace(0)..., head, 0);
-  kernels.rgb24(target.inPlace(head), sources[i].inPlace(head)..., width - head, 0);
+  const size_t head = target.head();
+  for (size_t first = 0, count; first < width; first += count) {
+    count = (first < head && head < width ? head : width) - first;
+    kernels.rgb24(target.inPlace(first), sources[i].inPlace(first)..., count, 0);
+  }
 }
 
 // Passes the pixels first <= x < end of a row to a kernel: kernel(const Pixel* in, size_t count, size_t x)

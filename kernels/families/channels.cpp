@@ -3,25 +3,6 @@
 #include "kernels/families/maps.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
-namespace {
-
-// Every third byte, from the third on.
-struct Thirds {
-  uint8_t at[2 + 3 * sizeof(Vector)];
-  constexpr Thirds() : at() {
-    for (size_t i = 2; i < sizeof at; i += 3) at[i] = 255;
-  }
-};
-constexpr Thirds kThirds;
-
-// The bytes of a channel, 0 to 2, in the vector at a place.
-Vector bytesFrom(size_t channel, size_t place) {
-  Vector bytes;
-  __builtin_memcpy(&bytes, kThirds.at + 2 - channel + place * sizeof bytes, sizeof bytes);
-  return bytes;
-}
-
-}  // namespace
 
 void max(Output out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top) {
   mapLightly(out, {in1, in2}, count, [=](const Pixels(&p)[2]) { return (max(p[0], p[1]) & 0xFFFFFF) | top; });
@@ -41,7 +22,7 @@ void combineChannels(Output out, const Pixel* red, const Pixel* green, const Pix
 void combineRGB24(Output out, const Pixel* red, const Pixel* green, const Pixel* blue, size_t count,
                   uint32_t) {
   mapRGB24(out, {red, green, blue}, count, [](const Vector(&v)[3], size_t place) {
-    return (v[0] & bytesFrom(0, place)) | (v[1] & bytesFrom(1, place)) | (v[2] & bytesFrom(2, place));
+    return (v[0] & channelAt(place, 0)) | (v[1] & channelAt(place, 1)) | (v[2] & channelAt(place, 2));
   });
 }
 

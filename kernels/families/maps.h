@@ -17,8 +17,8 @@ __attribute__((always_inline)) inline void unroll(const Step& step) {
   unroll(std::make_index_sequence<n>(), step);
 }
 
-inline const uint8_t* bytesOf(const Pixel* pixels) { return reinterpret_cast<const uint8_t*>(pixels); }
-inline uint8_t* bytesOf(Pixel* pixels) { return reinterpret_cast<uint8_t*>(pixels); }
+inline const uint8_t* bytes(const Pixel* pixels) { return reinterpret_cast<const uint8_t*>(pixels); }
+inline uint8_t* bytes(Pixel* pixels) { return reinterpret_cast<uint8_t*>(pixels); }
 
 // Maps `period` blocks of n vectors of each source that begin `from` bytes after the pixels.
 template <size_t n, size_t period, bool streaming, size_t sources, typename Map>
@@ -28,11 +28,11 @@ __attribute__((always_inline)) inline void mapPeriod(Pixel* out, const Pixel* co
     const size_t at = from + place * n * sizeof(Vector);
     Vector block[sources * n];
     unroll<sources * n>([&](size_t i) __attribute__((always_inline)) {
-      block[i] = reinterpret_cast<Vector>(load(bytesOf(in[i / n]) + at + i % n * sizeof(Vector)));
+      block[i] = reinterpret_cast<Vector>(load(bytes(in[i / n]) + at + i % n * sizeof(Vector)));
     });
     map(block, place);
     unroll<n>([&](size_t i) __attribute__((always_inline)) {
-      uint8_t* to = bytesOf(out) + at + i * sizeof(Vector);
+      uint8_t* to = bytes(out) + at + i * sizeof(Vector);
       if (streaming) {
         stream(to, block[i]);
       } else {
@@ -51,19 +51,19 @@ __attribute__((always_inline)) inline void mapPartial(Pixel* out, const Pixel* c
   if constexpr (n * period == 1) {
     Vector block[sources];
     const auto few = static_cast<__mmask16>((1U << size / sizeof(Pixel)) - 1);
-    for (size_t k = 0; k < sources; ++k) block[k] = _mm512_maskz_loadu_epi32(few, bytesOf(in[k]) + from);
+    for (size_t k = 0; k < sources; ++k) block[k] = _mm512_maskz_loadu_epi32(few, bytes(in[k]) + from);
     map(block, 0);
-    return _mm512_mask_storeu_epi32(bytesOf(out) + from, few, block[0]);
+    return _mm512_mask_storeu_epi32(bytes(out) + from, few, block[0]);
   }
 #endif
   Vector padded[sources][n * period] = {};
   const Pixel* copies[sources];
   for (size_t k = 0; k < sources; ++k) {
-    __builtin_memcpy(padded[k], bytesOf(in[k]) + from, size);
+    __builtin_memcpy(padded[k], bytes(in[k]) + from, size);
     copies[k] = reinterpret_cast<const Pixel*>(padded[k]);
   }
   mapPeriod<n, period, false>(reinterpret_cast<Pixel*>(padded[0]), copies, 0, map);
-  __builtin_memcpy(bytesOf(out) + from, padded[0], size);
+  __builtin_memcpy(bytes(out) + from, padded[0], size);
 }
 
 // Maps the bytes from .. end - 1.
@@ -85,7 +85,7 @@ __attribute__((always_inline)) inline size_t streamRange(Pixel* out, const Pixel
   return inStreams<2, kStep, 1>(
       from, end, [&](size_t at) __attribute__((always_inline)) {
         unroll<sources * kLines>([&](size_t i) __attribute__((always_inline)) {
-          prefetch(bytesOf(in[i % sources]) + at + i / sources * kCacheLine);
+          prefetch(bytes(in[i % sources]) + at + i / sources * kCacheLine);
         });
         for (size_t i = 0; i < kStep; i += period * n * sizeof(Vector))
           mapPeriod<n, period, true>(out, in, at + i, map);
@@ -126,6 +126,22 @@ __attribute__((always_inline)) inline void mapRGB24(Output out, const Pixel* con
       out, in, count * 3, [&](Vector(&block)[sources], size_t place) __attribute__((always_inline)) {
         block[0] = map(block, place);
       });
+}
+
+// Every third byte, from the third on.
+struct Thirds {
+  uint8_t at[2 + 3 * sizeof(Vector)];
+  constexpr Thirds() : at() {
+    for (size_t i = 2; i < sizeof at; i += 3) at[i] = 255;
+  }
+};
+constexpr Thirds kThirds;
+
+// The bytes of a channel, 0 to 2 for red, green and blue, in the vector at a place.
+inline Vector channelAt(size_t place, size_t channel) {
+  Vector bits;
+  __builtin_memcpy(&bits, kThirds.at + 2 - channel + place * sizeof bits, sizeof bits);
+  return bits;
 }
 
 // A vector of each source at a time: map(Pixels (&)[sources]) returns the new pixels.

@@ -49,22 +49,23 @@ void mapPiecewiseLinear(Output out, const Pixel* in, size_t count, uint32_t top,
 }
 
 void mapPiecewiseLinearRGB24(Output out, const Pixel* in, size_t count, uint32_t, const LinearMaps& maps) {
-  // Lines for halves whose lanes begin with red, green, blue, red …; with green …; with blue ….
-  Lines lines[3];
-  for (size_t first = 0; first < 3; ++first) {
-    lines[first] = linesOf(maps, [=](int16_t r, int16_t g, int16_t b) {
-      const int16_t inTurn[] = {r, g, b, r, g, b, r, g, b, r};
-      Words words;
-      for (size_t lane = 0; lane < sizeof words / 16; ++lane)
-        __builtin_memcpy(reinterpret_cast<uint8_t*>(&words) + lane * 16, inTurn + (first + lane) % 3, 16);
-      return words;
+  Lines lines[3];  // for the lower half of the vector at each place
+  for (size_t place = 0; place < 3; ++place) {
+    lines[place] = linesOf(maps, [=](int16_t r, int16_t g, int16_t b) {
+      const int16_t words[] = {r, g, b};
+      Vector all{};
+      for (size_t channel = 0; channel < 3; ++channel) {
+        const Vector bits = channelAt(place, channel);
+        all |= reinterpret_cast<Vector>(lowerWords(bits, bits)) & ZVR_VECTOR(set1_epi16)(words[channel]);
+      }
+      return reinterpret_cast<Words>(all);
     });
   }
   mapRGB24(
       out, {in}, count,
       [&, shift = maps.shift ](const Vector(&v)[1], size_t place) __attribute__((always_inline)) {
-        const size_t first = place * sizeof(Vector) % 3;
-        return mapped(v[0], lines[first], lines[(first + 8) % 3], shift);
+        // 8 bytes on, channels are as in the lower half of another vector: its size is 1 or -1 modulo 3.
+        return mapped(v[0], lines[place], lines[(place + 8 * sizeof(Vector)) % 3], shift);
       });
 }
 
