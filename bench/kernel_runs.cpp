@@ -37,11 +37,6 @@ RowRun on(kernels::SpanMap3* Table::*slot) {
     (t.*slot)(row.out, row.photo, row.otherPhoto, row.grays, row.width, kTop);
   };
 }
-RowRun on(kernels::SpanReplace* Table::*slot) {
-  return [=](const Table& t, const Row& row) {
-    (t.*slot)(row.out, row.photo, row.otherPhoto, row.width, kTop, 0xFF00);
-  };
-}
 RowRun on(kernels::SpanMerge* Table::*slot) {
   return [=](const Table& t, const Row& row) { (t.*slot)(row.out, row.photo, row.width); };
 }

@@ -28,6 +28,9 @@ inline void endStreaming() { __builtin_ia32_sfence(); }
 // written.
 using SpanMap = void(Output out, const Pixel* in, size_t count, uint32_t top);
 
+// Kernels named …RGB24 compute the same from and to RGB24 pixels: bytes red, green, blue, at the addresses
+// given for words. They don't use `top`. Streaming stores only if `out` begins a cache line.
+
 // Converts RGB24 pixels (bytes red, green, blue) to words with a top byte, and back.
 using SpanUnpack = void(Output out, const uint8_t* in, size_t count, uint32_t top);
 using SpanPack = void(uint8_t* out, const Pixel* in, size_t count, bool streams);
@@ -51,9 +54,6 @@ using SpanMove = void(uint8_t* to, const uint8_t* from, size_t size, Soon* soon)
 using SpanMap2 = void(Output out, const Pixel* in1, const Pixel* in2, size_t count, uint32_t top);
 using SpanMap3 = void(Output out, const Pixel* in1, const Pixel* in2, const Pixel* in3, size_t count,
                       uint32_t top);
-// Replaces `bits` (below the top byte) of `in`'s words with those of `from`'s.
-using SpanReplace = void(Output out, const Pixel* in, const Pixel* from, size_t count, uint32_t top,
-                         uint32_t bits);
 
 // A lookup table for each channel. `placed` holds the same entries shifted to their place in a pixel; fill it
 // with placeEntries from kernels/channel_tables.h.
@@ -184,7 +184,8 @@ using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, siz
 #define ZVR_KERNELS(X)                                                                        \
   X(SpanUnpack, unpackRGB24)                                                                  \
   X(SpanPack, packRGB24)                                                                      \
-  X(SpanMap, invert)       /* 255 - v in each channel */                                      \
+  X(SpanMap, invert) /* 255 - v in each channel */                                            \
+  X(SpanMap, invertRGB24)                                                                     \
   X(SpanMap, invertGray)   /* the same where red = green = blue; other pixels stay */         \
   X(SpanMap, grayFromTop8) /* gray pixels from the top byte a */                              \
   X(SpanMap, grayFromTop7) /* the same from its lower 7 bits, as a * 2 + (a & 1) */           \
@@ -192,11 +193,13 @@ using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, siz
   X(SpanMove, move)                                                                           \
   X(SpanMerge, redIntoBlue) /* copies the red of `in` into the blue of `out` */               \
   X(SpanMerge, invertedRedIntoBlue)                                                           \
-  X(SpanMap2, max)             /* the larger value in each channel */                         \
+  X(SpanMap2, max) /* the larger value in each channel */                                     \
+  X(SpanMap2, maxRGB24)                                                                       \
   X(SpanMap3, combineChannels) /* red of the first, green of the second, blue of the third */ \
-  X(SpanReplace, replaceBits)                                                                 \
+  X(SpanMap3, combineRGB24)                                                                   \
   X(SpanLookup, mapThroughTables)                                                             \
   X(SpanLinear, mapPiecewiseLinear)                                                           \
+  X(SpanLinear, mapPiecewiseLinearRGB24)                                                      \
   X(SpanCount, countColor)                                                                    \
   X(SpanHistogram, histogram)                                                                 \
   X(SpanIsColor, isAllColor)                                                                  \

@@ -7,8 +7,9 @@ namespace {
 
 // A result like the source, with the rectangle written by the kernel. A width or height below `leastSide`
 // means the whole picture's.
+template <typename Kernel>
 REALpictureStruct* invertRegion(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width,
-                                int32_t height, int32_t leastSide, kernels::SpanMap* kernel) {
+                                int32_t height, int32_t leastSide, const Kernel& kernel) {
   PictureReader source;
   if (!source.GetPictureReader(picture)) return nullptr;
   if (width < leastSide) width = source.width;
@@ -23,7 +24,8 @@ REALpictureStruct* invertRegion(REALpictureStruct* picture, int32_t left, int32_
 
 REALpictureStruct* InvertPicture(REALpictureStruct* picture, int32_t left, int32_t top, int32_t width,
                                  int32_t height) {
-  return invertRegion(picture, left, top, width, height, 1, kernels::best().invert);
+  const BothFormats invert{kernels::best().invert, kernels::best().invertRGB24};
+  return invertRegion(picture, left, top, width, height, 1, invert);
 }
 
 REALpictureStruct* InvertPicture2(REALpictureStruct* picture) { return InvertPicture(picture, 0, 0, -1, -1); }

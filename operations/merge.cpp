@@ -17,7 +17,8 @@ REALpictureStruct* MergePicture(REALpictureStruct* source1, REALpictureStruct* s
   if (!first.GetPictureReader(source1) || !second.GetPictureReader(source2)) return nullptr;
   PictureWriter result;
   if (!sameSize(first, second) || !result.NewPictureWriter(first.width, first.height)) return nullptr;
-  mapRegion(result, Region::whole(result), kernels::best().max, first, second);
+  const BothFormats brighter{kernels::best().max, kernels::best().maxRGB24};
+  mapRegion(result, Region::whole(result), brighter, first, second);
   return result.RenderPictureWriter();
 }
 
@@ -33,6 +34,7 @@ REALpictureStruct* CombinePicturesZVR(REALpictureStruct* red, REALpictureStruct*
       !result.NewPictureWriter(reds.width, reds.height)) {
     return nullptr;
   }
-  mapRegion(result, Region::whole(result), kernels::best().combineChannels, reds, greens, blues);
+  const BothFormats combine{kernels::best().combineChannels, kernels::best().combineRGB24};
+  mapRegion(result, Region::whole(result), combine, reds, greens, blues);
   return result.RenderPictureWriter();
 }

@@ -53,7 +53,7 @@ Region Region::cut(int32_t left, int32_t top, int32_t width, int32_t height, con
 
 bool rows::areContiguous(const PictureEditor& editor, const Region& region) {
   // Past its last row a picture repeats row 0.
-  return editor.hasWords() && editor.rowBytes == editor.width * 4 && region.left == 0 &&
+  return editor.rowBytes == int64_t{editor.width} * editor.GetBytesPerPixel() && region.left == 0 &&
          region.right == editor.width && region.bottom <= editor.height &&
          (editor.format != kFormatHostBitmap || areAdjacent(editor, region));
 }
@@ -111,11 +111,10 @@ RowTarget::~RowTarget() {
   if (isLarge_) kernels::endStreaming();
 }
 
-size_t RowTarget::firstTile() const {
+size_t RowTarget::head() const {
   constexpr size_t kLine = 64, kInverse = 43;  // 3 * 43 is 1 modulo 64
   static_assert(RowSource::kTile * kRGB24Size % kLine == 0);
-  const size_t head = (0 - reinterpret_cast<uintptr_t>(start_)) * kInverse % kLine;
-  return head > 0 ? head : RowSource::kTile;
+  return isLarge_ ? (0 - reinterpret_cast<uintptr_t>(start_)) * kInverse % kLine : 0;
 }
 
 void RowTarget::finish(size_t first, size_t count) {

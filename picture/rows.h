@@ -1,6 +1,6 @@
 // Rows of pixels as packed words. An operation names a region and a kernel for spans of words; this layer
 // handles the pixel formats: words go to the kernel in place, RGB24 pixels go through a tile that stays in
-// the first-level cache.
+// the first-level cache, or to a kernel of their own.
 #pragma once
 
 #include <utility>
@@ -34,8 +34,16 @@ class RowSource {
   void toRow(int32_t y) { at(editor_.row = editor_.GetRow(y)); }
   // The number of pixels, at most `count`, that can be read whole from `first` on.
   size_t readable(size_t first, size_t count) const;
-  // Whether the first `count` pixels are words of the picture that can be used in place.
+  // Whether the first `count` pixels are words, or RGB24 pixels, of the picture that can be used in place.
   bool isDirect(size_t count) const { return editor_.hasWords() && readable(0, count) == count; }
+  bool isDirectRGB24(size_t count) const {
+    return editor_.format == kFormatRGB24 && readable(0, count) == count;
+  }
+  // The pixels from `first` on as they lie in the picture.
+  const kernels::Pixel* inPlace(size_t first) const {
+    return reinterpret_cast<const kernels::Pixel*>(start_ +
+                                                   first * static_cast<size_t>(editor_.GetBytesPerPixel()));
+  }
   // The words of the pixels first .. first + count - 1, valid until the next call. Bytes that can't be read
   // are 0. `count` is at most kTile unless the row is direct.
   const kernels::Pixel* span(size_t first, size_t count);
@@ -63,15 +71,19 @@ class RowTarget {
 
   void nextRow() { start_ = editor_.AddPixelRow() + offset_; }
   bool isDirect() const { return editor_.hasWords(); }
+  bool isDirectRGB24() const { return editor_.format == kFormatRGB24; }
   uint32_t topByte() const { return editor_.topByte(); }
   // Where to write the words of the pixels from `first` on; `finish` stores them in the picture.
-  kernels::Output span(size_t first) {
-    return isDirect() ? kernels::Output(reinterpret_cast<kernels::Pixel*>(start_) + first, isLarge_)
-                      : kernels::Output(tile_);
+  kernels::Output span(size_t first) { return isDirect() ? inPlace(first) : kernels::Output(tile_); }
+  // The place of the pixels from `first` on in the picture.
+  kernels::Output inPlace(size_t first) const {
+    const size_t offset = first * static_cast<size_t>(editor_.GetBytesPerPixel());
+    return {reinterpret_cast<kernels::Pixel*>(start_ + offset), isLarge_};
   }
   void finish(size_t first, size_t count);
-  // The size of the first tile: others begin a cache line, as streaming stores need it.
-  size_t firstTile() const;
+  // The number of RGB24 pixels before one that begins a cache line, as streaming stores need it; 0 if there
+  // will be none.
+  size_t head() const;
 
  private:
   PictureEditor& editor_;
@@ -81,9 +93,17 @@ class RowTarget {
   alignas(64) kernels::Pixel tile_[RowSource::kTile];
 };
 
+// A kernel for words, and one of the same type for RGB24 pixels.
+template <typename Kernel>
+struct BothFormats {
+  Kernel words, rgb24;
+};
+template <typename Kernel>
+BothFormats(Kernel, Kernel) -> BothFormats<Kernel>;
+
 namespace rows {
 
-// Whether a region's rows are contiguous words in an editor's picture, and so can be treated as one row.
+// Whether a region's rows are contiguous pixels in an editor's picture, and so can be treated as one row.
 bool areContiguous(const PictureEditor& editor, const Region& region);
 
 // A region as the longest rows that suit all of the pictures.
@@ -106,10 +126,23 @@ void mapRow(RowTarget& target, [[maybe_unused]] RowSource* sources, size_t width
             std::index_sequence<i...>) {
   const bool direct = target.isDirect() && (sources[i].isDirect(width) && ...);
   for (size_t first = 0, count; first < width; first += count) {
-    const size_t most = direct ? width : first == 0 ? target.firstTile() : RowSource::kTile;
+    const size_t most = direct ? width : first < target.head() ? target.head() : RowSource::kTile;
     count = width - first < most ? width - first : most;
     kernel(target.span(first), sources[i].span(first, count)..., count, target.topByte());
     target.finish(first, count);
+  }
+}
+
+// The same without unpacking, where no picture needs it.
+template <typename Kernel, size_t... i>
+void mapRow(RowTarget& target, RowSource* sources, size_t width, const BothFormats<Kernel>& kernels,
+            std::index_sequence<i...> all) {
+  if (!target.isDirectRGB24() || !(sources[i].isDirectRGB24(width) && ...))
+    return mapRow(target, sources, width, kernels.words, all);
+  const size_t head = target.head();
+  for (size_t first = 0, count; first < width; first += count) {
+    count = (first < head && head < width ? head : width) - first;
+    kernels.rgb24(target.inPlace(first), sources[i].inPlace(first)..., count, 0);
   }
 }
 
@@ -129,19 +162,28 @@ bool scanRow(RowSource& source, size_t first, size_t end, const Kernel& kernel) 
 }  // namespace rows
 
 // Writes a region of `result` from the same region of one or more readers. Calls
-// kernel(Pixel* out, const Pixel* in..., size_t count, uint32_t topByte) for each span; one span may cover
-// the whole region. Rows outside the region are not touched. A reader with fewer rows repeats its row 0.
+// kernel(Output out, const Pixel* in..., size_t count, uint32_t topByte) for each span; one span may cover
+// the whole region. The kernel may be a pair: BothFormats. Rows outside the region are not touched. A reader
+// with fewer rows repeats its row 0.
 template <typename Kernel, typename... Readers>
 void mapRegion(PictureEditor& result, const Region& region, const Kernel& kernel, Readers&... readers) {
   if (region.isEmpty()) return;
   RowTarget target(result, region);
   RowSource sources[] = {RowSource(readers, region)...};
-  const rows::Walk walk = rows::walkOf(region, result, readers...);
-  for (int32_t y = 0; y < walk.height; ++y) {
-    rows::mapRow(target, sources, walk.width, kernel, std::index_sequence_for<Readers...>());
-    target.nextRow();
-    for (RowSource& source : sources) source.nextRow();
+  const auto mapRows = [&](const rows::Walk& walk) {
+    for (int32_t y = 0; y < walk.height; ++y) {
+      rows::mapRow(target, sources, walk.width, kernel, std::index_sequence_for<Readers...>());
+      target.nextRow();
+      for (RowSource& source : sources) source.nextRow();
+    }
+  };
+  Region rest = region;
+  // A row that is discarded lies elsewhere.
+  if (result.row != result.firstRow && result.rowIndex == 0) {
+    mapRows({static_cast<size_t>(region.right - region.left), 1});
+    ++rest.top;
   }
+  if (!rest.isEmpty()) mapRows(rows::walkOf(rest, result, readers...));
 }
 
 // Writes a region of `result`. Calls kernel(Pixel* out, size_t count, uint32_t topByte, int32_t x, int32_t y)

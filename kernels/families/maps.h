@@ -17,80 +17,131 @@ __attribute__((always_inline)) inline void unroll(const Step& step) {
   unroll(std::make_index_sequence<n>(), step);
 }
 
-// Maps the pixels from .. end - 1, fewer than a block holds, in a padded block.
-template <size_t n, size_t sources, typename Map>
+inline const uint8_t* bytes(const Pixel* pixels) { return reinterpret_cast<const uint8_t*>(pixels); }
+inline uint8_t* bytes(Pixel* pixels) { return reinterpret_cast<uint8_t*>(pixels); }
+
+// Maps `period` blocks of n vectors of each source that begin `from` bytes after the pixels.
+template <size_t n, size_t period, bool streaming, size_t sources, typename Map>
+__attribute__((always_inline)) inline void mapPeriod(Pixel* out, const Pixel* const (&in)[sources],
+                                                     size_t from, const Map& map) {
+  unroll<period>([&](size_t place) __attribute__((always_inline)) {
+    const size_t at = from + place * n * sizeof(Vector);
+    Vector block[sources * n];
+    unroll<sources * n>([&](size_t i) __attribute__((always_inline)) {
+      block[i] = reinterpret_cast<Vector>(load(bytes(in[i / n]) + at + i % n * sizeof(Vector)));
+    });
+    map(block, place);
+    unroll<n>([&](size_t i) __attribute__((always_inline)) {
+      uint8_t* to = bytes(out) + at + i * sizeof(Vector);
+      if (streaming) {
+        stream(to, block[i]);
+      } else {
+        store(to, reinterpret_cast<Pixels>(block[i]));
+      }
+    });
+  });
+}
+
+// Maps the bytes from .. end - 1, fewer than a period holds, in padded blocks.
+template <size_t n, size_t period, size_t sources, typename Map>
 __attribute__((always_inline)) inline void mapPartial(Pixel* out, const Pixel* const (&in)[sources],
                                                       size_t from, size_t end, const Map& map) {
-  Vector block[sources * n] = {};
+  const size_t size = end - from;
 #if defined(__AVX512VBMI__)
-  if constexpr (n == 1) {
-    const auto few = static_cast<__mmask16>((1U << (end - from)) - 1);
-    for (size_t k = 0; k < sources; ++k) block[k] = _mm512_maskz_loadu_epi32(few, in[k] + from);
-    map(block);
-    return _mm512_mask_storeu_epi32(out + from, few, block[0]);
+  if constexpr (n * period == 1) {
+    Vector block[sources];
+    const auto few = static_cast<__mmask16>((1U << size / sizeof(Pixel)) - 1);
+    for (size_t k = 0; k < sources; ++k) block[k] = _mm512_maskz_loadu_epi32(few, bytes(in[k]) + from);
+    map(block, 0);
+    return _mm512_mask_storeu_epi32(bytes(out) + from, few, block[0]);
   }
 #endif
-  const size_t size = (end - from) * sizeof(Pixel);
-  for (size_t k = 0; k < sources; ++k) __builtin_memcpy(&block[k * n], in[k] + from, size);
-  map(block);
-  __builtin_memcpy(out + from, block, size);
+  Vector padded[sources][n * period] = {};
+  const Pixel* copies[sources];
+  for (size_t k = 0; k < sources; ++k) {
+    __builtin_memcpy(padded[k], bytes(in[k]) + from, size);
+    copies[k] = reinterpret_cast<const Pixel*>(padded[k]);
+  }
+  mapPeriod<n, period, false>(reinterpret_cast<Pixel*>(padded[0]), copies, 0, map);
+  __builtin_memcpy(bytes(out) + from, padded[0], size);
 }
 
-template <size_t n, bool streaming, size_t sources, typename Map>
-__attribute__((always_inline)) inline void mapBlock(Pixel* out, const Pixel* const (&in)[sources],
-                                                    size_t from, const Map& map) {
-  Vector block[sources * n];
-  unroll<sources * n>([&](size_t i) __attribute__((always_inline)) {
-    block[i] = reinterpret_cast<Vector>(load(in[i / n] + from + i % n * kPixels));
-  });
-  map(block);
-  unroll<n>([&](size_t i) __attribute__((always_inline)) {
-    Pixel* at = out + from + i * kPixels;
-    if (streaming) {
-      stream(at, block[i]);
-    } else {
-      store(at, reinterpret_cast<Pixels>(block[i]));
-    }
-  });
-}
-
-// Maps the pixels from .. end - 1.
-template <size_t n, size_t sources, typename Map>
+// Maps the bytes from .. end - 1.
+template <size_t n, size_t period, size_t sources, typename Map>
 __attribute__((always_inline)) inline void mapRange(Pixel* out, const Pixel* const (&in)[sources],
                                                     size_t from, size_t end, const Map& map) {
-  for (; end - from >= n * kPixels; from += n * kPixels) mapBlock<n, false>(out, in, from, map);
-  if (from < end) mapPartial<n>(out, in, from, end, map);
+  constexpr size_t kStep = period * n * sizeof(Vector);
+  for (; end - from >= kStep; from += kStep) mapPeriod<n, period, false>(out, in, from, map);
+  if (from < end) mapPartial<n, period>(out, in, from, end, map);
 }
 
-// Maps as many of the pixels from .. end - 1 as make up whole lines, with streaming stores, and returns the
-// first one that is left. Precondition: out + from begins a cache line.
-template <size_t n, size_t sources, typename Map>
+// Maps as many of the bytes from .. end - 1 as make up whole lines, with streaming stores, and returns the
+// first one that is left. Precondition: byte `from` of `out` begins a cache line.
+template <size_t n, size_t period, size_t sources, typename Map>
 __attribute__((always_inline)) inline size_t streamRange(Pixel* out, const Pixel* const (&in)[sources],
                                                          size_t from, size_t end, const Map& map) {
-  // One block or more, as the lines are.
-  constexpr size_t kStep = n * kPixels < kLinePixels ? kLinePixels : n * kPixels;
+  constexpr size_t kLines = n * period, kStep = kLines * kCacheLine;  // as a period of the widest vectors
   // More than two streams of stores would flush each other's unfinished lines.
-  return inStreams<2, kStep>(
+  return inStreams<2, kStep, 1>(
       from, end, [&](size_t at) __attribute__((always_inline)) {
-        unroll<sources * kStep / kLinePixels>([&](size_t i) __attribute__((always_inline)) {
-          prefetch(in[i % sources] + at + i / sources * kLinePixels);
+        unroll<sources * kLines>([&](size_t i) __attribute__((always_inline)) {
+          prefetch(bytes(in[i % sources]) + at + i / sources * kCacheLine);
         });
-        for (size_t block = 0; block < kStep; block += n * kPixels)
-          mapBlock<n, true>(out, in, at + block, map);
+        for (size_t i = 0; i < kStep; i += period * n * sizeof(Vector))
+          mapPeriod<n, period, true>(out, in, at + i, map);
       });
 }
 
-// out[i] from in[0][i], in[1][i] …, in blocks of n vectors of the first source, then n of the second, and so
-// on: map(Vector (&)[sources * n]) leaves the results in the first n.
+// Maps `size` bytes of each source in blocks of n vectors of the first source, then n of the second, and so
+// on: map(Vector (&)[sources * n], place) leaves the results in the first n. `place` counts the blocks modulo
+// `period`.
+template <size_t n, size_t period, size_t sources, typename Map>
+__attribute__((always_inline)) inline void mapBytes(Output out, const Pixel* const (&in)[sources],
+                                                    size_t size, const Map& map) {
+  // What comes before the first line must not shift a period.
+  constexpr size_t kWhole = period == 1 ? sizeof(Pixel) : period * n * sizeof(Vector);
+  const size_t head = (0 - reinterpret_cast<uintptr_t>(out.pixels)) % kCacheLine;
+  if (!out.streams || head % kWhole != 0 || head >= size) return mapRange<n, period>(out, in, 0, size, map);
+  mapRange<n, period>(out, in, 0, head, map);
+  mapRange<n, period>(out, in, streamRange<n, period>(out, in, head, size, map), size, map);
+}
+
+// out[i] from in[0][i], in[1][i] …, n vectors of each at a time: map(Vector (&)[sources * n]) as in mapBytes.
 template <size_t n, size_t sources, typename Map>
 __attribute__((always_inline)) inline void mapBlocks(Output out, const Pixel* const (&in)[sources],
                                                      size_t count, const Map& map) {
-  const size_t misalignment = reinterpret_cast<uintptr_t>(out.pixels) % kCacheLine;
-  if (!out.streams || misalignment % sizeof(Pixel) != 0) return mapRange<n>(out, in, 0, count, map);
-  const size_t head = (kCacheLine - misalignment) % kCacheLine / sizeof(Pixel);
-  if (head >= count) return mapRange<n>(out, in, 0, count, map);
-  mapRange<n>(out, in, 0, head, map);
-  mapRange<n>(out, in, streamRange<n>(out, in, head, count, map), count, map);
+  mapBytes<n, 1>(
+      out, in,
+      count * sizeof(Pixel), [&](Vector(&block)[sources * n], size_t) __attribute__((always_inline)) {
+        map(block);
+      });
+}
+
+// The same for RGB24 pixels, a vector of each source at a time: map(Vector (&)[sources], place) returns the
+// new bytes. Three vectors, of places 0 to 2, hold whole pixels.
+template <size_t sources, typename Map>
+__attribute__((always_inline)) inline void mapRGB24(Output out, const Pixel* const (&in)[sources],
+                                                    size_t count, const Map& map) {
+  mapBytes<1, 3>(
+      out, in, count * 3, [&](Vector(&block)[sources], size_t place) __attribute__((always_inline)) {
+        block[0] = map(block, place);
+      });
+}
+
+// Every third byte, from the third on.
+struct Thirds {
+  uint8_t at[2 + 3 * sizeof(Vector)];
+  constexpr Thirds() : at() {
+    for (size_t i = 2; i < sizeof at; i += 3) at[i] = 255;
+  }
+};
+constexpr Thirds kThirds;
+
+// The bytes of a channel, 0 to 2 for red, green and blue, in the vector at a place.
+inline Vector channelAt(size_t place, size_t channel) {
+  Vector bits;
+  __builtin_memcpy(&bits, kThirds.at + 2 - channel + place * sizeof bits, sizeof bits);
+  return bits;
 }
 
 // A vector of each source at a time: map(Pixels (&)[sources]) returns the new pixels.

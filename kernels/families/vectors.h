@@ -114,13 +114,15 @@ inline size_t headOf(const Pixel* at, size_t count) {
 // two, so that streams don't compete for the same sets of the caches.
 constexpr size_t kLongestStream = (65536 + 1024) / sizeof(Pixel), kShortestStream = 3072 / sizeof(Pixel);
 
-// Calls step(at) for all steps of `length` pixels that fit in from .. end - 1, in `streams` streams taken in
-// turn where the range is long enough. Returns the end of the last step.
-template <size_t streams, size_t length, typename Step>
+// Calls step(at) for all steps of `length` pixels, or other units of that size in bytes, that fit in from ..
+// end - 1, in `streams` streams taken in turn where the range is long enough. Returns the end of the last
+// step.
+template <size_t streams, size_t length, size_t unit = sizeof(Pixel), typename Step>
 __attribute__((always_inline)) inline size_t inStreams(size_t from, size_t end, const Step& step) {
-  while (end - from >= streams * kShortestStream) {
+  constexpr size_t kLongest = kLongestStream * sizeof(Pixel) / unit;
+  while (end - from >= streams * kShortestStream * sizeof(Pixel) / unit) {
     const size_t most = (end - from) / streams;
-    const size_t stream = (most < kLongestStream ? most : kLongestStream) / length * length;
+    const size_t stream = (most < kLongest ? most : kLongest) / length * length;
     for (size_t i = 0; i < stream; i += length) {
       for (size_t s = 0; s < streams; ++s) step(from + s * stream + i);
     }
