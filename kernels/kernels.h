@@ -21,6 +21,8 @@ struct Output {
   Output(Pixel* to, bool streaming = false) : pixels(to), streams(streaming) {}
   operator Pixel*() const { return pixels; }
 };
+// Whether streaming stores pay for a result of so many pixels.
+bool shouldStream(int64_t pixels);
 // Orders streaming stores for other threads.
 inline void endStreaming() { __builtin_ia32_sfence(); }
 

@@ -13,8 +13,8 @@ struct Region {
   int32_t left, top, right, bottom;
 
   bool isEmpty() const { return left >= right || top >= bottom; }
-  // Whether it has more pixels than the caches hold: then results go past them.
-  bool isLarge() const { return int64_t{right - left} * (bottom - top) >= 3 << 20; }
+  // Whether to write it past the caches.
+  bool isLarge() const { return kernels::shouldStream(int64_t{right - left} * (bottom - top)); }
 
   static Region whole(const PictureEditor& editor) { return {0, 0, editor.width, editor.height}; }
   // Clips a rectangle to a picture. Its right and bottom edges count from the unclipped left and top.

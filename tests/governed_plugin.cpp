@@ -11,10 +11,11 @@ void __real_free(void* pointer);
 void* __wrap_calloc(size_t count, size_t size);
 void __wrap_free(void* pointer);
 const void* __wrap__ZN7kernels4bestEv();  // a reference, which C knows as an address
+bool __wrap__ZN7kernels12shouldStreamEx(int64_t pixels);
 }
 
 static const kernels::Tables gSets = kernels::supported();
-GovernedPlugin governedPlugin = {0, 0, 0, gSets.count, gSets.count - 1};
+GovernedPlugin governedPlugin = {0, 0, 0, gSets.count, gSets.count - 1, false};
 
 void* __wrap_calloc(size_t count, size_t size) {
   const bool isRefused = ++governedPlugin.uses == governedPlugin.failAt;
@@ -29,3 +30,4 @@ void __wrap_free(void* pointer) {
 }
 
 const void* __wrap__ZN7kernels4bestEv() { return gSets.table[governedPlugin.set]; }
+bool __wrap__ZN7kernels12shouldStreamEx(int64_t) { return governedPlugin.streams; }

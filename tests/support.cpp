@@ -20,8 +20,9 @@ void EverySetTest::begin(const host::Settings& settings) {
 }
 
 void EverySetTest::onEverySet(const std::function<void()>& body) {
+  governed_->streams = !governed_->streams;
   for (int set = 0; set < governed_->sets; ++set) {
-    SCOPED_TRACE("instruction set " + std::to_string(set));
+    SCOPED_TRACE("instruction set " + std::to_string(set) + (governed_->streams ? ", streaming" : ""));
     governed_->set = set;
     body();
   }
