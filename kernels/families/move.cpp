@@ -32,13 +32,8 @@ __attribute__((always_inline)) inline void fetch(Soon* soon) {
   }
 }
 
-}  // namespace
-
-void move(uint8_t* to, const uint8_t* from, size_t size, Soon* soon) {
-  if (size < kCacheLine) {
-    __builtin_memmove(to, from, size);
-    return;
-  }
+// A line or more.
+[[gnu::noinline]] void moveLines(uint8_t* to, const uint8_t* from, size_t size, Soon* soon) {
   const auto address = reinterpret_cast<uintptr_t>(to);
   // The ends, loaded before and stored after all others, complete the whole lines of `to` between them.
   const size_t lastAt = size - kCacheLine;
@@ -64,6 +59,16 @@ void move(uint8_t* to, const uint8_t* from, size_t size, Soon* soon) {
   }
   storeLine(to, first);
   storeLine(to + lastAt, last);
+}
+
+}  // namespace
+
+void move(uint8_t* to, const uint8_t* from, size_t size, Soon* soon) {
+  if (size < kCacheLine) {
+    __builtin_memmove(to, from, size);
+  } else {
+    moveLines(to, from, size, soon);
+  }
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET

@@ -29,16 +29,16 @@ __attribute__((always_inline)) inline Vector lookUp(const uint8_t* table, Vector
   __asm__("" : "+r"(table));  // as above
   const auto lower = reinterpret_cast<Vector>(reinterpret_cast<Bytes>(bytes) & 0x8F);
   const auto upper = reinterpret_cast<Vector>(reinterpret_cast<Bytes>(lower) ^ 0x80);
-  const auto row = [=](size_t i, Vector index) {
+  const auto row = [=](size_t i, Vector index) __attribute__((always_inline)) {
     __m128i entries;
     __builtin_memcpy(&entries, table + i * sizeof entries, sizeof entries);
     return _mm256_shuffle_epi8(allLanes(entries), index);
   };
-  const auto one = [=](size_t i) { return row(i, lower) | row(i + 8, upper); };
-  const auto ofTwo = [=](size_t i) {
+  const auto one = [=](size_t i) __attribute__((always_inline)) { return row(i, lower) | row(i + 8, upper); };
+  const auto ofTwo = [=](size_t i) __attribute__((always_inline)) {
     return _mm256_blendv_epi8(one(i), one(i + 1), _mm256_slli_epi16(bytes, 3));
   };
-  const auto ofFour = [=](size_t i) {
+  const auto ofFour = [=](size_t i) __attribute__((always_inline)) {
     return _mm256_blendv_epi8(ofTwo(i), ofTwo(i + 2), _mm256_slli_epi16(bytes, 2));
   };
   return _mm256_blendv_epi8(ofFour(0), ofFour(4), _mm256_slli_epi16(bytes, 1));
