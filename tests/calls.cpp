@@ -87,7 +87,7 @@ Bytes makeTable(Random& random) {
   constexpr double kHard[] = {NAN, INFINITY, -INFINITY, 1e308, -1e308, 5e-324, 255.5, 256, -1e-9, -4e9};
   const bool isWhole = random.chance(30), isStepped = !isWhole && random.chance(20);
   const int parts = isWhole ? 1 : random.among({1, 64}), low = isWhole ? 0 : random.among({-1, 0, -100}),
-            high = isWhole ? 255 : random.among({255, 256, 600});
+            high = isWhole ? 255 : random.among({255, 256, 266, 600});
   const int hard = isWhole ? 0 : random.among({0, 0, 0, 5, 50});
   const int first = random.between(1, 241);
   std::vector<double> table(kTableEntries * 3, NAN);

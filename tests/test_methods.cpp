@@ -191,6 +191,38 @@ TEST_P(RandomCalls, AnswerAsDefined) {
   EXPECT_TRUE(answered >= rounds() / 8 || (changesPictures && isGdk())) << "hardly anything but nil";
 }
 
+class EveryColor : public EverySetTest, public ::testing::WithParamInterface<std::string> {};
+
+// All 2^24 colours, where kernels compute more coarsely and then decide what is right. It takes a minute, so
+// only
+// --gtest_also_run_disabled_tests runs it.
+TEST_P(EveryColor, DISABLED_AnswersAsDefined) {
+  Pixels colors(4096, 4096, Rgb{0});
+  for (uint32_t& word : colors.colors) word = static_cast<uint32_t>(&word - colors.colors.data());
+  int answered = 0;
+  for (uint32_t round = 0; round < 12; ++round) {
+    for (const Member& member : everyMember()) {
+      if (member.definition() != GetParam()) continue;
+      Random random(round);
+      Call call = makeCall(member, random, 1);
+      for (Value& argument : call.arguments) {
+        if (std::holds_alternative<Pixels>(argument)) argument = colors;
+      }
+      const std::optional<Outcome> expected = promised(call);
+      if (!expected || isNull(call, *expected)) continue;
+      onEverySet([&] {
+        const std::string wrong = difference(*expected, outcomeOf(call));
+        ASSERT_TRUE(wrong.empty()) << "round " << round << ": " << wrong;
+      });
+      ++answered;
+    }
+  }
+  EXPECT_GT(answered, 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Methods, EveryColor, ::testing::Values("TintPictureZVR", "PictureLut3DZVR"),
+                         [](const auto& tested) { return tested.param; });
+
 using Definitions = HostTest;
 
 TEST_F(Definitions, EveryMethodHasOne) {
