@@ -18,8 +18,8 @@ Bytes readBytes(const std::string& path);
 host::Value valueOfBytes(const Bytes& bytes, host::Type type);
 // A file as what a parameter of this type takes: a picture, a memory block or a string. `options` and
 // `asOnHost` as for Original. Throws Failure.
-host::Value valueOfFile(const std::string& path, host::Type type, const PictureOptions& options = {},
-                        bool asOnHost = true);
+host::Value valueOfFile(const std::string& path, host::Type type, const PictureOptions& options,
+                        bool asOnHost);
 // The bytes of a memory block; none for nil and for other values.
 Bytes bytesOf(const host::Value& value);
 

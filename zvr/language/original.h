@@ -21,7 +21,7 @@ class Original {
   // Reads the picture. `asOnHost`: its transparency goes through the library whatever the options say. Throws
   // Failure.
   Original(const std::string& path, const std::vector<uint8_t>& file, const PictureOptions& options,
-           bool asOnHost = false);
+           bool asOnHost);
 
   // The host picture; handed over once.
   host::PictureRef takePicture() { return std::move(picture_); }
