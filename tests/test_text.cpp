@@ -22,6 +22,7 @@ const TextCase kTexts[] = {
     {"\xC3\xA9\xE2\x82\xACt", kEncodingUTF8, "\xC3\xA9\xE2\x82\xACt", "??t", "\xE9\x80t", "\x8E\xDBt",
      "\xE9\0\xAC\x20t\0"s},
     {"\x80 1", kEncodingWindows, "\xE2\x82\xAC 1", "? 1", "\x80 1", "\xDB 1", "\xAC\x20 \0001\0"s},
+    {"\x7F\x80", kEncodingMacRoman, "\x7F\xC3\x84", "\x7F?", "\x7F\xC4", "\x7F\x80", "\x7F\0\xC4\0"s},
     {"a\0\xE9\0"s, kEncodingUTF16, "a\xC3\xA9", "a?", "a\xE9", "a\x8E", "a\0\xE9\0"s},
     {"a\xE9", kEncodingNone, "a\xC3\xA9", "a?", "a\xE9", "a\x8E", "a\0\xE9\0"s},
     {"a\0b"s, kEncodingUTF8, "a\0b"s, "a\0b"s, "a\0b"s, "a\0b"s, "a\0\0\0b\0"s},
