@@ -75,11 +75,11 @@ __attribute__((always_inline)) inline void mapRange(Pixel* out, const Pixel* con
   if (from < end) mapPartial<n, period>(out, in, from, end, map);
 }
 
-// Maps as many of the bytes from .. end - 1 as make up whole lines, with streaming stores, and returns the
-// first one that is left. Precondition: byte `from` of `out` begins a cache line.
-template <size_t n, size_t period, size_t sources, typename Map>
-__attribute__((always_inline)) inline size_t streamRange(Pixel* out, const Pixel* const (&in)[sources],
-                                                         size_t from, size_t end, const Map& map) {
+// Maps as many of the bytes from .. end - 1 as make up whole lines and returns the first one that is left.
+// Precondition: byte `from` of `out` begins a cache line.
+template <size_t n, size_t period, bool streaming, size_t sources, typename Map>
+__attribute__((always_inline)) inline size_t mapLines(Pixel* out, const Pixel* const (&in)[sources],
+                                                      size_t from, size_t end, const Map& map) {
   constexpr size_t kLines = n * period, kStep = kLines * kCacheLine;  // as a period of the widest vectors
   // More than two streams of stores would flush each other's unfinished lines.
   return inStreams<2, kStep, 1>(
@@ -88,7 +88,7 @@ __attribute__((always_inline)) inline size_t streamRange(Pixel* out, const Pixel
           prefetch(bytes(in[i % sources]) + at + i / sources * kCacheLine);
         });
         for (size_t i = 0; i < kStep; i += period * n * sizeof(Vector))
-          mapPeriod<n, period, true>(out, in, at + i, map);
+          mapPeriod<n, period, streaming>(out, in, at + i, map);
       });
 }
 
@@ -100,10 +100,15 @@ __attribute__((always_inline)) inline void mapBytes(Output out, const Pixel* con
                                                     size_t size, const Map& map) {
   // What comes before the first line must not shift a period.
   constexpr size_t kWhole = period == 1 ? sizeof(Pixel) : period * n * sizeof(Vector);
+  constexpr size_t kLong = 2048;  // from this size on, vectors that cross lines cost more than a head
   const size_t head = (0 - reinterpret_cast<uintptr_t>(out.pixels)) % kCacheLine;
-  if (!out.streams || head % kWhole != 0 || head >= size) return mapRange<n, period>(out, in, 0, size, map);
-  mapRange<n, period>(out, in, 0, head, map);
-  mapRange<n, period>(out, in, streamRange<n, period>(out, in, head, size, map), size, map);
+  if (head % kWhole != 0 || head >= size || (!out.streams && size < kLong))
+    return mapRange<n, period>(out, in, 0, size, map);
+  if (head > 0) mapRange<n, period>(out, in, 0, head, map);
+  mapRange<n, period>(out, in,
+                      out.streams ? mapLines<n, period, true>(out, in, head, size, map)
+                                  : mapLines<n, period, false>(out, in, head, size, map),
+                      size, map);
 }
 
 // out[i] from in[0][i], in[1][i] …, n vectors of each at a time: map(Vector (&)[sources * n]) as in mapBytes.
