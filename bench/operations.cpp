@@ -302,7 +302,8 @@ Operation sepia() {
 constexpr double kRead = 0.5, kMap = 1, kMapOfTwo = 1.5, kMapOfThree = 2, kRepack = 0.875;
 Operation bounded(Operation operation, double limit) {
   operation.limit = limit;
-  operation.rgb24Limit = limit == kRepack ? 0.75 : limit * 0.75;
+  const bool readsPictures = operation.only.width == 0;  // others read samples
+  operation.rgb24Limit = limit == kRepack ? 0.75 : readsPictures ? limit * 0.75 : limit;
   return operation;
 }
 

@@ -1,6 +1,6 @@
 // Tetrahedral interpolation in a colour table.
 
-#include "kernels/families/maps.h"
+#include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {

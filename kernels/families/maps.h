@@ -1,21 +1,9 @@
 // Pixels from pixels: the one loop over vectors that all maps share.
 #pragma once
 
-#include <utility>
-
 #include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
-
-// step(0) … step(n - 1), unrolled: a loop that the compiler keeps would hold the vectors in memory.
-template <typename Step, size_t... i>
-__attribute__((always_inline)) inline void unroll(std::index_sequence<i...>, const Step& step) {
-  (step(i), ...);
-}
-template <size_t n, typename Step>
-__attribute__((always_inline)) inline void unroll(const Step& step) {
-  unroll(std::make_index_sequence<n>(), step);
-}
 
 inline const uint8_t* bytes(const Pixel* pixels) { return reinterpret_cast<const uint8_t*>(pixels); }
 inline uint8_t* bytes(Pixel* pixels) { return reinterpret_cast<uint8_t*>(pixels); }

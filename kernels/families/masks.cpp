@@ -20,10 +20,8 @@ void grayFromTop7(Output out, const Pixel* in, size_t count, uint32_t top) {
 
 void fill(Output out, size_t count, uint32_t word) {
   size_t at = 0;
-  const size_t misalignment = reinterpret_cast<uintptr_t>(out.pixels) % kCacheLine;
-  const size_t head = (kCacheLine - misalignment) % kCacheLine / sizeof(Pixel);
-  if (out.streams && misalignment % sizeof(Pixel) == 0 && head < count) {
-    for (; at < head; ++at) out[at] = word;
+  if (out.streams && reinterpret_cast<uintptr_t>(out.pixels) % sizeof(Pixel) == 0) {
+    for (const size_t head = headOf(out, count); at < head; ++at) out[at] = word;
     for (const Vector words = allPixels(word); count - at >= kPixels; at += kPixels) stream(out + at, words);
   }
   for (Pixel* const to = out; at < count; ++at) to[at] = word;

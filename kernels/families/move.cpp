@@ -1,6 +1,6 @@
 // Moves bytes and fetches others into the cache meanwhile.
 
-#include "kernels/families/maps.h"
+#include "kernels/families/vectors.h"
 
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {

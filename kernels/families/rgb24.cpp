@@ -164,9 +164,8 @@ void packTail(uint8_t* out, const Pixel* in, size_t count) {
 
 void unpackRGB24(Output out, const uint8_t* in, size_t count, uint32_t top) {
   size_t at = 0;
-  const size_t misalignment = reinterpret_cast<uintptr_t>(out.pixels) % kCacheLine;
-  if (out.streams && misalignment % sizeof(Pixel) == 0) {
-    const size_t head = (kCacheLine - misalignment) % kCacheLine / sizeof(Pixel);
+  if (out.streams && reinterpret_cast<uintptr_t>(out.pixels) % sizeof(Pixel) == 0) {
+    const size_t head = headOf(out, count);
     if (count >= head + kReach) {
       unpackTail(out, in, head, top);
       at = inStreams<2, kLinePixels>(

@@ -12,6 +12,8 @@
 #include <immintrin.h>
 #pragma GCC diagnostic pop
 
+#include <utility>
+
 #include "kernels/families/families.h"
 
 #if defined(__AVX512VBMI__)
@@ -92,6 +94,16 @@ inline Pixels min(Pixels a, Pixels b) {
 inline Pixels subtractSaturated(Pixels a, Pixels b) {
   return reinterpret_cast<Pixels>(
       ZVR_VECTOR(subs_epu8)(reinterpret_cast<Vector>(a), reinterpret_cast<Vector>(b)));
+}
+
+// step(0) … step(n - 1), unrolled: a loop that the compiler keeps would hold the vectors in memory.
+template <typename Step, size_t... i>
+__attribute__((always_inline)) inline void unroll(std::index_sequence<i...>, const Step& step) {
+  (step(i), ...);
+}
+template <size_t n, typename Step>
+__attribute__((always_inline)) inline void unroll(const Step& step) {
+  unroll(std::make_index_sequence<n>(), step);
 }
 
 constexpr size_t kCacheLine = 64;  // bytes
