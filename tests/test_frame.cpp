@@ -122,6 +122,8 @@ TEST_F(Frame, ArraysOfEveryType) {
     EXPECT_EQ(host::uses("RuntimeArrayDirectGetSetProc") > 0, version > 2013.9);
     REALGetArrayValue(static_cast<REALarrayStruct*>(objects.get()), 0, &byte);
     EXPECT_EQ(raised(), "OutOfBoundsException: ") << "without storage the host is asked";
+    REALInsertArrayValue(static_cast<REALarrayStruct*>(host::newArray(0, 1).get()), 3, 5);
+    EXPECT_EQ(raised(), "OutOfBoundsException: ") << "inserted behind the place after the last";
   }
 }
 

@@ -77,10 +77,37 @@ TEST_F(Pictures, WritersNeverShowACopy) {
   host::Settings settings = settingsForRoad();
   settings.newPicturesGrowBy = -1;
   host::start(settings);
+  const auto shrunk = colorsOf(own(NewPicture(4, 3, true)));
+  EXPECT_EQ(std::pair(shrunk.width, shrunk.height), std::pair(3, 2));
   PictureWriter writer;
   EXPECT_FALSE(writer.NewPictureWriterWithAlphaChannel(4, 3));
   EXPECT_EQ(writer.NewPictureWriter(4, 3), isGdk());
   EXPECT_FALSE(writer.picture);
+}
+
+// ---- Shapes ----
+
+// An oval by a thin pen and by one two pixels wide, one that begins left of the picture, rounded corners.
+TEST_F(Pictures, RoundShapes) {
+  const auto drawn = [](auto draw, int32_t penWidth = 1) {
+    const auto picture = pictureOf({8, 6, Rgb{255}});
+    Held<REALgraphicsStruct> graphics(REALGetPictureGraphics(picture.get()));
+    SetGraphicsPenWidth(graphics.get(), penWidth);
+    draw(graphics.get());
+    std::string rows;
+    for (uint32_t color : colorsOf(picture).colors)
+      rows += std::string(rows.size() % 9 == 8, '/') + (color == Rgb{0} ? '#' : '.');
+    return rows;
+  };
+  const auto oval = [](auto* graphics) { GraphicsDrawOval(graphics, 1, 0, 6, 5); };
+  EXPECT_EQ(drawn(oval), "..####../.##..##./.#....#./.##..##./..####../........");
+  EXPECT_EQ(drawn(oval, 2), "..####../.##..##./.##..##./.##..##./..####../........");
+  EXPECT_EQ(drawn([](auto* graphics) { GraphicsFillOval(graphics, -2, 1, 7, 5); }),
+            "......../####..../#####.../#####.../#####.../####....");
+  EXPECT_EQ(drawn([](auto* graphics) { GraphicsDrawRoundRect(graphics, 0, 0, 8, 6, 4, 3); }),
+            ".######./#......#/#......#/#......#/#......#/.######.");
+  EXPECT_EQ(drawn([](auto* graphics) { GraphicsFillRoundRect(graphics, 0, 1, 8, 5, 6, 5); }),
+            "......../.######./########/########/########/.######.");
 }
 
 // ---- Copies ----

@@ -221,6 +221,13 @@ TEST_F(Text, StringsAreBuiltInTheirEncodingAndNoneOfNothing) {
         CString2RBmax("text", 0, kEncodingASCII), UnicodeCString2RB(static_cast<const uint16_t*>(nullptr)),
         UnicodeCString2RB(static_cast<const wchar_t*>(nullptr))})
     EXPECT_EQ(nothing, nullptr);
+  // To nothing the host adds in the encoding of the other string.
+  const auto wide = host::newString("a\0\xE9\0"s, kEncodingUTF16),
+             narrow = host::newString("b", kEncodingUTF8);
+  expectBuilt(REALAddStrings(wide.get(), narrow.get()), "a\0\xE9\0b\0"s, kEncodingUTF16);
+  expectBuilt(REALAddStrings(nullptr, wide.get()), "a\0\xE9\0"s, kEncodingUTF16);
+  expectBuilt(REALAddStrings(narrow.get(), nullptr), "b", kEncodingUTF8);
+  EXPECT_EQ(REALAddStrings(nullptr, nullptr), nullptr);
 }
 
 }  // namespace
