@@ -32,6 +32,7 @@ checkPage() {
   [[ $(grep -o 'x="[0-9]*" y="[0-9]*" width="7" height="5"' tags | sort -u) == 'x="16" y="7" width="7" height="5"' ]] ||
     complain 'the part is not marked where it is'
   grep -qF 'fill="#FFD08C"' tags || complain 'a colour of the call is not shown'
+  [[ $(sed -n 's/^<img.* alt="">//p' tags | sort -u | xargs) == 'other part' ]] || complain 'the pictures of calls are not shown'
   grep -o '<path class="[rgb]" d="[^"]*' tags | awk '!/v-/ || gsub(/h1/, "") != 256 { exit 1 }' || complain 'not 256 bars'
 }
 
