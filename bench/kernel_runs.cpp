@@ -159,7 +159,7 @@ RowRun on(kernels::SpanBars* Table::*slot) {
       first->push_back(static_cast<int32_t>(first->size() % 90));
       last->push_back(150);
     }
-    (t.*slot)(row.out, first->data(), last->data(), row.width, 100, 0x274C5A, 0x88B5C4);
+    (t.*slot)(row.out, first->data(), last->data(), row.width, 100, 120, 0x274C5A, 0x88B5C4);
   };
 }
 

@@ -9,5 +9,9 @@ static inline int32_t toInt32(double value) {
 }
 
 static inline int32_t toInt32(long double value) {
+  // The x87 is slow to truncate. Rounding to double takes a value at most to the next integer, not past it,
+  // so a double that is no integer has the same integer part.
+  const auto rounded = static_cast<double>(value);
+  if (const int32_t whole = toInt32(rounded); whole != INT32_MIN && whole != rounded) return whole;
   return value > -2147483649.0L && value < 2147483648.0L ? static_cast<int32_t>(value) : INT32_MIN;
 }

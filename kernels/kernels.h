@@ -177,9 +177,10 @@ struct Excursions {
 using SampleSpans = SampleSpan[kSampleSpans];
 using SpanExcursions = Excursions[kSampleSpans];
 using SampleSums = void(const SampleSpans& spans, SpanExcursions& sums);
-// Writes `inside` in the columns with first <= row <= last, `outside` in the others.
-using SpanBars = void(Pixel* out, const int32_t* first, const int32_t* last, size_t count, int32_t row,
-                      uint32_t inside, uint32_t outside);
+// Writes `inside` in the columns where `row` lies between the row `centre` and one of two ends, or is one of
+// these; `outside` in the others.
+using SpanBars = void(Pixel* out, const int32_t* end1, const int32_t* end2, size_t count, int32_t row,
+                      int32_t centre, uint32_t inside, uint32_t outside);
 
 // The one list of kernels, with the type of each. It generates the slots of a table, the declarations of each
 // instruction set, and the lists that the tests and the benchmark run.

@@ -107,9 +107,10 @@ class Envelope {
   }
   // Distances from a row become rows. Positive ones lie below it; NaN lies far above it.
   void countFrom(int32_t row) {
-    for (int32_t x = 0; x < width_; ++x) (*this)[x] = toInt32(static_cast<long double>(row) + (*this)[x]);
+    for (int32_t x = 0; x < width_; ++x) rows()[x] = toInt32(static_cast<long double>(row) + (*this)[x]);
   }
-  int32_t row(int32_t x) const { return static_cast<int32_t>((*this)[x]); }
+  // They take the place of the values, which are twice as wide.
+  int32_t* rows() const { return reinterpret_cast<int32_t*>(memory_.get()); }
 
  private:
   int32_t width_;
@@ -173,39 +174,23 @@ struct Waveform {
   }
 };
 
-// The bars of some neighbouring columns: the rows from the end of the negative bar, across the centre, to the
-// end of the positive one. Either end may lie on the wrong side of the centre.
-struct Bars {
-  int32_t first[RowSource::kTile], last[RowSource::kTile];
-
-  Bars(const Waveform& wave, int32_t left, size_t count) {
-    for (size_t i = 0; i < count; ++i) {
-      const int32_t x = left + static_cast<int32_t>(i);
-      first[i] = last[i] = wave.centre;
-      for (const int32_t row : {wave.negative.row(x), wave.positive.row(x)}) {
-        if (row < first[i]) first[i] = row;
-        if (row > last[i]) last[i] = row;
-      }
-    }
-  }
-};
-
+// In each column a bar from the end of the negative excursion, across the centre, to the end of the positive
+// one. Either end may lie on the wrong side of the centre.
 void drawBars(PictureWriter& result, const Waveform& wave, uint32_t foreground, uint32_t background) {
   const auto width = static_cast<size_t>(wave.width);
-  for (size_t left = 0, count; left < width; left += count) {
-    count = width - left < RowSource::kTile ? width - left : RowSource::kTile;
-    const Bars bars(wave, static_cast<int32_t>(left), count);
-    result.row = result.GetRow(0);
-    RowTarget target(result, Region::whole(result));
-    const uint32_t top = target.topByte();
-    for (int32_t y = 0; y < wave.height; ++y) {
-      // Bars are drawn in row 0 even where the background is lost there.
-      const uint32_t behind = y == 0 && result.losesFirstRow() ? 0 : background;
-      kernels::best().bars(target.span(left), bars.first, bars.last, count, y, foreground | top,
-                           behind | top);
+  result.row = result.GetRow(0);
+  RowTarget target(result, Region::whole(result));
+  const uint32_t top = target.topByte();
+  for (int32_t y = 0; y < wave.height; ++y) {
+    // Bars are drawn in row 0 even where the background is lost there.
+    const uint32_t behind = y == 0 && result.losesFirstRow() ? 0 : background;
+    for (size_t left = 0, count; left < width; left += count) {
+      count = width - left < RowSource::kTile ? width - left : RowSource::kTile;
+      kernels::best().bars(target.span(left), wave.negative.rows() + left, wave.positive.rows() + left, count,
+                           y, wave.centre, foreground | top, behind | top);
       target.finish(left, count);
-      target.nextRow();
     }
+    target.nextRow();
   }
 }
 
@@ -215,7 +200,7 @@ template <typename Draw>
 void traceOutline(const Waveform& wave, const Draw& draw) {
   int32_t fromX = 0, fromNegative = wave.centre, fromPositive = wave.centre;
   for (int32_t x = 0; x < wave.width; ++x) {
-    const int32_t toNegative = wave.negative.row(x), toPositive = wave.positive.row(x);
+    const int32_t toNegative = wave.negative.rows()[x], toPositive = wave.positive.rows()[x];
     draw(fromX, fromNegative, x, toNegative);
     draw(fromX, fromPositive, x, toPositive);
     fromX = x;

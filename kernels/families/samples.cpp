@@ -92,9 +92,18 @@ void sumUInt16(const SampleSpans& spans, SpanExcursions& sums) {
   sum<WordLanes, 2>(spans, sums, 0x80008000, 0x80008000);
 }
 
-void bars(Pixel* out, const int32_t* first, const int32_t* last, size_t count, int32_t row, uint32_t inside,
-          uint32_t outside) {
-  for (size_t i = 0; i < count; ++i) out[i] = first[i] <= row && row <= last[i] ? inside : outside;
+void bars(Pixel* out, const int32_t* end1, const int32_t* end2, size_t count, int32_t row, int32_t centre,
+          uint32_t inside, uint32_t outside) {
+  const auto draw = [=](const auto& covers) {
+    for (size_t i = 0; i < count; ++i) out[i] = covers(end1[i]) | covers(end2[i]) ? inside : outside;
+  };
+  if (row == centre) {
+    draw([](int32_t) { return true; });
+  } else if (row < centre) {
+    draw([=](int32_t end) { return end <= row; });
+  } else {
+    draw([=](int32_t end) { return end >= row; });
+  }
 }
 
 }  // namespace kernels::ZVR_INSTRUCTION_SET
