@@ -95,14 +95,14 @@ void sumUInt16(const SampleSpans& spans, SpanExcursions& sums) {
 void bars(Pixel* out, const int32_t* end1, const int32_t* end2, size_t count, int32_t row, int32_t centre,
           uint32_t inside, uint32_t outside) {
   const auto draw = [=](const auto& covers) {
-    for (size_t i = 0; i < count; ++i) out[i] = covers(end1[i]) | covers(end2[i]) ? inside : outside;
+    for (size_t i = 0; i < count; ++i) out[i] = covers(end1[i], end2[i]) ? inside : outside;
   };
   if (row == centre) {
-    draw([](int32_t) { return true; });
+    draw([](int32_t, int32_t) { return true; });
   } else if (row < centre) {
-    draw([=](int32_t end) { return end <= row; });
+    draw([=](int32_t a, int32_t b) { return (a < b ? a : b) <= row; });
   } else {
-    draw([=](int32_t end) { return end >= row; });
+    draw([=](int32_t a, int32_t b) { return (a > b ? a : b) >= row; });
   }
 }
 
