@@ -11,17 +11,6 @@ Words colorOf(Words pixels) {
   return (pixels ^ pixels >> 8) << 16;
 }
 
-// Three vectors of RGB24 pixels: all ones where the next byte is of the same pixel.
-struct Within {
-  uint8_t bytes[3 * sizeof(Vector)];
-};
-constexpr Within bytesWithin() {
-  Within within{};
-  for (size_t i = 0; i < sizeof within; ++i) within.bytes[i] = i % 3 == 2 ? 0 : 255;
-  return within;
-}
-alignas(64) constexpr Within kWithin = bytesWithin();
-
 }  // namespace
 
 size_t findUncovered(const Pixel* in, const Pixel* out, size_t count) {
@@ -48,11 +37,12 @@ size_t findUncovered(const Pixel* in, const Pixel* out, size_t count) {
 }
 
 size_t findUncoveredRGB24(const uint8_t* in, const uint8_t* out, size_t count) {
-  // In bytes: each is compared with the next. One more is read than a block has.
-  constexpr size_t kBlock = sizeof kWithin;
+  // In bytes: each is compared with the next of its pixel. One more is read than a block has.
+  constexpr size_t kBlock = 3 * sizeof(Vector);
   const size_t end = count * 3;
   const auto colorOf = [=](size_t i, size_t k) {
-    return (load(in + i + k) ^ load(in + i + k + 1)) & load(kWithin.bytes + k);
+    const auto blue = reinterpret_cast<Pixels>(channelAt(k / sizeof(Vector), 2));
+    return (load(in + i + k) ^ load(in + i + k + 1)) & ~blue;
   };
   size_t at = 0;
   for (; end - at > kBlock; at += kBlock) {

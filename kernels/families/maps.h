@@ -121,22 +121,6 @@ __attribute__((always_inline)) inline void mapRGB24(Output out, const Pixel* con
       });
 }
 
-// Every third byte, from the third on.
-struct Thirds {
-  uint8_t at[2 + 3 * sizeof(Vector)];
-  constexpr Thirds() : at() {
-    for (size_t i = 2; i < sizeof at; i += 3) at[i] = 255;
-  }
-};
-constexpr Thirds kThirds;
-
-// The bytes of a channel, 0 to 2 for red, green and blue, in the vector at a place.
-inline Vector channelAt(size_t place, size_t channel) {
-  Vector bits;
-  __builtin_memcpy(&bits, kThirds.at + 2 - channel + place * sizeof bits, sizeof bits);
-  return bits;
-}
-
 // A vector of each source at a time: map(Pixels (&)[sources]) returns the new pixels.
 template <size_t sources, typename Map>
 __attribute__((always_inline)) inline void mapLightly(Output out, const Pixel* const (&in)[sources],

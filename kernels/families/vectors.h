@@ -144,6 +144,23 @@ __attribute__((always_inline)) inline size_t inStreams(size_t from, size_t end, 
   return from;
 }
 
+// Every third byte, from the third on.
+struct Thirds {
+  uint8_t at[2 + 3 * sizeof(Vector)];
+  constexpr Thirds() : at() {
+    for (size_t i = 2; i < sizeof at; i += 3) at[i] = 255;
+  }
+};
+constexpr Thirds kThirds;
+
+// The bytes of a channel, 0 to 2 for red, green and blue, in the vector at a place: three vectors of RGB24
+// pixels, at places 0 to 2, hold whole ones.
+inline Vector channelAt(size_t place, size_t channel) {
+  Vector bits;
+  __builtin_memcpy(&bits, kThirds.at + 2 - channel + place * sizeof bits, sizeof bits);
+  return bits;
+}
+
 // A non-temporal store. `to` must be aligned to the vector's size.
 inline void stream(void* to, Vector vector) {
 #if defined(__AVX512VBMI__)
