@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "operations/outline.h"
 #include "picture/editor.h"
 #include "picture/pictures.h"
 #include "picture/rows.h"
@@ -110,6 +111,22 @@ TEST_F(Pictures, RoundShapes) {
             "......../.######./########/########/########/.######.");
 }
 
+// Wider than high, from outside the picture to outside: 3 rows in 8 columns.
+TEST_F(Pictures, FlatLine) {
+  const auto picture = pictureOf({6, 3, Rgb{0xFFFFFF}});
+  {
+    PictureEditor editor;
+    ASSERT_EQ(editor.GetPictureEditor(picture.get()), !isGdk());
+    if (isGdk()) return;
+    setOutlineColor(0);
+    DrawAntialiasedLine(editor, -2, -1, 6, 2);
+  }
+  EXPECT_EQ(colorsOf(picture).colors,
+            std::vector<uint32_t>({0x3F3F3F, 0x202020, 0x808080, 0xE0E0E0, 0xFFFFFF, 0xFFFFFF,  //
+                                   0xFFFFFF, 0xDFDFDF, 0x7F7F7F, 0x1F1F1F, 0x404040, 0xA0A0A0,  //
+                                   0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0xBFBFBF, 0x5F5F5F}));
+}
+
 // ---- Copies ----
 
 TEST_F(Pictures, ClonesWithAndWithoutMasks) {
@@ -125,10 +142,14 @@ TEST_F(Pictures, ClonesWithAndWithoutMasks) {
     EXPECT_EQ(colorsOf(mask), maskPixels);
     EXPECT_EQ(colorsOf(clone).colors, pixels.colors);
   }
-  for (REALpictureStruct* none : {ClonePicture(nullptr), ClonePicture(picture.get(), 0, 3),
-                                  ClonePictureWithMask(nullptr), CopyMask(nullptr)})
+  for (REALpictureStruct* none :
+       {ClonePicture(nullptr), ClonePicture(picture.get(), 0, 3), ClonePicture(picture.get(), 5, 0),
+        ClonePictureWithMask(nullptr), ClonePictureWithMask(picture.get(), 0, 3),
+        ClonePictureWithMask(picture.get(), 5, 0), ConvertToPictureWithMask(nullptr, 5, 3),
+        CopyMask(nullptr)})
     EXPECT_EQ(none, nullptr);
   EXPECT_FALSE(AssignMask(picture.get(), nullptr));
+  EXPECT_FALSE(AssignMask(nullptr, picture.get()));
   EXPECT_TRUE(AssignMask(picture.get(), pictureOf(maskPixels).get()));
   EXPECT_EQ(own(BitmapPicture(picture.get())).get(), picture.get());
 }
@@ -137,11 +158,14 @@ TEST_F(Pictures, ClonesWithAndWithoutMasks) {
 TEST_F(Pictures, OwnCopy) {
   const Pixels pixels = Random(8).pixels(4, 3);
   const auto source = pictureOf(pixels), target = pictureOf({4, 3, Rgb{0}});
-  const auto copies = [&](int32_t x = 0, int32_t sourceWidth = 4) {
-    return OwnCopy(target.get(), source.get(), x, 0, 4, 3, 0, 0, sourceWidth, 3);
+  const auto copies = [&](int32_t x = 0, int32_t y = 0, int32_t sx = 0, int32_t sy = 0, int32_t sw = 4,
+                          int32_t sh = 3) {
+    return OwnCopy(target.get(), source.get(), x, y, 4, 3, sx, sy, sw, sh);
   };
-  EXPECT_FALSE(copies(1) || copies(0, 3));
+  EXPECT_FALSE(copies(1) || copies(0, 1) || copies(0, 0, 1) || copies(0, 0, 0, 1) || copies(0, 0, 0, 0, 3) ||
+               copies(0, 0, 0, 0, 4, 2));
   EXPECT_FALSE(OwnCopy(target.get(), nullptr, 0, 0, 4, 3, 0, 0, 4, 3));
+  EXPECT_FALSE(OwnCopy(nullptr, source.get(), 0, 0, 4, 3, 0, 0, 4, 3));
   using Oddities = host::PictureOddities;
   constexpr void (*spoils[])(Oddities&) = {
       [](Oddities& o) { o.shownWidth = 3; },    [](Oddities& o) { o.shownHeight = 2; },

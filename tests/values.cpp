@@ -69,9 +69,19 @@ Pixels parsedPixels(const std::string& text) {
   return pixels;
 }
 
-// PICTURE[+alpha][+mask]
+Pixels enlarged(const Pixels& pixels, int times) {
+  Pixels large{pixels.width * times, pixels.height * times, 0};
+  for (int y = 0; y < large.height; ++y) {
+    for (int x = 0; x < large.width; ++x) large.at(x, y) = pixels.at(x / times, y / times);
+  }
+  return large;
+}
+
+// PICTURE[*TIMES][+alpha][+mask]
 Pixels parsedPicture(const std::string& word) {
-  Pixels pixels = parsedPixels(word.substr(0, word.find('+')));
+  Pixels pixels = parsedPixels(word.substr(0, word.find_first_of("*+")));
+  if (const size_t star = word.find('*'); star != std::string::npos)
+    pixels = enlarged(pixels, std::stoi(word.substr(star + 1)));
   pixels.alpha = word.find("+alpha") != std::string::npos;
   if (word.find("+mask") != std::string::npos)
     pixels.mask = std::make_shared<Pixels>(Random(1).words(pixels.width, pixels.height));
