@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <ctime>
+#include <iterator>
 #include <new>
 
 #include "bench/allocations.h"
@@ -140,9 +141,9 @@ __attribute__((target("avx2"))) void copyByVectors32(uint8_t* to, const uint8_t*
   ZVR_STREAMING_COPY(__m256i, _mm256_loadu_si256, _mm256_stream_si256);
 }
 
-double secondsOf(Copy* copy, uint8_t* to, const uint8_t* from, size_t size) {
+double secondsOf(Copy* copy, const Memory& to, const Memory& from) {
   const double start = now();
-  copy(to, from, size);
+  copy(to.get(), from.get(), to.size());
   return now() - start;
 }
 
@@ -150,10 +151,10 @@ double secondsOf(Copy* copy, uint8_t* to, const uint8_t* from, size_t size) {
 
 double PlainCopy::time() {
   static const bool has32 = __builtin_cpu_supports("avx2");
+  Copy* const copies[] = {copyByString, copyByLibrary, has32 ? copyByVectors32 : copyByVectors16};
   double best = HUGE_VAL;
-  for (Copy* copy : {copyByString, copyByLibrary, has32 ? copyByVectors32 : copyByVectors16}) {
-    best = std::min(best, secondsOf(copy, to_.get(), from_.get(), to_.size()));
-  }
+  for (size_t i = 0; i < std::size(pairs_); ++i)
+    best = std::min(best, secondsOf(copies[i], pairs_[i].to, pairs_[i].from));
   return best;
 }
 
