@@ -32,10 +32,25 @@ struct ByteLanes : Lanes {
 };
 
 uint32_t total(Vector lanes) {
+#if defined(__AVX512VBMI__)
+  return static_cast<uint32_t>(_mm512_reduce_add_epi32(lanes));
+#else
   uint32_t sum = 0, lane[sizeof lanes / 4];
   __builtin_memcpy(lane, &lanes, sizeof lanes);
   for (const uint32_t value : lane) sum += value;
   return sum;
+#endif
+}
+
+// At most a vector's bytes; the others are as in `padding`.
+Vector loadFew(const uint8_t* from, size_t size, Vector padding) {
+#if defined(__AVX512VBMI__)
+  return _mm512_mask_loadu_epi8(padding, size < sizeof padding ? (uint64_t{1} << size) - 1 : UINT64_MAX,
+                                from);
+#else
+  __builtin_memcpy(&padding, from, size);
+  return padding;
+#endif
 }
 
 // XOR with the four bytes of `flips` turns samples into the values that the lanes add; `silences` are four
@@ -46,9 +61,7 @@ void sum(const SampleSpans& spans, SpanExcursions& sums, uint32_t flips, uint32_
   SampleLanes lanes[kSampleSpans];
   const uint8_t *in[kSampleSpans], *end[kSampleSpans];
   const auto addFew = [&](size_t k, size_t count) __attribute__((always_inline)) {
-    Vector few = silence;
-    __builtin_memcpy(&few, in[k], count);
-    lanes[k].add(few ^ flip);
+    lanes[k].add(loadFew(in[k], count, silence) ^ flip);
     in[k] += count;
   };
   size_t lines = SIZE_MAX;
