@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <vector>
 
 namespace bench {
@@ -41,19 +42,19 @@ class Memory {
 // The unit of speed: a plain copy of some bytes between memory of its own.
 class PlainCopy {
  public:
-  explicit PlainCopy(size_t bytes) : pairs_{Pair(bytes), Pair(bytes), Pair(bytes)} {}
+  explicit PlainCopy(size_t bytes);
   // Copies by `rep movsb`, by the C library's memcpy, and by streaming stores with prefetch; returns the
   // seconds of the fastest.
   double time();
 
  private:
-  // For each way of copying: memory that the one before has just copied would lie in the caches, unlike a
-  // call's.
   struct Pair {
     Memory from, to;
     explicit Pair(size_t bytes) : from(bytes), to(bytes) {}
   };
-  Pair pairs_[3];
+  // If large, one for each way of copying: memory that another has just copied would partly lie in the
+  // caches, unlike a call's. Small pictures do lie there, and so do their copies.
+  std::vector<std::unique_ptr<Pair>> pairs_;
 };
 
 // How often to measure.
