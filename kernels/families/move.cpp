@@ -5,20 +5,26 @@
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-constexpr size_t kVectors = kCacheLine / sizeof(Vector);
+// Wider loads would all cross cache lines.
+constexpr size_t kSize = sizeof(Vector) < 32 ? sizeof(Vector) : 32;
+constexpr size_t kVectors = kCacheLine / kSize;
 
 struct Line {
-  Pixels vectors[kVectors];
+  typedef uint32_t Part __attribute__((vector_size(kSize)));
+  Part vectors[kVectors];
 };
 
 __attribute__((always_inline)) inline Line loadLine(const uint8_t* from) {
   Line line;
-  unroll<kVectors>([&](size_t i) { line.vectors[i] = load(from + i * sizeof(Vector)); });
+  unroll<kVectors>([&](size_t i) {
+    __builtin_memcpy(&line.vectors[i], from + i * kSize, kSize);
+    __asm__("" : "+x"(line.vectors[i]));  // as load()
+  });
   return line;
 }
 
 __attribute__((always_inline)) inline void storeLine(uint8_t* to, const Line& line) {
-  unroll<kVectors>([&](size_t i) { store(to + i * sizeof(Vector), line.vectors[i]); });
+  unroll<kVectors>([&](size_t i) { __builtin_memcpy(to + i * kSize, &line.vectors[i], kSize); });
 }
 
 // The bytes moved while a line of each place is fetched.
