@@ -150,7 +150,7 @@ struct Cube {
   int32_t shift;  // from a sum of weighted nodes to 256ths
   int32_t start;  // added to each sum
   uint8_t sure;   // the largest fraction in 256ths with which a result is sure
-  struct Node {
+  struct alignas(8) Node {
     int16_t blue, green, red, unused;
   } nodes[16 * 16 * 16 + 274];  // by red, green and blue index; the last 274 are read, but have weight 0
 };

@@ -82,7 +82,7 @@ void findMixes(Mixes& mixes, const Pixel* in) {
 // Calls mix(Pixel* out, const Mixes&) for each kWords pixels.
 template <bool isGuarded, typename Mix>
 void mapMixed(Pixel* out, const Pixel* in, size_t count, const Mix& mix) {
-  constexpr size_t kTogether = 64 / kWords;
+  constexpr size_t kTogether = 4;
   Mixes tile[kTogether];
   Mixes& mixes = tile[0];
   for (; count >= kTogether * kWords; count -= kTogether * kWords, in += kTogether * kWords) {
@@ -152,6 +152,14 @@ __m128i fourPixels(const Entry* sums) {
 }
 #endif
 
+// A node's place in the table of doubles.
+template <typename Place>
+Place placeOf(Place node) {
+  constexpr uint16_t kSide = kCubeSide;
+  const Place red = node >> 8 & 15, green = node >> 4 & 15, blue = node & 15;
+  return ((red * kSide + green) * kSide + blue) * 3;
+}
+
 // Mixes with places in the table of doubles, and doubles.
 struct ExactMixes {
   uint16_t place[4][kWords];
@@ -161,9 +169,7 @@ struct ExactMixes {
     for (size_t c = 0; c < 4; ++c) {
       Words node;
       __builtin_memcpy(&node, mixes.corner[c], sizeof node);
-      constexpr uint16_t kSide = kCubeSide;
-      const Words r = node >> 8 & 15, g = node >> 4 & 15, b = node & 15;
-      const Words places = ((r * kSide + g) * kSide + b) * 3;
+      const Words places = placeOf(node);
       __builtin_memcpy(place[c], &places, sizeof places);
       for (size_t i = 0; i < kWords; ++i) weight[c][i] = mixes.weight[c][i];
     }
@@ -196,9 +202,9 @@ Vector nodesAt(const Cube& cube, const uint16_t* places) {
   };
 #if defined(__AVX512VBMI__)
   __m512i all = _mm512_castsi128_si512(_mm_loadl_epi64(node(0)));
-  all = _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(1)), 1);
-  all = _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(2)), 2);
-  return _mm512_maskz_inserti32x4(0xFFFF, all, _mm_loadu_si128(node(3)), 3);
+  all = _mm512_mask_broadcastq_epi64(all, 0x04, _mm_loadl_epi64(node(1)));
+  all = _mm512_mask_broadcastq_epi64(all, 0x10, _mm_loadl_epi64(node(2)));
+  return _mm512_mask_broadcastq_epi64(all, 0x40, _mm_loadl_epi64(node(3)));
 #elif defined(__AVX2__)
   return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadl_epi64(node(0))), _mm_loadu_si128(node(1)),
                                  1);
@@ -231,14 +237,18 @@ uint32_t pixelsSet(Vector v) {
 #endif
 }
 
-// Computes those pixels whose bits are set in `unsure`.
+// Computes those pixels whose bits are set in `unsure`, mostly one.
 [[gnu::noinline]] void decide(Pixel* to, uint32_t unsure, const Mixes& mixes, uint32_t top,
                               const double* entries) {
-  const ExactMixes exact(mixes);
   for (; unsure != 0; unsure &= unsure - 1) {
     const auto pixel = static_cast<size_t>(__builtin_ctz(unsure));
     const size_t half = pixel / kPixels, four = pixel % kPixels / 4;
-    const Entry sum = exact.sum(entries, (four * 2 + half) * 4 + pixel % 4);
+    const size_t lane = (four * 2 + half) * 4 + pixel % 4;
+    const auto part = [&](size_t c) {
+      const double weight = mixes.weight[c][lane];
+      return weighted(entries + placeOf<size_t>(mixes.corner[c][lane]), &weight);
+    };
+    const Entry sum = plus(plus(plus(part(0), part(1)), part(2)), part(3));
     const Entry sums[4] = {sum, sum, sum, sum};
     to[pixel] = static_cast<uint32_t>(_mm_cvtsi128_si32(fourPixels(sums))) | top;
   }
