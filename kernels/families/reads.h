@@ -63,7 +63,7 @@ struct Part {
 // an empty one at the end.
 template <typename Fold, typename Fails>
 inline Part findPart(const Pixel* in, size_t count, const Fold& fold, const Fails& fails) {
-  constexpr size_t kFirst = 64, kLongest = kReadStreams * kLongestStream;
+  constexpr size_t kFirst = 64, kLongest = kReadStreams * kLongestStream / sizeof(Pixel);
   size_t from = 0, end = headOf(in, count), length = kFirst;
   for (;;) {
     Pixels state{};

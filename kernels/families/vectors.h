@@ -108,12 +108,13 @@ __attribute__((always_inline)) inline void unroll(const Step& step) {
 
 constexpr size_t kCacheLine = 64;  // bytes
 constexpr size_t kLinePixels = kCacheLine / sizeof(Pixel);
-// How far ahead of a sequential read to prefetch, in bytes. Processors with AVX-512 are faster, memory is
+// How far ahead of a sequential read to prefetch, and the shortest stream that a span is split into, in
+// bytes: as measured on processors of these instruction sets. Those with AVX-512 are faster, their memory is
 // not.
 #if defined(__AVX512VBMI__)
-constexpr size_t kPrefetchDistance = 2048;
+constexpr size_t kPrefetchDistance = 2048, kShortestStream = 8192;
 #else
-constexpr size_t kPrefetchDistance = 512;
+constexpr size_t kPrefetchDistance = 512, kShortestStream = 3072;
 #endif
 
 inline void prefetch(const void* at, size_t ahead = kPrefetchDistance) {
@@ -126,18 +127,18 @@ inline size_t headOf(const Pixel* at, size_t count) {
   return head < count ? head : count;
 }
 
-// Memory serves several sequential accesses far from each other faster than one. These are the longest and
-// the shortest distances between the streams that a span is split into, in pixels. The longest is no power of
-// two, so that streams don't compete for the same sets of the caches.
-constexpr size_t kLongestStream = (65536 + 1024) / sizeof(Pixel), kShortestStream = 3072 / sizeof(Pixel);
+// Memory serves several sequential accesses far from each other faster than one. This is the longest distance
+// between the streams that a span is split into, in bytes: no power of two, so that streams don't compete for
+// the same sets of the caches.
+constexpr size_t kLongestStream = 65536 + 1024;
 
 // Calls step(at) for all steps of `length` pixels, or other units of that size in bytes, that fit in from ..
 // end - 1, in `streams` streams taken in turn where the range is long enough. Returns the end of the last
 // step.
 template <size_t streams, size_t length, size_t unit = sizeof(Pixel), typename Step>
 __attribute__((always_inline)) inline size_t inStreams(size_t from, size_t end, const Step& step) {
-  constexpr size_t kLongest = kLongestStream * sizeof(Pixel) / unit;
-  while (end - from >= streams * kShortestStream * sizeof(Pixel) / unit) {
+  constexpr size_t kLongest = kLongestStream / unit, kShortest = kShortestStream / unit;
+  while (end - from >= streams * kShortest) {
     const size_t most = (end - from) / streams;
     const size_t stream = (most < kLongest ? most : kLongest) / length * length;
     for (size_t i = 0; i < stream; i += length) {
