@@ -69,8 +69,7 @@ template <size_t n, size_t period, bool streaming, size_t sources, typename Map>
 __attribute__((always_inline)) inline size_t mapLines(Pixel* out, const Pixel* const (&in)[sources],
                                                       size_t from, size_t end, const Map& map) {
   constexpr size_t kLines = n * period, kStep = kLines * kCacheLine;  // as a period of the widest vectors
-  // More than two streams of stores would flush each other's unfinished lines.
-  return inStreams<2, kStep, 1>(
+  return inStreams<kMapStreams, kStep, 1>(
       from, end, [&](size_t at) __attribute__((always_inline)) {
         unroll<sources * kLines>([&](size_t i) __attribute__((always_inline)) {
           prefetch(bytes(in[i % sources]) + at + i / sources * kCacheLine);

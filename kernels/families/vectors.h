@@ -108,13 +108,14 @@ __attribute__((always_inline)) inline void unroll(const Step& step) {
 
 constexpr size_t kCacheLine = 64;  // bytes
 constexpr size_t kLinePixels = kCacheLine / sizeof(Pixel);
+// As measured on processors of these instruction sets; those with AVX-512 are faster, their memory is not.
 // How far ahead of a sequential read to prefetch, and the shortest stream that a span is split into, in
-// bytes: as measured on processors of these instruction sets. Those with AVX-512 are faster, their memory is
-// not.
+// bytes; and the streams that maps take in turn: more than two streams of stores would flush each other's
+// unfinished lines.
 #if defined(__AVX512VBMI__)
-constexpr size_t kPrefetchDistance = 2048, kShortestStream = 8192;
+constexpr size_t kPrefetchDistance = 2048, kShortestStream = 8192, kMapStreams = 1;
 #else
-constexpr size_t kPrefetchDistance = 512, kShortestStream = 3072;
+constexpr size_t kPrefetchDistance = 512, kShortestStream = 3072, kMapStreams = 2;
 #endif
 
 inline void prefetch(const void* at, size_t ahead = kPrefetchDistance) {
