@@ -13,14 +13,14 @@ void countPixel(ChannelCounts& counts, size_t lane, uint32_t pixel, uint32_t tim
   counts.blue[lane][pixel & 0xFF] += times;
 }
 
-// Whether `lines` lines of pixels have a colour.
-template <size_t lines>
-__attribute__((always_inline)) inline bool areAll(const Pixel* line, Pixels color) {
+bool areSame(uint32_t a, uint32_t b) { return ((a ^ b) & kColor) == 0; }
+
+// Whether `count` pixels, whole vectors, have a colour. Looks at the ends first, where most pictures fail.
+template <size_t count>
+bool areAll(const Pixel* in, uint32_t color) {
+  if (!areSame(in[0], color) || !areSame(in[count - 1], color)) return false;
   Pixels differing{};
-  for (size_t i = 0; i < lines; ++i) {
-    differing =
-        foldLine(differing, line + i * kLinePixels, [=](Pixels sum, Pixels p) { return sum | (p ^ color); });
-  }
+  for (size_t i = 0; i < count; i += kPixels) differing |= load(in + i) ^ allOf(color);
   return !any(differing & kColor);
 }
 
@@ -33,31 +33,32 @@ uint32_t countColor(const Pixel* in, size_t count, uint32_t color) {
 
 void histogram(const Pixel* in, size_t count, ChannelCounts& counts) {
   // Lines of one colour are added once, when another colour follows.
-  constexpr size_t kTogether = 8;
-  uint32_t times = 0;
-  Pixels color{};
+  constexpr size_t kTogether = 8 * kLinePixels;
+  uint32_t color = 0, times = 0;
   const size_t head = headOf(in, count);
   for (size_t i = 0; i < head; ++i) countPixel(counts, 0, in[i], 1);
   const auto addLine = [&](const Pixel* line) {
-    if (areAll<1>(line, color)) {
-      times += kLinePixels;
-    } else if (areAll<1>(line, allOf(line[0]))) {
-      countPixel(counts, 0, color[0], times);
-      color = allOf(line[0]);
-      times = kLinePixels;
-    } else {
+    if (!areAll<kLinePixels>(line, line[0])) {
       for (size_t i = 0; i < kLinePixels; ++i) countPixel(counts, i % kCountingLanes, line[i], 1);
+      return;
     }
+    if (!areSame(line[0], color)) {
+      countPixel(counts, 0, color, times);
+      color = line[0];
+      times = 0;
+    }
+    times += kLinePixels;
   };
-  size_t at = inStreams<kReadStreams, kTogether * kLinePixels>(head, count, [&](size_t from) {
+  size_t at = inStreams<kReadStreams, kTogether>(head, count, [&](size_t from) {
+    for (size_t i = 0; i < kTogether; i += kLinePixels) prefetch(in + from + i);
     if (areAll<kTogether>(in + from, color)) {
-      times += kTogether * kLinePixels;
+      times += kTogether;
     } else {
-      for (size_t i = 0; i < kTogether; ++i) addLine(in + from + i * kLinePixels);
+      for (size_t i = 0; i < kTogether; i += kLinePixels) addLine(in + from + i);
     }
   });
   for (; count - at >= kLinePixels; at += kLinePixels) addLine(in + at);
-  countPixel(counts, 0, color[0], times);
+  countPixel(counts, 0, color, times);
   for (; at < count; ++at) countPixel(counts, 0, in[at], 1);
 }
 
