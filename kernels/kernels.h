@@ -47,6 +47,7 @@ using SpanMerge = void(Pixel* out, const Pixel* in, size_t count);
 constexpr size_t kPlaces = 4;
 struct Soon {
   uintptr_t places[kPlaces];
+  bool areFar;  // no cache holds them
 };
 // As memmove. Meanwhile fetches a part of about size / kPlaces bytes of each place into the cache, and
 // advances the places past these.

@@ -92,6 +92,7 @@ class Fetcher {
         tour_(tour),
         firstRead_(firstRead),
         isUseful_(pixelBytes(rows.editor) * rows.editor.height >= kFetchedFrom) {
+    soon_.areFar = kernels::shouldStream(int64_t{rows.editor.width} * rows.editor.height);
     if (isUseful_) lookAhead();
   }
   // To be called for every row that is read.
