@@ -312,7 +312,9 @@ class Disturbances : public ::testing::Test {
         continue;  // its member was not registered, or the properties of its class
       }
       for (const Disturbance& disturbance : list) {
-        if (++tried_ % kParts != static_cast<int>(road()) % kParts) continue;
+        // Few calls ask for memory: it is missing on every road.
+        const bool isPart = ++tried_ % kParts == static_cast<int>(road()) % kParts;
+        if (!isPart && disturbance.where != kHeap) continue;
         describeRunning = [&] { return tried.call.describe() + ", " + disturbance.describe(); };
         const std::string& where = disturbance.where;
         if (where == "pluginObjectType") load(host);  // asked for only once
