@@ -189,6 +189,7 @@ std::vector<Call> callsToTry() {
         if (auto* bytes = std::get_if<Bytes>(&argument)) bytes->resize(1024);
         auto* picture = std::get_if<Pixels>(&argument);
         if (picture) picture->alpha = chosen == 1 && !isGdk();
+        if (auto* flag = std::get_if<bool>(&argument)) *flag = chosen == 1;
         isLarge &= !picture || (picture->width > 4 && picture->height > 4);
       }
       Scene scene(call);
