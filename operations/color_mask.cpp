@@ -36,12 +36,14 @@ struct Row {
   }
   // The first coloured pixel first <= x < last; `last` if there is none.
   int32_t find(int32_t first, int32_t last) const {
-    // In a crowd of small areas the next one is near.
-    for (const int32_t near = smaller(last, first + 4); first < near; ++first) {
+    // In a crowd of small areas the next one is near. No kernel takes pixels of two sizes.
+    const bool areAlike = outStep == 0 || outStep == inStep;
+    for (const int32_t near = areAlike ? smaller(last, first + 4) : last; first < near; ++first) {
       if (isColored(first)) return first;
     }
     return first < last ? findFar(first, last) : last;
   }
+  // The same in a row whose `out` has pixels of the size of `in`, or none.
   int32_t findFar(int32_t first, int32_t last) const;
 };
 
@@ -190,15 +192,10 @@ int32_t Row::findFar(int32_t first, int32_t last) const {
   if (first >= readable) return last;
   const auto count = static_cast<size_t>(readable - first);
   const uint8_t *from = in + first * inStep, *to = outStep == 0 ? from : out + first * outStep;
-  size_t found = 0;
-  if (outStep != 0 && inStep != outStep) {
-    while (found < count && !isColored(first + static_cast<int32_t>(found))) ++found;
-  } else if (inStep == sizeof(Pixel)) {
-    found = kernels::best().findUncovered(reinterpret_cast<const Pixel*>(from),
-                                          reinterpret_cast<const Pixel*>(to), count);
-  } else {
-    found = kernels::best().findUncoveredRGB24(from, to, count);
-  }
+  const size_t found = inStep == sizeof(Pixel)
+                           ? kernels::best().findUncovered(reinterpret_cast<const Pixel*>(from),
+                                                           reinterpret_cast<const Pixel*>(to), count)
+                           : kernels::best().findUncoveredRGB24(from, to, count);
   return found < count ? first + static_cast<int32_t>(found) : last;
 }
 
