@@ -91,8 +91,8 @@ class Fetcher {
       : rows_(rows),
         tour_(tour),
         firstRead_(firstRead),
-        isUseful_(pixelBytes(rows.editor) * rows.editor.height >= kFetchedFrom) {
-    soon_.areFar = kernels::shouldStream(int64_t{rows.editor.width} * rows.editor.height);
+        isUseful_(pixelBytes(rows.editor) * rows.editor.height >= kFetchedFrom),
+        soon_{{}, kernels::shouldStream(int64_t{rows.editor.width} * rows.editor.height)} {
     if (isUseful_) lookAhead();
   }
   // To be called for every row that is read.
@@ -116,7 +116,7 @@ class Fetcher {
   int32_t firstRead_;
   bool isUseful_;
   size_t count_ = 0;
-  kernels::Soon soon_ = {};
+  kernels::Soon soon_;
 };
 
 bool moveSideways(PictureEditor& editor, int32_t delta, bool wrap) {

@@ -152,6 +152,12 @@ __m128i fourPixels(const Entry* sums) {
 }
 #endif
 
+// The sum of part(0) to part(3), added in the order of the definition.
+template <typename Part>
+Entry sumOf(const Part& part) {
+  return plus(plus(plus(part(0), part(1)), part(2)), part(3));
+}
+
 // A node's place in the table of doubles.
 template <typename Place>
 Place placeOf(Place node) {
@@ -175,8 +181,7 @@ struct ExactMixes {
     }
   }
   Entry sum(const double* entries, size_t lane) const {
-    const auto part = [&](size_t c) { return weighted(entries + place[c][lane], &weight[c][lane]); };
-    return plus(plus(plus(part(0), part(1)), part(2)), part(3));
+    return sumOf([&](size_t c) { return weighted(entries + place[c][lane], &weight[c][lane]); });
   }
 };
 
@@ -244,11 +249,10 @@ uint32_t pixelsSet(Vector v) {
     const auto pixel = static_cast<size_t>(__builtin_ctz(unsure));
     const size_t half = pixel / kPixels, four = pixel % kPixels / 4;
     const size_t lane = (four * 2 + half) * 4 + pixel % 4;
-    const auto part = [&](size_t c) {
+    const Entry sum = sumOf([&](size_t c) {
       const double weight = mixes.weight[c][lane];
       return weighted(entries + placeOf<size_t>(mixes.corner[c][lane]), &weight);
-    };
-    const Entry sum = plus(plus(plus(part(0), part(1)), part(2)), part(3));
+    });
     const Entry sums[4] = {sum, sum, sum, sum};
     to[pixel] = static_cast<uint32_t>(_mm_cvtsi128_si32(fourPixels(sums))) | top;
   }

@@ -5,28 +5,23 @@
 namespace kernels::ZVR_INSTRUCTION_SET {
 namespace {
 
-// A cache line in parts of some size. Wider ones than 32 bytes would all be loaded across two lines.
-template <size_t size>
+// Narrow parts of lines are a little faster far from the caches, and a third slower in them. Wider ones than
+// 32 bytes would all be loaded across two lines.
+typedef uint32_t Narrow __attribute__((vector_size(16)));
+typedef uint32_t Wide __attribute__((vector_size(sizeof(Vector) < 32 ? sizeof(Vector) : 32)));
+
+template <typename Part>
 struct Line {
-  typedef uint32_t Part __attribute__((vector_size(size)));
-  static constexpr size_t kParts = kCacheLine / size;
+  static constexpr size_t kParts = kCacheLine / sizeof(Part);
   Part parts[kParts];
 
-  __attribute__((always_inline)) static Line loaded(const uint8_t* from) {
-    Line line;
-    unroll<kParts>([&](size_t i) {
-      __builtin_memcpy(&line.parts[i], from + i * size, size);
-      __asm__("" : "+x"(line.parts[i]));  // as load()
-    });
-    return line;
+  __attribute__((always_inline)) explicit Line(const uint8_t* from) {
+    unroll<kParts>([&](size_t i) { parts[i] = load<Part>(from + i * sizeof(Part)); });
   }
-  __attribute__((always_inline)) void store(uint8_t* to) const {
-    unroll<kParts>([&](size_t i) { __builtin_memcpy(to + i * size, &parts[i], size); });
+  __attribute__((always_inline)) void storeTo(uint8_t* to) const {
+    unroll<kParts>([&](size_t i) { store(to + i * sizeof(Part), parts[i]); });
   }
 };
-// Narrow parts are a little faster far from the caches, and a third slower in them.
-using FarLine = Line<16>;
-using NearLine = Line<(sizeof(Vector) < 32 ? sizeof(Vector) : 32)>;
 
 // The bytes moved while a line of each place is fetched.
 constexpr size_t kTurn = kPlaces * kCacheLine;
@@ -40,14 +35,14 @@ __attribute__((always_inline)) inline void fetch(Soon* soon) {
 }
 
 // A line or more.
-template <typename Line>
+template <typename Part>
 [[gnu::noinline]] void moveLines(uint8_t* to, const uint8_t* from, size_t size, Soon* soon) {
   const auto address = reinterpret_cast<uintptr_t>(to);
   // The ends, loaded before and stored after all others, complete the whole lines of `to` between them.
   const size_t lastAt = size - kCacheLine;
-  const Line first = Line::loaded(from), last = Line::loaded(from + lastAt);
+  const Line<Part> first(from), last(from + lastAt);
   const auto moveLine = [=](size_t at) __attribute__((always_inline)) {
-    Line::loaded(from + at).store(to + at);
+    Line<Part>(from + at).storeTo(to + at);
   };
   // In the order in which no line is overwritten before it was loaded.
   if (address - reinterpret_cast<uintptr_t>(from) >= size) {
@@ -65,8 +60,8 @@ template <typename Line>
     }
     for (; end >= kCacheLine; end -= kCacheLine) moveLine(end - kCacheLine);
   }
-  first.store(to);
-  last.store(to + lastAt);
+  first.storeTo(to);
+  last.storeTo(to + lastAt);
 }
 
 }  // namespace
@@ -75,9 +70,9 @@ void move(uint8_t* to, const uint8_t* from, size_t size, Soon* soon) {
   if (size < kCacheLine) {
     __builtin_memmove(to, from, size);
   } else if (soon && soon->areFar) {
-    moveLines<FarLine>(to, from, size, soon);
+    moveLines<Narrow>(to, from, size, soon);
   } else {
-    moveLines<NearLine>(to, from, size, soon);
+    moveLines<Wide>(to, from, size, soon);
   }
 }
 

@@ -42,11 +42,10 @@ uint32_t total(Vector lanes) {
 #endif
 }
 
-// At most a vector's bytes; the others are as in `padding`.
+// At least one byte, at most a vector's; the others are as in `padding`.
 Vector loadFew(const uint8_t* from, size_t size, Vector padding) {
 #if defined(__AVX512VBMI__)
-  return _mm512_mask_loadu_epi8(padding, size < sizeof padding ? (uint64_t{1} << size) - 1 : UINT64_MAX,
-                                from);
+  return _mm512_mask_loadu_epi8(padding, UINT64_MAX >> (sizeof padding - size), from);
 #else
   __builtin_memcpy(&padding, from, size);
   return padding;

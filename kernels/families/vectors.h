@@ -72,15 +72,19 @@ inline Words multiplyHigh(Words a, Words b) {
 
 inline Pixels allOf(uint32_t word) { return Pixels{} + word; }
 
-inline Pixels load(const void* from) {
-  Pixels pixels;
-  __builtin_memcpy(&pixels, from, sizeof pixels);
-  // Keeps the pixels in a register: the compiler would rather load them again.
-  __asm__("" : "+x"(pixels));
-  return pixels;
+template <typename Lanes = Pixels>
+inline Lanes load(const void* from) {
+  Lanes lanes;
+  __builtin_memcpy(&lanes, from, sizeof lanes);
+  // Keeps them in a register: the compiler would rather load them again.
+  __asm__("" : "+x"(lanes));
+  return lanes;
 }
 
-inline void store(void* to, Pixels pixels) { __builtin_memcpy(to, &pixels, sizeof pixels); }
+template <typename Lanes>
+inline void store(void* to, Lanes lanes) {
+  __builtin_memcpy(to, &lanes, sizeof lanes);
+}
 
 // Byte by byte, unsigned.
 inline Pixels max(Pixels a, Pixels b) {
